@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Installs what is missing on a Debian 12 machine (amd64).
+#
+# usage: scripts/install-dependencies.sh [demo|test]
+#
+# demo: what building and running the system needs. test (the default): that, and what the tests and
+# the checks need. When nothing is missing, neither apt nor the network is touched.
+. "$(dirname "$0")/common.sh"
+
+readonly demo=(g++ g++-multilib cmake ninja-build ccache libcli11-dev libfmt-dev libspdlog-dev)
+readonly test=("${demo[@]}" googletest binutils procps clang-format clang-tidy)
+
+case "${1:-test}" in
+  demo) wanted=("${demo[@]}") ;;
+  test) wanted=("${test[@]}") ;;
+  *) fail "usage: scripts/install-dependencies.sh [demo|test]" ;;
+esac
+
+command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+  fail "this needs Debian's packages; install by hand: ${wanted[*]}"
+
+missing=()
+for package in "${wanted[@]}"; do
+  status=$(dpkg-query --show --showformat='${db:Status-Status}\n' "$package" 2>/dev/null || true)
+  grep -qx installed <<<"$status" || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=(env)
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null ||
+    fail "missing are ${missing[*]}; run as root, or install them by hand: there is no sudo here"
+  as_root=(sudo env)
+fi
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+
+# apt ARGUMENT...: quiet, asks nothing; shows what it said only when it fails.
+apt() {
+  "${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get --yes --quiet \
+    -o DPkg::Lock::Timeout=300 "$@" >"$log" 2>&1 </dev/null || {
+    cat "$log" >&2
+    fail "apt-get $1 failed; missing are ${missing[*]}"
+  }
+}
+
+say "installing ${missing[*]}"
+apt update
+apt install --no-install-recommends "${missing[@]}"

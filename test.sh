@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds both word sizes and runs every check and every test.
+#
+# usage: ./test.sh            everything
+#        ./test.sh PRESET     one preset: linux32 linux64 asan32 asan64 tsan64 coverage
+#        ./test.sh checks     only the checks that come first: format, headers, rules, tidy
+#        ./test.sh tidy       only clang-tidy
+#        ./test.sh format     rewrites every C++ file as clang-format has it
+#        ./test.sh help       this text
+#
+# The last line is "N passed, N failed", counted over all presets that were run; the exit code is 0
+# when something passed and nothing failed. A test that is skipped or cannot be run has failed.
+. "$(dirname "$0")/scripts/common.sh"
+
+passed=0
+failed=0
+
+# finish: the last line.
+finish() {
+  echo "$passed passed, $failed failed"
+  [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
+}
+
+# run_preset NAME: builds it, runs its tests and adds them to the figures.
+run_preset() {
+  local results=$PWD/build/$1/test-results.xml code=0 all=0 good=0
+  if ! scripts/build.sh "$1"; then
+    failed=$((failed + 1))
+    return
+  fi
+  rm -f "$results"
+  say "$1: testing"
+  # Of ctest's lines only those about tests that did not pass are of interest.
+  ctest --preset "$1" --parallel "$(nproc)" --no-tests=error --output-junit "$results" \
+    </dev/null 2>&1 | { grep --line-buffered -vE \
+    '^ *Start +[0-9]+: |Passed +[0-9.]+ sec *$|^Test project |^Preset |^ *$|^Total Test time' ||
+    true; } || code=$?
+  if [ -e "$results" ]; then
+    all=$(grep -cE '^[[:space:]]*<testcase ' "$results" || true)
+    good=$(grep -cE '^[[:space:]]*<testcase .* status="run"' "$results" || true)
+  fi
+  # No test at all is a failure, and so is whatever else ctest complains of.
+  [ "$all" -gt 0 ] || all=1
+  [ "$code" -eq 0 ] || [ "$all" -gt "$good" ] || failed=$((failed + 1))
+  passed=$((passed + good))
+  failed=$((failed + all - good))
+}
+
+# run_checks: the cheap ones first; nothing else is run when one of them fails.
+run_checks() {
+  local check
+  for check in format headers sources tidy; do
+    if ! "scripts/check-$check.sh"; then
+      failed=$((failed + 1))
+      say "stopped at check-$check; no test was run"
+      finish || exit 1
+    fi
+  done
+}
+
+verb=${1:-all}
+[ $# -le 1 ] || verb=help
+case "$verb" in
+  all)
+    scripts/install-dependencies.sh test
+    run_checks
+    for preset in linux32 linux64 asan32 tsan64; do run_preset "$preset"; done
+    finish
+    ;;
+  linux32 | linux64 | asan32 | asan64 | tsan64 | coverage)
+    scripts/install-dependencies.sh test
+    run_preset "$verb"
+    finish
+    ;;
+  checks)
+    scripts/install-dependencies.sh test
+    for check in format headers sources tidy; do "scripts/check-$check.sh"; done
+    ;;
+  tidy)
+    scripts/install-dependencies.sh test
+    scripts/check-tidy.sh
+    ;;
+  format)
+    scripts/install-dependencies.sh test
+    scripts/check-format.sh --fix
+    ;;
+  help | --help | -h)
+    sed -n '2,/^\. /{s/^# \{0,1\}//;/^\. /d;p}' "$0"
+    ;;
+  *)
+    fail "there is no '$verb'; ./test.sh help tells what there is"
+    ;;
+esac

@@ -1,0 +1,67 @@
+#include "tests/support/ThreadReport.h"
+
+#include <execinfo.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+#include "tests/support/WaitUntil.h"
+
+namespace zerva {
+namespace {
+
+std::atomic<bool> stackWritten{false};
+
+void writeOwnStack(int) {
+  std::array<void*, 64> frames{};
+  const int depth = backtrace(frames.data(), static_cast<int>(frames.size()));
+  backtrace_symbols_fd(frames.data(), depth, STDERR_FILENO);
+  stackWritten = true;
+}
+
+std::string firstLineOf(const std::filesystem::path& file) {
+  std::ifstream stream{file};
+  std::string line;
+  std::getline(stream, line);
+  return line;
+}
+
+std::string stateOf(const std::filesystem::path& task) {
+  std::ifstream stream{task / "status"};
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with("State:")) return line.substr(line.find('\t') + 1);
+  }
+  return "unknown";
+}
+
+}  // namespace
+
+void reportThreads() {
+  struct sigaction action {};
+  action.sa_handler = writeOwnStack;
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGRTMAX, &action, nullptr);
+
+  std::error_code ignored;
+  for (const auto& task : std::filesystem::directory_iterator{"/proc/self/task", ignored}) {
+    const int id = std::stoi(task.path().filename().string());
+    std::fprintf(stderr, "thread %d \"%s\" %s, waits in %s\n", id,
+                 firstLineOf(task.path() / "comm").c_str(), stateOf(task.path()).c_str(),
+                 firstLineOf(task.path() / "wchan").c_str());
+    stackWritten = false;
+    if (syscall(SYS_tgkill, getpid(), id, SIGRTMAX) == 0) {
+      waitUntil([] { return stackWritten.load(); }, std::chrono::seconds{1});
+    }
+  }
+}
+
+}  // namespace zerva

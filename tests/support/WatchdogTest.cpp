@@ -1,0 +1,43 @@
+#include "tests/support/Barrier.h"
+#include "tests/support/Watchdog.h"
+
+namespace zerva {
+namespace {
+
+using testing::AllOf;
+using testing::ExitedWithCode;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(AWatchdog, WhoseTimeIsOver_EndsTheProgramAndNamesWhatHangsAndItsThreads) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        Watchdog sut;
+        sut.set("the slow one", std::chrono::milliseconds{1});
+        Gate never;
+        never.wait();
+      },
+      ExitedWithCode(Watchdog::exitCode),
+      AllOf(HasSubstr("watchdog: the slow one hangs"), HasSubstr("\"test-watchdog\""),
+            HasSubstr("support_test(")));
+}
+
+TEST(AWatchdog, Released_EndsNothing) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        Watchdog sut;
+        sut.set("the released one", std::chrono::milliseconds{50});
+        sut.release();
+        Watchdog later;
+        later.set("the later one", std::chrono::milliseconds{100});
+        Gate never;
+        never.wait();
+      },
+      ExitedWithCode(Watchdog::exitCode),
+      AllOf(HasSubstr("the later one"), Not(HasSubstr("the released one"))));
+}
+
+}  // namespace
+}  // namespace zerva
