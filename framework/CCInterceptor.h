@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "framework/Export.h"
+
+/** A message on its way, as an interceptor sees it. Valid during the call only. */
+struct InterceptedMessage {
+  /** Name of the channel that sent it. */
+  const std::string& from;
+  /** Name of the channel that it is for. */
+  const std::string& to;
+  /** Size of the payload in bytes. */
+  std::size_t size;
+  /** The request's id, as unsigned 32-bit number; 0 when no reply is wanted. */
+  unsigned long requestId;
+  /** Whether it is the reply to a request. */
+  bool reply;
+  /** For a reply that reports a failure, why; else empty. */
+  const std::string& error;
+};
+
+/**
+ * Sees every message of the channels that were made with the dispatcher that it is added to.
+ * Called on the thread that sends or receives, with no lock of the platform held, several at once;
+ * it must not throw and should return quickly.
+ */
+class ZERVA_EXPORT CCInterceptor {
+ public:
+  virtual void messageSent(const InterceptedMessage& message) = 0;
+  virtual void messageReceived(const InterceptedMessage& message) = 0;
+
+ protected:
+  ~CCInterceptor() = default;
+};
