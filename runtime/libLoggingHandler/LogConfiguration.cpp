@@ -1,0 +1,80 @@
+#include "runtime/libLoggingHandler/LogConfiguration.h"
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+namespace zerva {
+namespace {
+
+// Errors are written without asking first, so a sink cannot have been what turned them on.
+constexpr int kErrorLevel = 2;
+
+}  // namespace
+
+std::atomic<int> LogConfiguration::highest_{kDefaultLevel};
+
+LogConfiguration& LogConfiguration::instance() {
+  static auto* const configuration = new LogConfiguration;
+  return *configuration;
+}
+
+bool LogConfiguration::isOn(std::string_view module, int level) const {
+  const std::shared_lock lock(mutex_);
+  return level <= ordinaryLevel(module) ||
+         std::any_of(sinks_.begin(), sinks_.end(),
+                     [&](const auto& sink) { return sink->takes(module, level); });
+}
+
+LogConfiguration::Receivers LogConfiguration::receivers(std::string_view module, int level) const {
+  const std::shared_lock lock(mutex_);
+  Receivers receivers{true, {}};
+  for (const auto& sink : sinks_) {
+    if (sink->takes(module, level)) receivers.supplied.push_back(sink);
+  }
+  receivers.ordinary =
+      level <= std::max(kErrorLevel, ordinaryLevel(module)) || receivers.supplied.empty();
+  return receivers;
+}
+
+void LogConfiguration::setDefaultLevel(int level) {
+  const std::lock_guard lock(mutex_);
+  defaultLevel_ = level;
+  updateHighest();
+}
+
+void LogConfiguration::setLevel(const std::string& module, int level) {
+  const std::lock_guard lock(mutex_);
+  levels_[module] = level;
+  updateHighest();
+}
+
+void LogConfiguration::add(std::shared_ptr<SuppliedSink> sink) {
+  const std::lock_guard lock(mutex_);
+  sinks_.push_back(std::move(sink));
+  updateHighest();
+}
+
+std::vector<std::shared_ptr<SuppliedSink>> LogConfiguration::remove(const LogSink& sink) {
+  const std::lock_guard lock(mutex_);
+  const auto removed = std::stable_partition(
+      sinks_.begin(), sinks_.end(), [&](const auto& supplied) { return !supplied->is(sink); });
+  std::vector<std::shared_ptr<SuppliedSink>> taken(removed, sinks_.end());
+  sinks_.erase(removed, sinks_.end());
+  updateHighest();
+  return taken;
+}
+
+int LogConfiguration::ordinaryLevel(std::string_view module) const {
+  const auto found = levels_.find(module);
+  return found == levels_.end() ? defaultLevel_ : found->second;
+}
+
+void LogConfiguration::updateHighest() {
+  int highest = defaultLevel_;
+  for (const auto& [module, level] : levels_) highest = std::max(highest, level);
+  for (const auto& sink : sinks_) highest = std::max(highest, sink->level());
+  highest_.store(highest, std::memory_order_relaxed);
+}
+
+}  // namespace zerva

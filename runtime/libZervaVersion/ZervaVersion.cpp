@@ -1,0 +1,3 @@
+#include "framework/ZervaVersion.h"
+
+std::string ZervaVersion() { return ZERVA_VERSION_TEXT; }
