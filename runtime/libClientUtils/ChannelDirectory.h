@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "framework/Export.h"
+#include "runtime/libClientUtils/Destination.h"
+
+class Executable;
+
+namespace zerva {
+
+class Mailbox;
+
+/** The channels of other processes; there are none until somebody brings them in. */
+class ZERVA_EXPORT RemoteChannels {
+ public:
+  /** @returns the way to a name that is served in another process now, or null. Does not block. */
+  virtual std::shared_ptr<Destination> find(const std::string& name) = 0;
+
+ protected:
+  ~RemoteChannels() = default;
+};
+
+/**
+ * How a message finds its channel: the open channels of the process by name, and behind them those
+ * of other processes. It hands out counted references, so that what was found stays valid while it
+ * is used. There is one directory a process; any thread may use it.
+ */
+class ZERVA_EXPORT ChannelDirectory {
+ public:
+  static ChannelDirectory& instance();
+
+  /** Lists a channel under its name, behind those that are listed under it already. */
+  void add(const std::shared_ptr<Mailbox>& mailbox);
+
+  void remove(const Mailbox& mailbox);
+
+  /** @returns where requests to a name go now: the oldest that is served; or null. */
+  std::shared_ptr<Destination> find(const std::string& name) const;
+
+  /**
+   * @returns the channel of this process under a name through which an object gets its requests;
+   *     when none says so, the oldest whose object is not known yet; or null.
+   */
+  std::shared_ptr<Mailbox> findServing(const std::string& name, const Executable* object) const;
+
+  /**
+   * Brings in the channels of other processes, asked for names that nobody serves here.
+   *
+   * @param remote not owned; null takes them out again. No thread may be sending then.
+   */
+  void setRemoteChannels(RemoteChannels* remote);
+
+ private:
+  std::vector<std::shared_ptr<Mailbox>> listed(const std::string& name) const;
+
+  mutable std::mutex mutex_;
+  // Both guarded by mutex_.
+  std::unordered_map<std::string, std::vector<std::shared_ptr<Mailbox>>> mailboxes_;
+  RemoteChannels* remote_ = nullptr;
+};
+
+}  // namespace zerva

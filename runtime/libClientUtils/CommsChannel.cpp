@@ -1,0 +1,57 @@
+#include "framework/CommsChannel.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/ChannelState.h"
+#include "runtime/libClientUtils/MessageState.h"
+
+using zerva::ChannelDirectory;
+using zerva::Mailbox;
+
+CommsChannelIfc::~CommsChannelIfc() = default;
+
+CommsChannel::CommsChannel(const std::string& name, CCInterceptorDispatcher* dispatcher)
+    : state_(new State{std::make_shared<Mailbox>(name, dispatcher)}) {
+  ChannelDirectory::instance().add(state_->mailbox);
+}
+
+CommsChannel::~CommsChannel() {
+  state_->mailbox->close();
+  ChannelDirectory::instance().remove(*state_->mailbox);
+  state_->mailbox->waitForDeliveries();
+}
+
+const std::string& CommsChannel::getName() const { return state_->mailbox->name(); }
+
+bool CommsChannel::send(CommsChannelDataContainerMessage& message) {
+  auto& sent = message.state();
+  sent.error =
+      state_->mailbox->send(sent.channel, sent.data, static_cast<std::uint32_t>(sent.requestId));
+  return sent.error.empty();
+}
+
+bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
+  return state_->mailbox->send(channel, std::make_shared<const std::string>(data), 0).empty();
+}
+
+bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {
+  // Held here too, since the channel may be deleted while this thread waits.
+  const std::shared_ptr<Mailbox> mailbox = state_->mailbox;
+  auto outcome = mailbox->awaitReply(static_cast<std::uint32_t>(requestId));
+  auto& received = message.state();
+  received.error = std::move(outcome.error);
+  if (!received.error.empty()) {
+    return false;
+  }
+  received.data = std::move(outcome.reply);
+  return true;
+}
+
+bool CommsChannel::isServed(const std::string& channel) {
+  return ChannelDirectory::instance().find(channel) != nullptr;
+}
+
+CommsChannel::State& CommsChannel::state() { return *state_; }

@@ -1,0 +1,46 @@
+#include "framework/CommsChannelDataContainerMessage.h"
+
+#include "runtime/libClientUtils/MessageState.h"
+
+CommsChannelDataContainerMessage::CommsChannelDataContainerMessage()
+    : state_(std::make_unique<State>()) {}
+
+CommsChannelDataContainerMessage::~CommsChannelDataContainerMessage() = default;
+
+CommsChannelDataContainerMessage::CommsChannelDataContainerMessage(
+    CommsChannelDataContainerMessage&& other) noexcept = default;
+
+CommsChannelDataContainerMessage& CommsChannelDataContainerMessage::operator=(
+    CommsChannelDataContainerMessage&& other) noexcept = default;
+
+void CommsChannelDataContainerMessage::setChannel(const std::string& channel) {
+  state_->channel = channel;
+}
+
+const std::string& CommsChannelDataContainerMessage::getChannel() const { return state_->channel; }
+
+void CommsChannelDataContainerMessage::setData(const std::string& data) {
+  state_->data = std::make_shared<const std::string>(data);
+}
+
+std::string CommsChannelDataContainerMessage::getData() const {
+  return state_->data != nullptr ? *state_->data : std::string();
+}
+
+void CommsChannelDataContainerMessage::setRequestId(long requestId) {
+  state_->requestId = requestId;
+}
+
+long CommsChannelDataContainerMessage::getRequestId() const { return state_->requestId; }
+
+void CommsChannelDataContainerMessage::setError(const std::string& error) { state_->error = error; }
+
+const std::string& CommsChannelDataContainerMessage::getError() const { return state_->error; }
+
+CommsChannelDataContainerMessage::State& CommsChannelDataContainerMessage::state() {
+  return *state_;
+}
+
+const CommsChannelDataContainerMessage::State& CommsChannelDataContainerMessage::state() const {
+  return *state_;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "framework/Export.h"
+#include "runtime/libClientUtils/Envelope.h"
+
+namespace zerva {
+
+/** Where messages to a name can be handed: a mailbox of this process or a way to another one. */
+class ZERVA_EXPORT Destination {
+ public:
+  /** @returns what tells this destination from all others, also from one of the same name. */
+  virtual std::uint64_t instance() const = 0;
+
+  /**
+   * Takes a message. Does not wait for anybody and calls no service.
+   *
+   * @param envelope moved from only when it is taken.
+   * @returns false when nothing is taken any more.
+   */
+  virtual bool deliver(Envelope& envelope) = 0;
+
+  /**
+   * @returns whether the calling thread must not wait for an answer, since it is the one that has
+   *     yet to start whoever would give it.
+   */
+  virtual bool waitsForCaller() const = 0;
+
+ protected:
+  ~Destination() = default;
+};
+
+}  // namespace zerva

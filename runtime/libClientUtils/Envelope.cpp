@@ -1,0 +1,38 @@
+#include "runtime/libClientUtils/Envelope.h"
+
+#include <utility>
+
+namespace zerva {
+
+ReplyTicket::ReplyTicket(std::weak_ptr<ReplyReceiver> receiver, std::uint32_t requestId)
+    : receiver_(std::move(receiver)), requestId_(requestId) {}
+
+ReplyTicket::~ReplyTicket() { fail("the request was dropped without an answer"); }
+
+ReplyTicket::ReplyTicket(ReplyTicket&& other) noexcept
+    : receiver_(std::move(other.receiver_)),
+      requestId_(std::exchange(other.requestId_, 0)),
+      answerer_(other.answerer_) {}
+
+ReplyTicket& ReplyTicket::operator=(ReplyTicket&& other) noexcept {
+  receiver_.swap(other.receiver_);
+  std::swap(requestId_, other.requestId_);
+  std::swap(answerer_, other.answerer_);
+  return *this;
+}
+
+void ReplyTicket::answer(Payload data) { send(std::move(data), {}); }
+
+void ReplyTicket::fail(const std::string& error) { send(nullptr, error); }
+
+void ReplyTicket::send(Payload data, const std::string& error) {
+  const std::uint32_t requestId = std::exchange(requestId_, 0);
+  if (requestId == 0) {
+    return;
+  }
+  if (const auto receiver = receiver_.lock()) {
+    receiver->receiveReply(requestId, answerer_, std::move(data), error);
+  }
+}
+
+}  // namespace zerva

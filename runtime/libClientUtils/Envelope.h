@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "framework/Export.h"
+#include "runtime/libClientUtils/CallChain.h"
+
+class Executable;
+
+namespace zerva {
+
+/** The bytes of a message; shared, so that they are not copied on their way. */
+using Payload = std::shared_ptr<const std::string>;
+
+/** Takes the replies to requests that were sent: the channel that asked. */
+class ZERVA_EXPORT ReplyReceiver {
+ public:
+  /**
+   * @param requestId of the request.
+   * @param answerer the instance that answers; another than the one that was asked is not heard.
+   * @param data the reply; null when the request failed.
+   * @param error why it failed; empty when it did not.
+   */
+  virtual void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
+                            const std::string& error) = 0;
+
+ protected:
+  ~ReplyReceiver() = default;
+};
+
+/** The obligation to answer a request, once. A request that is dropped answers with an error. */
+class ZERVA_EXPORT ReplyTicket {
+ public:
+  /** For a message that nobody waits for. */
+  ReplyTicket() = default;
+
+  /**
+   * @param receiver who asked; a receiver that is gone is not answered.
+   * @param requestId the id that it asked with.
+   */
+  ReplyTicket(std::weak_ptr<ReplyReceiver> receiver, std::uint32_t requestId);
+  ~ReplyTicket();
+  ReplyTicket(ReplyTicket&& other) noexcept;
+  ReplyTicket& operator=(ReplyTicket&& other) noexcept;
+
+  /** Says which instance is going to answer; the one that the request was delivered to. */
+  void answerAs(std::uint64_t answerer) { answerer_ = answerer; }
+
+  void answer(Payload data);
+  void fail(const std::string& error);
+
+  /** Answers nobody any more: the sender knows already. */
+  void cancel() { requestId_ = 0; }
+
+  /** @returns the request id; 0 when nobody waits. */
+  std::uint32_t requestId() const { return requestId_; }
+
+ private:
+  void send(Payload data, const std::string& error);
+
+  std::weak_ptr<ReplyReceiver> receiver_;
+  std::uint32_t requestId_ = 0;
+  std::uint64_t answerer_ = 0;
+};
+
+/** A timer's expiry on its way to the timer's owner. It never leaves the process. */
+class ZERVA_EXPORT Expiry {
+ public:
+  virtual ~Expiry() = default;
+
+  /** @returns whose timer it is; only to be compared, it may be gone. */
+  virtual const Executable* owner() const = 0;
+
+  /** Calls the owner, unless the timer was stopped meanwhile. */
+  virtual void fire() = 0;
+};
+
+/** A message on its way. */
+struct Envelope {
+  /** Name of the channel that sent it. */
+  std::string from;
+  /** Name of the channel that it is for. */
+  std::string to;
+  Payload data;
+  CallChain chain;
+  ReplyTicket ticket;
+  /** When it is a timer's expiry; then there are no data and no sender. */
+  std::unique_ptr<Expiry> expiry;
+};
+
+}  // namespace zerva

@@ -1,0 +1,3 @@
+#include "framework/Invoker.h"
+
+Invoker::~Invoker() = default;

@@ -1,0 +1,43 @@
+#include "runtime/libClientUtils/LibraryDirectories.h"
+
+#include <unistd.h>
+
+#include <mutex>
+
+namespace zerva {
+namespace {
+
+struct Directories {
+  std::mutex mutex;
+  // Guarded by mutex.
+  std::vector<std::string> searched;
+};
+
+/** Never destroyed, since libraries may be opened while the process ends. */
+Directories& directories() {
+  static auto* const instance = new Directories;
+  return *instance;
+}
+
+}  // namespace
+
+void LibraryDirectories::set(const std::vector<std::string>& searched) {
+  const std::lock_guard lock(directories().mutex);
+  directories().searched = searched;
+}
+
+std::vector<std::string> LibraryDirectories::get() {
+  const std::lock_guard lock(directories().mutex);
+  return directories().searched;
+}
+
+std::string LibraryDirectories::resolve(const std::string& name) {
+  if (name.empty() || name.find('/') != std::string::npos) return name;
+  for (const std::string& directory : get()) {
+    const std::string path = (directory.empty() ? "." : directory) + "/" + name;
+    if (::access(path.c_str(), F_OK) == 0) return path;
+  }
+  return name;
+}
+
+}  // namespace zerva

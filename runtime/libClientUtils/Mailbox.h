@@ -1,0 +1,133 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "framework/Export.h"
+#include "runtime/libClientUtils/Destination.h"
+#include "runtime/libClientUtils/Envelope.h"
+#include "runtime/libClientUtils/Parker.h"
+
+class CCInterceptorDispatcher;
+class Executable;
+
+namespace zerva {
+
+/** Takes the requests that arrive at a channel: an executor. */
+class ZERVA_EXPORT RequestReceiver {
+ public:
+  /** As `Destination::deliver`. */
+  virtual bool receive(Envelope& envelope) = 0;
+
+  /** As `Destination::waitsForCaller`. */
+  virtual bool waitsForCaller() const = 0;
+
+  /** @returns the object that the requests are for; null as long as it does not exist. */
+  virtual const Executable* object() const = 0;
+
+  virtual ~RequestReceiver() = default;
+};
+
+/**
+ * The inside of a channel, shared by everyone who sends to it, so that a channel can be deleted
+ * while messages are on their way: requests go through to whoever serves the channel, replies to
+ * whoever waits for them.
+ *
+ * No lock is held while a receiver, an interceptor or another mailbox is called.
+ */
+class ZERVA_EXPORT Mailbox final : public Destination,
+                                   public ReplyReceiver,
+                                   public std::enable_shared_from_this<Mailbox> {
+ public:
+  Mailbox(std::string name, CCInterceptorDispatcher* dispatcher);
+  virtual ~Mailbox();
+
+  const std::string& name() const { return name_; }
+
+  /** What serves the channel, from the point of view of an object that looks for its own. */
+  enum class Serves { Nothing, Object, AnotherObject, NotKnownYet };
+  Serves serves(const Executable* object) const;
+
+  /** From here on requests go to the receiver. Once a mailbox. */
+  void serveWith(std::shared_ptr<RequestReceiver> receiver);
+
+  /** @returns whether requests are taken now. */
+  bool isServed() const { return served_.load(std::memory_order_acquire); }
+
+  /** Sends a request or a message; see `CommsChannelIfc::send`. @returns why it failed, or "". */
+  std::string send(const std::string& to, Payload data, std::uint32_t requestId);
+
+  /** How a request ended. */
+  struct Outcome {
+    Payload reply;
+    std::string error;
+  };
+
+  /** Waits for the reply to a request; see `CommsChannelIfc::receiveReply`. */
+  Outcome awaitReply(std::uint32_t requestId);
+
+  /**
+   * Answers a request that was delivered here.
+   *
+   * @param data the reply; ignored when there is an error.
+   * @param error why the request failed; empty when it did not.
+   */
+  void answer(Envelope& request, Payload data, const std::string& error);
+
+  /**
+   * Ends everything: nothing is sent, received or awaited any more, and whoever waits is woken.
+   * Only signals. May be repeated.
+   */
+  void close();
+
+  /** Waits until no delivery is under way any more. Called after `close`. */
+  void waitForDeliveries();
+
+  std::uint64_t instance() const override { return instance_; }
+  bool deliver(Envelope& envelope) override;
+  bool waitsForCaller() const override;
+  void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
+                    const std::string& error) override;
+
+ private:
+  /** A request that was sent and whose end nobody has heard of yet. */
+  struct Outstanding {
+    std::string to;
+    std::weak_ptr<Destination> asked;
+    std::uint64_t answerer = 0;
+    Clock::time_point deadline;
+    bool ended = false;
+    Outcome outcome;
+    std::shared_ptr<Parker> waiter;
+  };
+
+  std::shared_ptr<RequestReceiver> receiver() const;
+  std::string expect(std::uint32_t requestId, const std::string& to,
+                     const std::shared_ptr<Destination>& asked);
+  std::string endWith(std::uint32_t requestId, const std::string& error);
+  std::string startWaiting(std::uint32_t requestId, Outstanding& copy);
+  bool takeEnded(std::uint32_t requestId, Outcome& outcome);
+  Outcome giveUp(std::uint32_t requestId, const std::string& error);
+  void deliveryEnds();
+  void dropForgotten(Clock::time_point now);
+
+  const std::string name_;
+  const std::uint64_t instance_;
+  CCInterceptorDispatcher* const dispatcher_;
+  std::atomic<bool> served_{false};
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::shared_ptr<RequestReceiver> receiver_;
+  bool closed_ = false;
+  unsigned deliveries_ = 0;
+  std::condition_variable delivered_;
+  std::unordered_map<std::uint32_t, Outstanding> outstanding_;
+};
+
+}  // namespace zerva

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "runtime/libClientUtils/Envelope.h"
+
+/** The bytes are shared with the envelope that they travel in. */
+struct CommsChannelDataContainerMessage::State {
+  std::string channel;
+  zerva::Payload data;
+  long requestId = 0;
+  std::string error;
+};

@@ -1,0 +1,5 @@
+#include "framework/OSWrappers.h"
+
+#include <unistd.h>
+
+int OSWrappers::curID() { return ::gettid(); }

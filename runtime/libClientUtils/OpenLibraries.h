@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "framework/Export.h"
+
+class Dll;
+
+namespace zerva {
+
+/**
+ * The `Dll` objects of the process. They are kept here also so that those that are left undeleted
+ * on purpose stay reachable. Any thread may call any operation.
+ */
+class ZERVA_EXPORT OpenLibraries {
+ public:
+  /** @returns how many `Dll` objects live, those whose library did not open included. */
+  static std::size_t objects();
+
+  /** @returns the names that they were made with, the oldest first. */
+  static std::vector<std::string> names();
+
+  /** A `Dll` tells that it begins to live, and that it ends. */
+  static void add(const Dll* library, std::string name);
+  static void remove(const Dll* library);
+};
+
+}  // namespace zerva

@@ -1,0 +1,3 @@
+#include "framework/ProtocolAdapter.h"
+
+ProtocolAdapter::~ProtocolAdapter() = default;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "framework/AbstractProtocolRepository.h"
+#include "framework/Export.h"
+
+/** The platform's protocol repository: knows the adapters that were added. */
+class ZERVA_EXPORT ProtocolRepository : public AbstractProtocolRepository {
+ public:
+  ProtocolRepository();
+  virtual ~ProtocolRepository();
+  ProtocolRepository(const ProtocolRepository&) = delete;
+  ProtocolRepository& operator=(const ProtocolRepository&) = delete;
+
+  /**
+   * Adds an adapter under the name of its protocol, instead of one that was added before. Any
+   * thread may call it.
+   *
+   * @param adapter not owned, outlives the repository; null is ignored.
+   */
+  void addProtocolAdapter(ProtocolAdapter* adapter);
+
+  ProtocolAdapter* findProtocolAdapter(std::string protocol) override;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};

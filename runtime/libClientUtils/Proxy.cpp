@@ -1,0 +1,5 @@
+#include "framework/Proxy.h"
+
+void Proxy::init(SvcRTEContext* /*context*/) {}
+
+Proxy::~Proxy() = default;

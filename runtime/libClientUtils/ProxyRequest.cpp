@@ -1,0 +1,3 @@
+#include "framework/ProxyRequest.h"
+
+ProxyRequest::~ProxyRequest() = default;

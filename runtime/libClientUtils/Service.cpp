@@ -1,0 +1,5 @@
+#include "framework/Service.h"
+
+void Service::run() {}
+
+Service::~Service() = default;

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "framework/Export.h"
+#include "runtime/libClientUtils/CallChain.h"
+#include "runtime/libClientUtils/Parker.h"
+
+namespace zerva {
+
+/** An executor, as a thread that serves one of its requests sees it while it waits for a reply. */
+class ZERVA_EXPORT Serving {
+ public:
+  /** The thread is about to wait; it wants to be unparked when one of the answers below changes. */
+  virtual void waitBegins(const std::shared_ptr<Parker>& parker) = 0;
+
+  /** The thread's wait is over. */
+  virtual void waitEnds(const std::shared_ptr<Parker>& parker) = 0;
+
+  /** @returns whether the executor was shut down, which ends every wait of its threads. */
+  virtual bool isShutDown() = 0;
+
+  /**
+   * Serves, on the calling thread, the next request of a chain, if one has arrived.
+   *
+   * @returns whether there was one.
+   */
+  virtual bool serveNext(const CallChain& chain) = 0;
+
+ protected:
+  ~Serving() = default;
+};
+
+/** A place among the limited number of running tasks, that a waiting thread makes free. */
+class ZERVA_EXPORT RunningPlace {
+ public:
+  virtual void leave() = 0;
+  virtual void comeBack() = 0;
+
+ protected:
+  ~RunningPlace() = default;
+};
+
+/** What the platform knows of the calling thread. */
+struct ServingThread {
+  /** The executor whose request the thread serves; null for a thread that serves none. */
+  Serving* serving = nullptr;
+  /** The chain of the request that it serves. */
+  CallChain chain;
+  /** How many requests it serves inside each other. */
+  unsigned nesting = 0;
+  /** Its place in a pool; null for a thread of another kind. */
+  RunningPlace* place = nullptr;
+};
+
+/** @returns the calling thread's own. */
+ZERVA_EXPORT ServingThread& servingThread();
+
+/** While it lives, the calling thread serves a request. */
+class ZERVA_EXPORT ServingScope {
+ public:
+  ServingScope(Serving* serving, const CallChain& chain);
+  ~ServingScope();
+  ServingScope(const ServingScope&) = delete;
+  ServingScope& operator=(const ServingScope&) = delete;
+
+ private:
+  const ServingThread before_;
+};
+
+/**
+ * While it lives, the calling thread waits: its place in the pool is free and its executor knows
+ * what to unpark. The executor is not told of a shutdown or of requests otherwise.
+ */
+class ZERVA_EXPORT WaitingScope {
+ public:
+  WaitingScope();
+  ~WaitingScope();
+  WaitingScope(const WaitingScope&) = delete;
+  WaitingScope& operator=(const WaitingScope&) = delete;
+
+ private:
+  Serving* const serving_;
+  RunningPlace* const place_;
+};
+
+}  // namespace zerva

@@ -1,0 +1,161 @@
+#include "framework/Threader.h"
+
+#include <cxxabi.h>
+#include <pthread.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <system_error>
+#include <utility>
+
+#include "framework/Logging.h"
+#include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/ThreadSettings.h"
+#include "runtime/libClientUtils/ThreadState.h"
+#include "runtime/libClientUtils/Waiting.h"
+
+namespace {
+
+constexpr char kModule[] = "Threads";
+constexpr char kSource[] = "runtime/libClientUtils";
+constexpr int kError = 2;
+constexpr int kWarning = 3;
+
+/** What a new thread is told. */
+struct Start {
+  Threadable* body;
+  /** Said before the body runs, which may delete itself. */
+  std::string description;
+  std::shared_ptr<Threadable::State> state;
+  std::string name;
+  ThreadPriority priority;
+};
+
+/** Notes at the end, however it comes, that the thread has left the body. */
+class InBody {
+ public:
+  explicit InBody(Threadable::State& state) : state_(state) {}
+  ~InBody() {
+    const std::lock_guard lock(state_.mutex);
+    state_.bodyLeft = true;
+  }
+  InBody(const InBody&) = delete;
+  InBody& operator=(const InBody&) = delete;
+
+ private:
+  Threadable::State& state_;
+};
+
+std::string errorText(int error) { return std::generic_category().message(error); }
+
+void applyName(const std::string& name) {
+  constexpr std::size_t kLongest = 15;
+  pthread_setname_np(pthread_self(), name.substr(0, kLongest).c_str());
+}
+
+void applyPriority(ThreadPriority priority, const std::string& name) {
+  // A thread starts with what the thread that made it has, which may be anything.
+  int policy = ::sched_getscheduler(::getpid());
+  sched_param parameters{};
+  ::sched_getparam(::getpid(), &parameters);
+  if (priority == THREAD_PRIORITY_LOW) {
+    policy = SCHED_IDLE;
+    parameters.sched_priority = 0;
+  } else if (priority == THREAD_PRIORITY_HIGH) {
+    policy = SCHED_RR;
+    parameters.sched_priority = ::sched_get_priority_min(SCHED_RR);
+  } else if (policy == ::sched_getscheduler(0)) {
+    return;
+  }
+  const int error = pthread_setschedparam(pthread_self(), policy, &parameters);
+  if (error == 0) return;
+  logAppUni(kModule, kSource, kWarning, __LINE__,
+            "The thread '%s' keeps the priority that it was made with: %s", name.c_str(),
+            errorText(error).c_str());
+}
+
+void reportException(const Start& start) {
+  const std::string text = zerva::currentExceptionText();
+  logAppUni(kModule, kSource, kError, __LINE__,
+            "An exception ended the thread '%s' with the body %s: %s", start.name.c_str(),
+            start.description.c_str(), text.c_str());
+}
+
+// A forced unwinding is caught without an object, which the reference that names it is bound to.
+__attribute__((no_sanitize("null"))) void* runThread(void* argument) {
+  const std::unique_ptr<Start> start(static_cast<Start*>(argument));
+  applyName(start->name);
+  applyPriority(start->priority, start->name);
+  const InBody inBody(*start->state);
+  try {
+    start->body->run();
+  } catch (abi::__forced_unwind&) {
+    // The thread is being cancelled or ends itself; stopping that would end the process.
+    throw;
+  } catch (...) {
+    // A thread has nobody to tell but the log, and the other services are not to die of it.
+    reportException(*start);
+  }
+  return nullptr;
+}
+
+/** @returns 0 or the error. */
+int makeThread(pthread_t& thread, std::unique_ptr<Start> start, std::size_t stackSize) {
+  pthread_attr_t attributes;
+  int error = pthread_attr_init(&attributes);
+  if (error != 0) return error;
+  error = pthread_attr_setstacksize(&attributes, stackSize);
+  if (error == 0) error = pthread_create(&thread, &attributes, runThread, start.get());
+  if (error == 0) static_cast<void>(start.release());
+  pthread_attr_destroy(&attributes);
+  return error;
+}
+
+/** Waits for what is left of a thread that has left the body. @returns false when it has not. */
+bool makeRoom(Threadable::State& state, std::unique_lock<std::mutex>& lock) {
+  while (state.phase != Threadable::State::Phase::kNone) {
+    if (!state.bodyLeft || state.onOwnThread()) return false;
+    state.join(lock);
+  }
+  return true;
+}
+
+}  // namespace
+
+Threader::Threader() = default;
+
+Threader::~Threader() = default;
+
+bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name,
+                     ThreadPriority priority, int stackSize) {
+  if (threadId != nullptr) *threadId = 0;
+  const std::string description = zerva::describe(body);
+  const auto fail = [&](const std::string& cause) {
+    logAppUni(kModule, kSource, kError, __LINE__,
+              "The thread '%s' with the body %s cannot be made: %s", name.c_str(),
+              description.c_str(), cause.c_str());
+    return false;
+  };
+  if (body == nullptr) return fail("there is no body");
+  const std::shared_ptr<Threadable::State> state = body->threadState();
+  auto start = std::make_unique<Start>(Start{body, description, state, name, priority});
+  const std::size_t bytes =
+      zerva::ThreadSettings::stackSize(static_cast<std::size_t>(std::max(0, stackSize)));
+  int error = 0;
+  {
+    std::unique_lock lock(state->mutex);
+    if (!makeRoom(*state, lock)) {
+      lock.unlock();
+      return fail("the body runs already");
+    }
+    error = makeThread(state->thread, std::move(start), bytes);
+    if (error == 0) {
+      state->phase = Threadable::State::Phase::kThere;
+      state->bodyLeft = false;
+      if (threadId != nullptr) *threadId = static_cast<unsigned long>(state->thread);
+    }
+  }
+  return error == 0 || fail(errorText(error));
+}
