@@ -1,0 +1,290 @@
+#include "runtime/libFwkTimer/TimerCore.h"
+
+#include <algorithm>
+
+#include "FrameworkContext.h"
+#include "framework/Executable.h"
+#include "framework/Logging.h"
+#include "framework/Threader.h"
+#include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/Envelope.h"
+#include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Mailbox.h"
+#include "runtime/libClientUtils/Waiting.h"
+
+namespace zerva {
+
+namespace {
+
+/** On its way through the owner's channel. */
+class TimerExpiry final : public Expiry {
+ public:
+  TimerExpiry(std::weak_ptr<TimerCore> timers, int id, unsigned run, const Executable* owner)
+      : timers_(std::move(timers)), id_(id), run_(run), owner_(owner) {}
+
+  ~TimerExpiry() override { settle(); }
+  TimerExpiry(const TimerExpiry&) = delete;
+  TimerExpiry& operator=(const TimerExpiry&) = delete;
+
+  const Executable* owner() const override { return owner_; }
+
+  void fire() override {
+    settle();  // what is due while the owner is busy is sent again
+    if (const auto timers = timers_.lock()) {
+      timers->fire(id_, run_);
+    }
+  }
+
+ private:
+  void settle() {
+    const auto timers = timers_.lock();
+    if (timers != nullptr && !settled_) {
+      settled_ = true;
+      timers->settled(id_, run_);
+    }
+  }
+
+  const std::weak_ptr<TimerCore> timers_;
+  const int id_;
+  const unsigned run_;
+  const Executable* const owner_;
+  bool settled_ = false;
+};
+
+}  // namespace
+
+/** While it lives, the calling thread is outside: in the context or in an owner. */
+class TimerCore::Calling {
+ public:
+  /** @param lock held; released while this lives. */
+  Calling(TimerCore& core, std::unique_lock<std::mutex>& lock) : core_(core), lock_(lock) {
+    core_.calling_.push_back(std::this_thread::get_id());
+    lock_.unlock();
+  }
+
+  ~Calling() {
+    lock_.lock();
+    auto& calling = core_.calling_;
+    calling.erase(std::find(calling.begin(), calling.end(), std::this_thread::get_id()));
+    core_.changed_.notify_all();
+  }
+  Calling(const Calling&) = delete;
+  Calling& operator=(const Calling&) = delete;
+
+ private:
+  TimerCore& core_;
+  std::unique_lock<std::mutex>& lock_;
+};
+
+TimerCore::TimerCore(FrameworkContext* context) : context_(context), thread_(*this) {}
+
+int TimerCore::create(Executable* owner, int period) {
+  const std::lock_guard lock(mutex_);
+  if (owner == nullptr || period < 1 || over_) {
+    return 0;
+  }
+  const int id = ++lastId_;
+  Timer timer;
+  timer.owner = owner;
+  timer.period = std::chrono::milliseconds(period);
+  timers_.emplace(id, timer);
+  return id;
+}
+
+bool TimerCore::start(int id, bool evenIfRunning) {
+  std::unique_lock lock(mutex_);
+  if (over_ || timers_.count(id) == 0 || !askChannel(lock, id) || !needThread(lock)) {
+    return false;
+  }
+  const auto found = timers_.find(id);
+  // The lock was released: the timer may be gone, or all of them.
+  if (over_ || found == timers_.end() || (found->second.running && !evenIfRunning)) {
+    return false;
+  }
+  Timer& timer = found->second;
+  halt(id, timer);
+  timer.running = true;
+  ++timer.run;
+  timer.pending = false;
+  timer.next = Clock::now() + timer.period;
+  schedule_.emplace(timer.next, id);
+  changed_.notify_all();
+  return true;
+}
+
+bool TimerCore::stop(int id) {
+  const std::lock_guard lock(mutex_);
+  const auto found = timers_.find(id);
+  if (found == timers_.end() || !found->second.running) {
+    return false;
+  }
+  halt(id, found->second);
+  return true;
+}
+
+bool TimerCore::remove(int id) {
+  const std::lock_guard lock(mutex_);
+  const auto found = timers_.find(id);
+  if (found == timers_.end()) {
+    return false;
+  }
+  halt(id, found->second);
+  timers_.erase(found);
+  return true;
+}
+
+bool TimerCore::running(int id) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = timers_.find(id);
+  return found != timers_.end() && found->second.running;
+}
+
+void TimerCore::shutdown() {
+  const auto self = std::this_thread::get_id();
+  std::unique_lock lock(mutex_);
+  over_ = true;
+  for (auto& [id, timer] : timers_) {
+    halt(id, timer);
+  }
+  changed_.notify_all();
+  const auto others = [&] {
+    return std::any_of(calling_.begin(), calling_.end(),
+                       [&](const std::thread::id thread) { return thread != self; });
+  };
+  if (others()) {
+    lock.unlock();
+    const Waiting waiting("a timer's owner that is being called");
+    lock.lock();
+    changed_.wait(lock, [&] { return !others(); });
+  }
+}
+
+void TimerCore::end() { thread_.waitForThreadCompletion(); }
+
+void TimerCore::fire(int id, unsigned run) {
+  std::unique_lock lock(mutex_);
+  const auto found = timers_.find(id);
+  if (found == timers_.end() || !found->second.running || found->second.run != run) {
+    return;
+  }
+  Executable* const owner = found->second.owner;
+  const Calling calling(*this, lock);
+  owner->timerExpired(id);
+}
+
+void TimerCore::settled(int id, unsigned run) {
+  const std::lock_guard lock(mutex_);
+  const auto found = timers_.find(id);
+  if (found != timers_.end() && found->second.run == run) {
+    found->second.pending = false;
+  }
+}
+
+/** Finds out, once, which channel the timer's owner has. */
+bool TimerCore::askChannel(std::unique_lock<std::mutex>& lock, int id) {
+  const Timer& timer = timers_.at(id);
+  if (timer.channelAsked) {
+    return true;
+  }
+  Executable* const owner = timer.owner;
+  std::string channel;
+  {
+    // Counted like a delivery: once `shutdown` returned, nobody is in the context.
+    const Calling calling(*this, lock);
+    channel = context_->findChannel(owner);
+  }
+  const auto found = timers_.find(id);
+  if (found == timers_.end()) {
+    return false;
+  }
+  found->second.channel = std::move(channel);
+  found->second.channelAsked = true;
+  return true;
+}
+
+/** Makes the thread with the first timer that is started. */
+bool TimerCore::needThread(std::unique_lock<std::mutex>& lock) {
+  if (threadStarted_) {
+    return true;
+  }
+  threadStarted_ = true;
+  lock.unlock();
+  unsigned long threadId = 0;
+  const bool started = Threader().spawn(&threadId, &thread_, "timer", THREAD_PRIORITY_NORMAL, 0);
+  lock.lock();
+  threadStarted_ = started;
+  return started;
+}
+
+void TimerCore::halt(int id, Timer& timer) {
+  if (timer.running) {
+    timer.running = false;
+    schedule_.erase({timer.next, id});
+  }
+}
+
+std::vector<TimerCore::Due> TimerCore::takeDue(Clock::time_point now) {
+  std::vector<Due> due;
+  while (!schedule_.empty() && schedule_.begin()->first <= now) {
+    const int id = schedule_.begin()->second;
+    schedule_.erase(schedule_.begin());
+    Timer& timer = timers_.at(id);
+    // Periods that were missed, on a machine that was suspended say, are not made up for.
+    const auto missed = (now - timer.next) / timer.period;
+    timer.next += timer.period * (missed + 1);
+    schedule_.emplace(timer.next, id);
+    if (!timer.pending) {
+      timer.pending = true;
+      due.push_back({id, timer.run, timer.owner, timer.channel});
+    }
+  }
+  return due;
+}
+
+void TimerCore::work() {
+  std::unique_lock lock(mutex_);
+  while (!over_) {
+    if (schedule_.empty()) {
+      changed_.wait(lock);
+      continue;
+    }
+    const auto next = schedule_.begin()->first;
+    if (next > Clock::now()) {
+      changed_.wait_until(lock, next);
+      continue;
+    }
+    const auto due = takeDue(Clock::now());
+    lock.unlock();
+    for (const Due& expired : due) {
+      if (expired.channel.empty()) {
+        callOwner(expired);
+      } else {
+        send(expired);
+      }
+    }
+    lock.lock();
+  }
+}
+
+void TimerCore::send(const Due& due) {
+  Envelope envelope;
+  envelope.to = due.channel;
+  envelope.chain = newCallChain();
+  envelope.expiry = std::make_unique<TimerExpiry>(weak_from_this(), due.id, due.run, due.owner);
+  const auto mailbox = ChannelDirectory::instance().findServing(due.channel, due.owner);
+  if (mailbox != nullptr) {
+    mailbox->deliver(envelope);
+  }
+}
+
+void TimerCore::callOwner(const Due& due) {
+  settled(due.id, due.run);
+  try {
+    fire(due.id, due.run);
+  } catch (...) {
+    logAppUni("Timer", "runtime/libFwkTimer", 2, __LINE__, "timerExpired of timer %d failed: %s",
+              due.id, currentExceptionText().c_str());
+  }
+}
+
+}  // namespace zerva

@@ -1,0 +1,33 @@
+#include "framework/CCInterceptorDispatcher.h"
+
+#include "runtime/libServiceExecutor/InterceptorList.h"
+
+struct CCInterceptorDispatcher::State {
+  zerva::InterceptorList<CCInterceptor> interceptors;
+};
+
+CCInterceptorDispatcher::CCInterceptorDispatcher() : state_(std::make_unique<State>()) {}
+
+CCInterceptorDispatcher::~CCInterceptorDispatcher() = default;
+
+void CCInterceptorDispatcher::addInterceptor(CCInterceptor* interceptor) {
+  state_->interceptors.add(interceptor);
+}
+
+void CCInterceptorDispatcher::removeInterceptor(CCInterceptor* interceptor) {
+  state_->interceptors.remove(interceptor);
+}
+
+void CCInterceptorDispatcher::dispatchSent(const InterceptedMessage& message) {
+  const auto all = state_->interceptors.all();
+  for (CCInterceptor* const interceptor : *all) {
+    interceptor->messageSent(message);
+  }
+}
+
+void CCInterceptorDispatcher::dispatchReceived(const InterceptedMessage& message) {
+  const auto all = state_->interceptors.all();
+  for (CCInterceptor* const interceptor : *all) {
+    interceptor->messageReceived(message);
+  }
+}

@@ -1,0 +1,335 @@
+#include "runtime/libServiceExecutor/ExecutorCore.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "framework/CommsChannel.h"
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "framework/Executable.h"
+#include "framework/InvokeInterceptorDispatcher.h"
+#include "framework/ServiceThreadPoolIfc.h"
+#include "framework/Threader.h"
+#include "runtime/libClientUtils/ChannelState.h"
+#include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libServiceExecutor/ExecutorLog.h"
+
+namespace zerva {
+
+namespace {
+
+std::shared_ptr<Mailbox> mailboxOf(CommsChannelIfc* channel) {
+  auto* const own = dynamic_cast<CommsChannel*>(channel);
+  return own != nullptr ? own->state().mailbox : nullptr;
+}
+
+const Payload& nothing() {
+  static const Payload empty = std::make_shared<const std::string>();
+  return empty;
+}
+
+void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {
+  for (const auto& parker : parkers) {
+    parker->unpark();
+  }
+}
+
+}  // namespace
+
+ExecutorCore::ExecutorCore(ExecutorSettings settings)
+    : settings_(std::move(settings)),
+      channelName_(settings_.channel->getName()),
+      mailbox_(mailboxOf(settings_.channel)),
+      builder_(std::this_thread::get_id()),
+      thread_(*this),
+      service_(settings_.service) {
+  if (mailbox_ == nullptr) {
+    EXECUTOR_LOG(2, "channel '%s' is not of this platform: its requests are not served",
+                 channelName_.c_str());
+  }
+}
+
+void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
+  threadId = 0;
+  std::size_t waitingForPool = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    if (started_ || closed_) {
+      return;
+    }
+    started_ = true;
+    if (runsOnPool()) {
+      waitingForPool = queue_.size();
+    }
+  }
+  if (settings_.multiThreaded && !settings_.lazy) {
+    handToPool(waitingForPool);
+    return;
+  }
+  if (!threader.spawn(&threadId, &thread_, channelName_, THREAD_PRIORITY_NORMAL, 0)) {
+    EXECUTOR_LOG(2, "no thread for %s: its channel is closed", description().c_str());
+    threadId = 0;
+    shutdown();
+  }
+}
+
+void ExecutorCore::shutdown() {
+  std::deque<Envelope> refused;
+  std::vector<std::shared_ptr<Parker>> woken;
+  {
+    const std::lock_guard lock(mutex_);
+    closed_.store(true, std::memory_order_release);
+    refused.swap(queue_);
+    woken = waiting_;
+    woken.insert(woken.end(), awaitingService_.begin(), awaitingService_.end());
+    if (ownParker_ != nullptr) {
+      woken.push_back(ownParker_);
+    }
+  }
+  if (mailbox_ != nullptr) {
+    mailbox_->close();
+  }
+  unparkAll(woken);
+  refuse(refused, "channel '" + channelName_ + "' was closed");
+}
+
+bool ExecutorCore::waitUntilIdle(Clock::time_point deadline) {
+  std::unique_lock lock(mutex_);
+  return ended_.wait_until(lock, deadline, [this] { return underWay_ == 0; });
+}
+
+void ExecutorCore::waitUntilIdle() {
+  std::unique_lock lock(mutex_);
+  ended_.wait(lock, [this] { return underWay_ == 0; });
+}
+
+std::string ExecutorCore::description() const {
+  const Executable* const made = service();
+  const std::string what =
+      made != nullptr ? describe(made) : "service of " + settings_.creator + " in " + settings_.lib;
+  return what + " (interface '" + settings_.interfaces + "', channel '" + channelName_ + "')";
+}
+
+Executable* ExecutorCore::service() const {
+  const std::lock_guard lock(mutex_);
+  return service_;
+}
+
+bool ExecutorCore::receive(Envelope& envelope) {
+  std::shared_ptr<Parker> woken;
+  bool toPool = false;
+  std::string error;
+  {
+    const std::lock_guard lock(mutex_);
+    if (closed_) {
+      return false;
+    }
+    if (!finalError_.empty()) {
+      error = finalError_;
+    } else {
+      const CallChain chain = envelope.chain;
+      queue_.push_back(std::move(envelope));
+      toPool = started_ && runsOnPool();
+      if (!toPool && (ownThreadIdle_ || chain.id == ownChain_)) {
+        woken = ownParker_;
+      }
+      if (service_ == nullptr) {
+        wish(chain);
+      }
+    }
+  }
+  if (!error.empty()) {
+    mailbox_->answer(envelope, nullptr, error);
+  } else if (toPool) {
+    handToPool(1);
+  } else if (woken != nullptr) {
+    woken->unpark();
+  }
+  return true;
+}
+
+bool ExecutorCore::waitsForCaller() const {
+  const std::lock_guard lock(mutex_);
+  return !started_ && builder_ == std::this_thread::get_id();
+}
+
+void ExecutorCore::waitBegins(const std::shared_ptr<Parker>& parker) {
+  const std::lock_guard lock(mutex_);
+  waiting_.push_back(parker);
+}
+
+void ExecutorCore::waitEnds(const std::shared_ptr<Parker>& parker) {
+  const std::lock_guard lock(mutex_);
+  waiting_.erase(std::find(waiting_.begin(), waiting_.end(), parker));
+}
+
+bool ExecutorCore::serveNext(const CallChain& chain) {
+  Envelope envelope;
+  {
+    const std::lock_guard lock(mutex_);
+    if (runsOnPool()) {
+      return false;
+    }
+    // Only what is asked on behalf of the request that waits: it is deeper in the chain. Others of
+    // the chain were sent beside that request and keep their turn.
+    const auto next = std::find_if(queue_.begin(), queue_.end(), [&](const Envelope& queued) {
+      return queued.chain.id == chain.id && queued.chain.depth > chain.depth;
+    });
+    if (next == queue_.end()) {
+      return false;
+    }
+    envelope = std::move(*next);
+    queue_.erase(next);
+  }
+  if (servingThread().nesting >= kMaximumNestingOnOneThread) {
+    mailbox_->answer(envelope, nullptr,
+                     "more than " + std::to_string(kMaximumNestingOnOneThread) +
+                         " requests inside each other on the thread of channel '" + channelName_ +
+                         "'");
+    return true;
+  }
+  Executable* target = service();
+  if (target == nullptr) {
+    target = serviceInTheMaking();
+  }
+  if (target == nullptr) {
+    mailbox_->answer(envelope, nullptr,
+                     "the service of channel '" + channelName_ + "' does not exist yet");
+    return true;
+  }
+  serve(envelope, *target);
+  return true;
+}
+
+void ExecutorCore::serveOnOwnThread() {
+  const std::shared_ptr<Parker> parker = Parker::ofThisThread();
+  std::unique_lock lock(mutex_);
+  ownParker_ = parker;
+  while (!closed_ && finalError_.empty() && !runsOnPool()) {
+    if (service_ == nullptr && wished_) {
+      lock.unlock();
+      makeService();
+      lock.lock();
+    } else if (service_ != nullptr && !queue_.empty()) {
+      Envelope envelope = std::move(queue_.front());
+      queue_.pop_front();
+      ++underWay_;
+      ownChain_ = envelope.chain.id;
+      Executable& service = *service_;
+      lock.unlock();
+      serve(envelope, service);
+      requestEnded();
+      lock.lock();
+      ownChain_ = 0;
+    } else {
+      ownThreadIdle_ = true;
+      lock.unlock();
+      parker->park();
+      lock.lock();
+      ownThreadIdle_ = false;
+    }
+  }
+}
+
+void ExecutorCore::serveOneOnPool() {
+  Envelope envelope;
+  Executable* service = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    if (queue_.empty()) {
+      return;  // refused meanwhile
+    }
+    envelope = std::move(queue_.front());
+    queue_.pop_front();
+    ++underWay_;
+    service = service_;
+  }
+  serve(envelope, *service);
+  requestEnded();
+}
+
+void ExecutorCore::serve(Envelope& envelope, Executable& service) {
+  const ServingScope scope(this, envelope.chain);
+  if (envelope.expiry != nullptr) {
+    fire(*envelope.expiry, service);
+    return;
+  }
+  const auto start = Clock::now();
+  Payload answer = nothing();
+  const std::string error = call(service, envelope, answer);
+  const auto duration = Clock::now() - start;
+  if (!error.empty()) {
+    EXECUTOR_LOG(2, "%s: a message from channel '%s' failed: %s", description().c_str(),
+                 envelope.from.c_str(), error.c_str());
+  }
+  // Reported first, so that whoever gets the answer finds the request counted.
+  if (settings_.dispatcher != nullptr) {
+    settings_.dispatcher->dispatch(
+        {settings_.interfaces, {}, envelope.from, channelName_, duration, error});
+  }
+  mailbox_->answer(envelope, std::move(answer), error);
+}
+
+std::string ExecutorCore::call(Executable& service, const Envelope& envelope, Payload& answer) {
+  CommsChannelDataContainerMessage message;
+  message.state() = {
+      envelope.from, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
+  CommsChannelDataContainerMessage reply;
+  try {
+    service.messageReceived(message, reply);
+  } catch (...) {
+    return currentExceptionText();
+  }
+  if (reply.state().data != nullptr) {
+    answer = reply.state().data;
+  }
+  return {};
+}
+
+void ExecutorCore::fire(Expiry& expiry, const Executable& service) {
+  // Two channels may have one name; the timer is then told apart by its owner.
+  if (expiry.owner() != &service) {
+    EXECUTOR_LOG(2, "%s: got an expiry of another owner's timer", description().c_str());
+    return;
+  }
+  try {
+    expiry.fire();
+  } catch (...) {
+    EXECUTOR_LOG(2, "%s: timerExpired failed: %s", description().c_str(),
+                 currentExceptionText().c_str());
+  }
+}
+
+void ExecutorCore::handToPool(std::size_t requests) {
+  for (; requests > 0; --requests) {
+    if (settings_.pool->execute([self = shared_from_this()] { self->serveOneOnPool(); })) {
+      continue;
+    }
+    std::deque<Envelope> refused;
+    {
+      const std::lock_guard lock(mutex_);
+      if (!queue_.empty()) {
+        refused.push_back(std::move(queue_.front()));
+        queue_.pop_front();
+      }
+    }
+    refuse(refused, "the pool has no thread for channel '" + channelName_ + "'");
+  }
+}
+
+void ExecutorCore::requestEnded() {
+  const std::lock_guard lock(mutex_);
+  if (--underWay_ == 0) {
+    ended_.notify_all();
+  }
+}
+
+void ExecutorCore::refuse(std::deque<Envelope>& requests, const std::string& error) {
+  for (Envelope& request : requests) {
+    mailbox_->answer(request, nullptr, error);
+  }
+}
+
+}  // namespace zerva

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "framework/Threadable.h"
+#include "runtime/libClientUtils/Mailbox.h"
+#include "runtime/libClientUtils/ServingThread.h"
+
+class CommsChannelIfc;
+class Executable;
+class FrameworkContext;
+class InvokeInterceptorDispatcher;
+class ServiceExecutor;
+class ServiceThreadPoolIfc;
+class Threader;
+
+namespace zerva {
+
+/** What an executor was made with. */
+struct ExecutorSettings {
+  ServiceExecutor* owner;
+  /** Null for a service that is still to be made. */
+  Executable* service;
+  bool lazy;
+  std::string lib;
+  std::string creator;
+  std::string interfaces;
+  CommsChannelIfc* channel;
+  FrameworkContext* context;
+  ServiceThreadPoolIfc* pool;
+  InvokeInterceptorDispatcher* dispatcher;
+  bool multiThreaded;
+};
+
+/**
+ * The inside of an executor, shared with its channel and with the pool, so that a message that is
+ * on its way when the executor is deleted meets a closed executor and not a deleted one.
+ *
+ * Requests wait in one queue. A service with one thread takes them on the executor's thread; for
+ * the others each request puts one task into the pool, which takes whichever is first. No lock is
+ * held while the context, an interceptor, the log or the service is called.
+ */
+class ExecutorCore final : public RequestReceiver,
+                           public Serving,
+                           public std::enable_shared_from_this<ExecutorCore> {
+ public:
+  explicit ExecutorCore(ExecutorSettings settings);
+
+  /** Lets requests in; see `ServiceExecutor::startThread`. */
+  void start(Threader& threader, unsigned long& threadId);
+
+  /** See `ServiceExecutor::shutdown`. */
+  void shutdown();
+
+  /** See `ServiceExecutor::initService`. */
+  void awaitService();
+
+  /** Waits until no request and no creation is under way. @returns false when time ran out. */
+  bool waitUntilIdle(Clock::time_point deadline);
+  void waitUntilIdle();
+
+  /** Waits until the executor's own thread has ended. Called after `shutdown`. */
+  void waitForThread() { thread_.waitForThreadCompletion(); }
+
+  /** @returns the service, its interfaces and its channel, for people. */
+  std::string description() const;
+
+  /** @returns the service; null as long as it is not made. */
+  Executable* service() const;
+
+  bool receive(Envelope& envelope) override;
+  bool waitsForCaller() const override;
+  const Executable* object() const override { return service(); }
+
+  void waitBegins(const std::shared_ptr<Parker>& parker) override;
+  void waitEnds(const std::shared_ptr<Parker>& parker) override;
+  bool isShutDown() override { return closed_.load(std::memory_order_acquire); }
+  bool serveNext(const CallChain& chain) override;
+
+ private:
+  /** The body of the executor's own thread. */
+  class OwnThread : public Threadable {
+   public:
+    explicit OwnThread(ExecutorCore& core) : core_(core) {}
+    void run() override { core_.serveOnOwnThread(); }
+
+   private:
+    ExecutorCore& core_;
+  };
+
+  /** How the making of a lazy service ended. */
+  struct Made {
+    Executable* service;
+    std::string error;
+    bool final;
+  };
+
+  bool runsOnPool() const { return settings_.multiThreaded && service_ != nullptr; }
+  void serveOnOwnThread();
+  void serveOneOnPool();
+  void serve(Envelope& envelope, Executable& service);
+  std::string call(Executable& service, const Envelope& envelope, Payload& answer);
+  void fire(Expiry& expiry, const Executable& service);
+  void handToPool(std::size_t requests);
+  void requestEnded();
+  void refuse(std::deque<Envelope>& requests, const std::string& error);
+
+  void wish(const CallChain& chain);
+  void makeService();
+  Made callContext(const CallChain& chain);
+  void settle(const Made& made);
+  Executable* serviceInTheMaking();
+  bool nothingToAwait(const CallChain& chain) const;
+
+  const ExecutorSettings settings_;
+  const std::string channelName_;
+  const std::shared_ptr<Mailbox> mailbox_;  // null for a channel that is not the platform's
+  const std::thread::id builder_;
+  OwnThread thread_;
+
+  mutable std::mutex mutex_;
+  std::condition_variable ended_;
+  // Guarded by mutex_; closed_ is also read without it.
+  std::atomic<bool> closed_{false};
+  bool started_ = false;
+  Executable* service_;
+  std::deque<Envelope> queue_;
+  unsigned underWay_ = 0;
+  std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply
+  std::shared_ptr<Parker> ownParker_;             // of the executor's own thread
+  bool ownThreadIdle_ = false;
+  std::uint64_t ownChain_ = 0;  // what the own thread serves or creates for
+
+  // Making of a lazy service; guarded by mutex_.
+  bool wished_ = false;
+  CallChain wishChain_;  // of who asked first
+  bool creating_ = false;
+  std::thread::id creatingThread_;
+  unsigned attempts_ = 0;
+  std::string finalError_;
+  std::vector<std::shared_ptr<Parker>> awaitingService_;
+};
+
+}  // namespace zerva
