@@ -1,0 +1,3 @@
+#include "framework/Export.h"
+
+extern "C" ZERVA_EXPORT int needed() { return 1; }
