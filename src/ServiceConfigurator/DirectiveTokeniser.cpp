@@ -1,0 +1,43 @@
+#include "src/ServiceConfigurator/DirectiveTokeniser.h"
+
+#include <cstddef>
+
+#include "src/ServiceConfigurator/LineNormaliser.h"
+
+namespace zerva {
+
+namespace {
+
+/** Callers read the keyword and four fields without asking how many there are. */
+constexpr std::size_t kLeastTokens = 5;
+
+}  // namespace
+
+std::vector<std::string> tokeniseDirective(const char* line, int length,
+                                           const std::string& separators) {
+  std::string text(line, static_cast<std::size_t>(length));
+  normaliseLine(text);
+  if (!text.empty() && text.front() == '#') {
+    return {"comment"};
+  }
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) {
+    return {};
+  }
+
+  std::vector<std::string> tokens;
+  tokens.push_back(text.substr(0, colon));
+  std::size_t start = colon + 1;
+  for (std::size_t found = text.find_first_of(separators, start); found != std::string::npos;
+       found = text.find_first_of(separators, start)) {
+    tokens.push_back(text.substr(start, found - start));
+    start = found + 1;
+  }
+  tokens.push_back(text.substr(start));
+  while (tokens.size() < kLeastTokens) {
+    tokens.emplace_back();
+  }
+  return tokens;
+}
+
+}  // namespace zerva
