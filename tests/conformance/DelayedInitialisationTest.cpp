@@ -1,0 +1,201 @@
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "framework/ServiceExecutor.h"
+#include "framework/ServiceThreadPool.h"
+#include "tests/conformance/ConformanceTest.h"
+
+namespace zerva::conformance {
+namespace {
+
+/** At level 5 the progress is seen, at 4 it is not. */
+class InitialisingALazyService : public ConfiguratorTest, public testing::WithParamInterface<int> {
+ protected:
+  InitialisingALazyService() {
+    logLevel(GetParam());
+    sut->services["ServiceRegistryIfc"] = nullptr;
+    own = new CommsChannel("fooChannel", nullptr);
+    // As the first stage leaves it; it owns the channel.
+    executor = new ServiceExecutor("libfoo.so", "createFoo", "FooIfc", own, &sut->framework(),
+                                   sut->threadPool, nullptr, true);
+    forget();
+  }
+
+  Service* initialise(const std::string& ifc) {
+    return sut->framework().initialiseService(executor, "libfoo.so", "createFoo", own, ifc);
+  }
+
+  static std::string opening() {
+    return asText(
+        {progress("Creating Service for second stage of delayed/lazy ServiceExecutor startup"),
+         progress("%s", "Opening Lib: libfoo.so")});
+  }
+
+  static std::string created() {
+    return asText({opening(), opened("Dll#1", "libfoo.so"),
+                   progress("%s", "Resolving symbol: createFoo"), resolved("Dll#1", "createFoo"),
+                   progress("Service Configurator: Calling creator fn"), "createFoo()"});
+  }
+
+  static std::string initialised(const std::string& service, const std::string& ifc) {
+    return asText({"repository.addService(" + service +
+                       ", ServiceExecutor#1, CommsChannel#1, Dll#1, " + fakes::inQuotes(ifc) + ")",
+                   progress("Service Configurator: Calling init ifc = '%s'", ifc),
+                   "clock_gettime(CLOCK_MONOTONIC)", service + ".init(SvcRTEContext)",
+                   "clock_gettime(CLOCK_MONOTONIC)", initTook(ifc)});
+  }
+
+  static std::string successful(const std::string& ifc) {
+    return progress("Service Configurator: Service created successfully ifc = '%s'", ifc);
+  }
+
+  static std::string lookedUp() { return "configurator.findService(\"ServiceRegistryIfc\")"; }
+  static std::string notRegistered() {
+    return error(
+        "ServiceConfigurator::initialiseService() svcRegistry not found, interface:'%s' not "
+        "registered",
+        "ServiceRegistryIfc");
+  }
+
+  CommsChannel* own;
+  ServiceExecutor* executor;
+};
+
+TEST_P(InitialisingALazyService, OfAnOrdinaryInterface_AsksNoRegistry) {
+  offerService("libfoo.so", "createFoo");
+  Service* service = initialise("FooIfc BarIfc");
+  const std::string ifc = "FooIfc BarIfc";
+  expectTrace({created(), initialised("Service#1", ifc), successful(ifc)});
+  EXPECT_EQ(fakes::Objects::name(service), "Service#1");
+}
+
+TEST_P(InitialisingALazyService, ThatIsTheRegistry_AnnouncesItThroughTheRegistryFound) {
+  fakes::RecordingRegistryProxy registry;
+  sut->services["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("RegistryService#1", ifc), lookedUp(),
+               "CommsChannel#1.getName()",
+               "RegistryProxy#1.registerInterface(\"ServiceRegistryIfc\", \"fooChannel\")",
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, ThatIsTheRegistryAndIsNotFound_SaysSoAndGivesTheService) {
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc";
+  EXPECT_NE(initialise(ifc), nullptr);
+  expectTrace({created(), initialised("RegistryService#1", ifc), lookedUp(), notRegistered(),
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, ThatIsTheRegistryAndFindsNone_SaysSo) {
+  fakes::RecordingProxy registry;
+  sut->services["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("RegistryService#1", ifc), lookedUp(), notRegistered(),
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, OfTheRegistrysNameAndAnother_AsksNoRegistry) {
+  offerService("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc OtherIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("Service#1", ifc), successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, OfAHeartbeatInterface_MonitorsUnderTheNameOfItsChannel) {
+  offerService("libfoo.so", "createFoo");
+  const std::string ifc = "FooIfc MyHeartbeatServiceIfc2";
+  initialise(ifc);
+  expectTrace({created(), initialised("Service#1", ifc), "configurator.findChannel(Service#1)",
+               "curID()", "TraceLog.logPMon_start(4711, \"fooChannel\", 0, null, null, true)",
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, OfAHeartbeatInterface_AsksForTheChannelVirtually) {
+  sut->channelName = "overridden";
+  offerService("libfoo.so", "createFoo");
+  const std::string ifc = "HeartbeatServiceIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("Service#1", ifc), "configurator.findChannel(Service#1)",
+               "curID()", "TraceLog.logPMon_start(4711, \"overridden\", 0, null, null, true)",
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, OfAHeartbeatWithoutAChannelName_StartsNoMonitoring) {
+  sut->channelName = "";
+  offerService("libfoo.so", "createFoo");
+  const std::string ifc = "HeartbeatServiceIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("Service#1", ifc), "configurator.findChannel(Service#1)",
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, WhoseLibraryIsMissing_IsReportedWithoutTheLibrarysName) {
+  Platform::library("libfoo.so").error = "cannot open it";
+  EXPECT_EQ(initialise("FooIfc"), nullptr);
+  const std::string text = "Error opening library - cannot open it";
+  expectTrace({opening(), "Dll#1 = Dll(\"libfoo.so\")", "Dll#1.error() -> \"cannot open it\"",
+               error("%s", text), printed("ServiceConfigurator::initialiseService() " + text),
+               "~Dll#1"});
+}
+
+TEST_P(InitialisingALazyService, WhoseCreatorIsMissing_IsReported) {
+  offerService("libfoo.so", "createFoo");
+  Platform::library("libfoo.so").symbols["createFoo"].error = "no symbol";
+  EXPECT_EQ(initialise("FooIfc"), nullptr);
+  const std::string text = "Error resolving symbol - no symbol";
+  expectTrace({opening(), opened("Dll#1", "libfoo.so"),
+               progress("%s", "Resolving symbol: createFoo"), "Dll#1.symbol(\"createFoo\")",
+               "Dll#1.error() -> \"no symbol\"", error("%s", text),
+               printed("ServiceConfigurator::initialiseService() " + text), "~Dll#1"});
+}
+
+TEST_P(InitialisingALazyService, WhoseCreatorGivesNull_DeletesTheLibraryOnly) {
+  offerNoService("libfoo.so", "createFoo");
+  EXPECT_EQ(initialise("FooIfc"), nullptr);
+  expectTrace({created(),
+               error("ServiceConfigurator::initialiseService() : Error while initializing service "
+                     "(NULL pointer returned)."),
+               "~Dll#1"});
+  EXPECT_TRUE(fakes::Objects::isAlive(executor));
+  EXPECT_TRUE(fakes::Objects::isAlive(own));
+}
+
+TEST_P(InitialisingALazyService, WithAPercentSignInItsNames_LogsThemAsTheyAre) {
+  const std::string lib = "lib%s.so";
+  EXPECT_EQ(sut->framework().initialiseService(executor, lib, "c", own, "FooIfc"), nullptr);
+  const std::string text = "Error opening library - lib%s.so: no such library";
+  expectTrace(
+      {progress("Creating Service for second stage of delayed/lazy ServiceExecutor startup"),
+       progress("%s", "Opening Lib: lib%s.so"), "Dll#1 = Dll(\"lib%s.so\")",
+       "Dll#1.error() -> \"lib%s.so: no such library\"", error("%s", text),
+       printed("ServiceConfigurator::initialiseService() " + text), "~Dll#1"});
+}
+
+INSTANTIATE_TEST_SUITE_P(AtLevel, InitialisingALazyService, testing::Values(4, 5));
+
+class ALazyService : public ConfiguratorTest {
+ protected:
+  ALazyService() { sut->services["ServiceRegistryIfc"] = nullptr; }
+};
+
+TEST_F(ALazyService, IsMadeByItsFirstMessage) {
+  offerService("libfoo.so", "createFoo");
+  sut->createServiceExecutorDelayedInitialisation("libfoo.so", "createFoo", "fooChannel", "FooIfc",
+                                                  true);
+  CommsChannelDataContainerMessage message;
+  message.setChannel("fooChannel");
+  message.setData("hello");
+  message.setRequestId(1);
+  channel.send(message);
+  channel.receiveReply(message, 1);
+  EXPECT_EQ(message.getData(), "reply to hello");
+  EXPECT_THAT(Trace::lines(2), testing::Contains("createFoo()"));
+}
+
+}  // namespace
+}  // namespace zerva::conformance

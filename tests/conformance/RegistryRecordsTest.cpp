@@ -1,0 +1,135 @@
+#include "tests/conformance/ConformanceTest.h"
+
+namespace zerva::conformance {
+namespace {
+
+/** Errors are written whatever the level. */
+class ARegistryRecord : public ConfiguratorTest {
+ protected:
+  ARegistryRecord() {
+    logLevel(0);
+    sut->services["ServiceRegistryIfc"] = &registry;
+    forget();
+  }
+
+  void noRegistry() { sut->services["ServiceRegistryIfc"] = nullptr; }
+
+  static std::string lookedUp() { return "configurator.findService(\"ServiceRegistryIfc\")"; }
+  static std::string sent(const std::string& text) {
+    return "host.sendTo(\"/zerva/serviceregistry\", " + fakes::inQuotes(text) + ")";
+  }
+  static std::string noInvoker() {
+    return error("ServiceConfigurator::registerInvokerInfo() cannot get svcRegistry interface!");
+  }
+  static std::string noProxy() {
+    return error("ServiceConfigurator::registerProxyInfo() cannot get svcRegistry interface!");
+  }
+
+  fakes::RecordingRegistryProxy registry;
+};
+
+TEST_F(ARegistryRecord, OfAnInvoker_IsHandedToTheRegistry) {
+  sut->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace(
+      {lookedUp(), "RegistryProxy#1.registerInvoker(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
+}
+
+TEST_F(ARegistryRecord, OfAProxy_IsHandedToTheRegistry) {
+  sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace(
+      {lookedUp(), "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
+}
+
+TEST_F(ARegistryRecord, OfEmptyTexts_IsHandedOnWithThem) {
+  sut->registerInvokerInfo("", "", "", "");
+  sut->registerProxyInfo("", "", "FooIfc", "");
+  expectTrace({lookedUp(), "RegistryProxy#1.registerInvoker(\"\", \"\", \"\", \"\")", lookedUp(),
+               "RegistryProxy#1.registerProxy(\"\", \"\", \"FooIfc\", \"\")"});
+}
+
+TEST_F(ARegistryRecord, WithoutARegistry_IsReportedAndLost) {
+  noRegistry();
+  sut->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace({lookedUp(), noInvoker(), lookedUp(), noProxy()});
+}
+
+TEST_F(ARegistryRecord, WithARegistryThatIsNone_IsReportedAndLost) {
+  fakes::RecordingService other;
+  sut->services["ServiceRegistryIfc"] = &other;
+  forget();
+  sut->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace({lookedUp(), noInvoker(), lookedUp(), noProxy()});
+}
+
+TEST_F(ARegistryRecord, WithARegistryThatIsAService_IsHandedToIt) {
+  fakes::RecordingRegistryService service;
+  sut->services["ServiceRegistryIfc"] = &service;
+  forget();
+  sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace(
+      {lookedUp(), "RegistryService#1.registerProxy(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistrysInvoker_IsSentAsTextOnly) {
+  sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "zerva_simple_rmi");
+  expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,zerva_simple_rmi")});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistrysInvokerWithoutARegistry_IsSentAsTextOnly) {
+  noRegistry();
+  sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "zerva_simple_rmi");
+  expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,zerva_simple_rmi")});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistrysProxy_IsSentAsTextAndHandedToTheRegistry) {
+  sut->registerProxyInfo("libA.so", "createA", "ServiceRegistryIfc", "zerva_simple_rmi");
+  expectTrace({sent("reg_proxy:libA.so,createA,ServiceRegistryIfc,zerva_simple_rmi"), lookedUp(),
+               "RegistryProxy#1.registerProxy(\"libA.so\", \"createA\", \"ServiceRegistryIfc\", "
+               "\"zerva_simple_rmi\")"});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistrysProxyWithoutARegistry_IsSentAndThenReported) {
+  noRegistry();
+  sut->registerProxyInfo("libA.so", "createA", "ServiceRegistryIfc", "zerva_simple_rmi");
+  expectTrace({sent("reg_proxy:libA.so,createA,ServiceRegistryIfc,zerva_simple_rmi"), lookedUp(),
+               noProxy()});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistryWithEmptyTexts_LeavesTheCommas) {
+  noRegistry();
+  sut->registerInvokerInfo("", "", "ServiceRegistryIfc", "");
+  sut->registerProxyInfo("", "", "ServiceRegistryIfc", "");
+  expectTrace({sent("reg_invoker:,,ServiceRegistryIfc,"), sent("reg_proxy:,,ServiceRegistryIfc,"),
+               lookedUp(), noProxy()});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistryWithACommaInAField_IsNotEscaped) {
+  sut->registerInvokerInfo("a,b", "c", "ServiceRegistryIfc", "d e");
+  expectTrace({sent("reg_invoker:a,b,c,ServiceRegistryIfc,d e")});
+}
+
+TEST_F(ARegistryRecord, OfTheRegistrysNameInOtherCase_IsAnOrdinaryOne) {
+  sut->registerInvokerInfo("lib.so", "create", "serviceRegistryIfc", "tcp");
+  sut->registerProxyInfo("lib.so", "create", "SERVICEREGISTRYIFC", "tcp");
+  sut->registerProxyInfo("lib.so", "create", "ServiceRegistryIfc2", "tcp");
+  expectTrace(
+      {lookedUp(),
+       "RegistryProxy#1.registerInvoker(\"lib.so\", \"create\", \"serviceRegistryIfc\", \"tcp\")",
+       lookedUp(),
+       "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"SERVICEREGISTRYIFC\", \"tcp\")",
+       lookedUp(),
+       "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"ServiceRegistryIfc2\", "
+       "\"tcp\")"});
+}
+
+TEST_F(ARegistryRecord, SaidTwice_IsHandedOnTwice) {
+  sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "x");
+  sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "x");
+  expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x"),
+               sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x")});
+}
+
+}  // namespace
+}  // namespace zerva::conformance

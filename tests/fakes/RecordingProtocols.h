@@ -1,0 +1,37 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "framework/AbstractProtocolRepository.h"
+#include "framework/ProtocolAdapter.h"
+
+namespace zerva::fakes {
+
+/** An adapter that only has a name. */
+class NamedAdapter : public ProtocolAdapter {
+ public:
+  explicit NamedAdapter(std::string protocol);
+  ~NamedAdapter() override;
+  const std::string& getProtocol() const override;
+
+ private:
+  std::string protocol;
+};
+
+/** A protocol repository that records what it is asked: Protocols#1. */
+class RecordingProtocols final : public AbstractProtocolRepository {
+ public:
+  RecordingProtocols();
+  ~RecordingProtocols();
+
+  /** Gives the protocol an adapter that the caller owns. */
+  void add(const std::string& protocol, ProtocolAdapter* adapter);
+
+  ProtocolAdapter* findProtocolAdapter(std::string protocol) override;
+
+ private:
+  std::map<std::string, ProtocolAdapter*> adapters;
+};
+
+}  // namespace zerva::fakes
