@@ -1,0 +1,106 @@
+#include "host/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+
+#include "framework/ZervaVersion.h"
+
+namespace zerva {
+namespace {
+
+constexpr double longestSeconds = 1e8;
+
+std::chrono::milliseconds toMilliseconds(double seconds) {
+  return std::chrono::milliseconds{std::llround(seconds * 1000.0)};
+}
+
+/** Refuses what is no time: negative, not finite, or longer than anybody waits. */
+CLI::Validator seconds() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        double value = 0;
+        const bool read = CLI::detail::lexical_cast(text, value);
+        const bool good = read && std::isfinite(value) && value >= 0 && value <= longestSeconds;
+        return good ? std::string() : "'" + text + "' is no number of seconds";
+      },
+      "SECONDS");
+}
+
+/** Reads "MODULE=LEVEL" or "LEVEL"; a module's name may hold blanks. */
+LogLevel readLogLevel(const std::string& text) {
+  const std::size_t equals = text.rfind('=');
+  const std::string number = equals == std::string::npos ? text : text.substr(equals + 1);
+  const bool digit = number.size() == 1 && number[0] >= '0' && number[0] <= '9';
+  if (!digit || equals == 0) {
+    throw CLI::ValidationError("--log", "'" + text +
+                                            "' is not LEVEL or MODULE=LEVEL with a level "
+                                            "from 0 to 9");
+  }
+  return {equals == std::string::npos ? std::string() : text.substr(0, equals), number[0] - '0'};
+}
+
+/** The verb `run`: its words, and where they go. */
+void addRun(CLI::App& app, RunOptions& options) {
+  CLI::App* run = app.add_subcommand("run", "Bring up what a directive file says, until a signal");
+  run->footer(
+      "Ends in order on SIGTERM, SIGINT or SIGHUP; a second signal ends a start or a stop "
+      "that hangs.\n\n" +
+      describeExitCodes());
+  run->add_option("FILE", options.file, "The directive file")->required();
+  run->add_option("VERSION", options.version,
+                  "What the host that started this one appends: its version; only shown");
+  run->add_option_function<double>(
+         "--for", [&](double value) { options.duration = toMilliseconds(value); },
+         "End in order after this time, fractions allowed")
+      ->check(seconds());
+  run->add_option_function<std::vector<std::string>>(
+         "--log",
+         [&](const std::vector<std::string>& levels) {
+           for (const std::string& level : levels) {
+             options.logLevels.push_back(readLogLevel(level));
+           }
+         },
+         "Log level, 0 to 9, of a module or, without MODULE=, of all; repeatable")
+      ->type_name("[MODULE=]LEVEL")
+      ->expected(1)
+      ->take_all();
+  run->add_option("--log-file", options.logFile, "Write the log to this file too")
+      ->type_name("PATH");
+  run->add_option("--lib-dir", options.libraryDirectories,
+                  "Where libraries named without a slash are searched first; repeatable; default: "
+                  "the directory lib beside the executable's own")
+      ->type_name("DIR")
+      ->expected(1)
+      ->take_all();
+  run->add_flag_callback(
+      "--no-check", [&] { options.check = false; }, "Do not look the file over first");
+  run->add_option_function<double>(
+         "--stop-timeout", [&](double value) { options.stopTimeout = toMilliseconds(value); },
+         "How long to wait at the end for requests under way, and for started processes; "
+         "default: 10")
+      ->check(seconds());
+  run->add_option_function<double>(
+         "--reply-timeout", [&](double value) { options.replyTimeout = toMilliseconds(value); },
+         "How long a request waits for its answer")
+      ->check(seconds());
+}
+
+}  // namespace
+
+std::variant<RunOptions, ExitCode> readCommandLine(int argc, const char* const* argv) {
+  CLI::App app{"Runs the services of a process as a directive file says"};
+  RunOptions options;
+  app.name("zerva");
+  app.set_version_flag("--version", "zerva " + ZervaVersion());
+  app.require_subcommand(1);
+  app.footer(describeExitCodes());
+  addRun(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? ExitCode::WentDown : ExitCode::Usage;
+  }
+  return options;
+}
+
+}  // namespace zerva

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ServiceRepository.h"
+#include "framework/CCInterceptorDispatcher.h"
+#include "framework/CommsChannel.h"
+#include "framework/InvokeInterceptorDispatcher.h"
+#include "host/BringUp.h"
+#include "host/CallCounter.h"
+#include "host/Ledger.h"
+#include "host/ObservingRepository.h"
+#include "host/Report.h"
+#include "runtime/libClientUtils/ProtocolRepository.h"
+
+class ServiceConfigurator;
+
+namespace zerva {
+
+/** How a start went. */
+struct StartResult {
+  /** The text of the exception that ended it, if one did. */
+  std::optional<std::string> exception;
+  bool fileNotOpened = false;
+};
+
+/** How a stop went. */
+struct StopResult {
+  /** Whether everything was deleted; if not, the process must end without destroying the host. */
+  bool complete = true;
+  /** The executors that still had a request or a creation under way. */
+  std::vector<std::string> underWay;
+};
+
+/**
+ * Brings the services of a process up from a directive file and takes them down again: a
+ * configurator with all that it needs. One after the other can live in a process, not two at once.
+ *
+ * Used by one thread, but for what says otherwise.
+ */
+class Host {
+ public:
+  /** @param report where it tells what comes up and goes down; not owned. */
+  explicit Host(Report& report);
+  ~Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  /** Does what the file says. Called once. Throws nothing that a service or the file causes. */
+  StartResult start(const std::string& file);
+
+  /**
+   * Takes everything down in order: services first, then the started processes, last first.
+   *
+   * @param timeout how long to wait for requests under way, and for the processes to end.
+   */
+  StopResult stop(std::chrono::milliseconds timeout);
+
+  /** @returns what the summary is made of. */
+  Summary summary() const;
+
+  /** Whether some line of the file brought nothing up, or a process that failed. */
+  bool incomplete() const { return bringUp_.failures() + processesFailed_ > 0; }
+
+  /** @returns a sentence about what is being waited for now. Any thread, also when all else hangs.
+   */
+  std::string waitsFor() const;
+
+ private:
+  /** Where a hanging start or stop hangs. */
+  enum class Phase { Idle, Starting, Running, Stopping, Draining, Deleting, EndingProcesses };
+
+  void enter(Phase phase) { phase_.store(phase, std::memory_order_relaxed); }
+  void endProcesses(std::chrono::milliseconds timeout);
+
+  Report& report_;
+  std::atomic<Phase> phase_{Phase::Idle};
+  Ledger ledger_;
+  BringUp bringUp_;
+  CallCounter counter_;
+  ServiceRepository recorded_;
+  ObservingRepository repository_;
+  CCInterceptorDispatcher channelInterceptors_;
+  InvokeInterceptorDispatcher invokeInterceptors_;
+  ProtocolRepository protocols_;
+  CommsChannel channel_;
+  /** How many processes were started before this host was made. */
+  const std::size_t processesBefore_;
+  std::size_t processesDown_ = 0;
+  std::size_t processesFailed_ = 0;
+  // Deleted by stop(), before anything above.
+  std::unique_ptr<ServiceConfigurator> configurator_;
+};
+
+}  // namespace zerva

@@ -1,0 +1,139 @@
+#include "host/Run.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/Console.h"
+#include "host/DirectiveFileCheck.h"
+#include "host/EndRequest.h"
+#include "host/Host.h"
+#include "host/SignalName.h"
+#include "host/SignalThread.h"
+#include "runtime/libClientUtils/LibraryDirectories.h"
+#include "runtime/libClientUtils/ReplyTimeout.h"
+#include "runtime/libClientUtils/StartedProcesses.h"
+#include "runtime/libLoggingHandler/LogSettings.h"
+
+namespace zerva {
+namespace {
+
+/** What started processes are given when there is no time left. */
+constexpr std::chrono::milliseconds shortestGrace{500};
+
+void complain(const std::string& text) { std::fprintf(stderr, "zerva: %s\n", text.c_str()); }
+
+void writeEverythingOut() {
+  LogSettings::flush();
+  Console::flush();
+}
+
+[[noreturn]] void leave(ExitCode code) {
+  writeEverythingOut();
+  // Threads are still at work in what an orderly exit would destroy.
+  _exit(static_cast<int>(code));
+}
+
+/** @returns whether the log goes where it is wanted. */
+bool setUpLog(const RunOptions& options) {
+  for (const LogLevel& wanted : options.logLevels) {
+    if (wanted.module.empty()) {
+      LogSettings::setDefaultLevel(wanted.level);
+    } else {
+      LogSettings::setLevel(wanted.module, wanted.level);
+    }
+  }
+  std::string error;
+  if (options.logFile.empty() || LogSettings::logToFile(options.logFile, error)) return true;
+  complain("cannot open the log file " + options.logFile + ": " + error);
+  return false;
+}
+
+/** The directory lib beside the one that the executable is in, when there is one. */
+std::vector<std::string> defaultLibraryDirectories() {
+  std::error_code error;
+  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+  const auto directory = executable.parent_path().parent_path() / "lib";
+  if (error || !std::filesystem::is_directory(directory, error)) return {};
+  return {directory.string()};
+}
+
+void setUpPlatform(const RunOptions& options) {
+  LibraryDirectories::set(options.libraryDirectories.empty() ? defaultLibraryDirectories()
+                                                             : options.libraryDirectories);
+  if (options.replyTimeout) setReplyTimeout(*options.replyTimeout);
+}
+
+/** @returns whether the file can be processed; if not, everything that is wrong was told. */
+bool lookOver(const RunOptions& options) {
+  if (!options.check) return true;
+  const std::vector<Finding> findings = checkDirectiveFile(options.file);
+  for (const Finding& finding : findings) {
+    std::fprintf(stderr, "%s\n", formatFinding(finding).c_str());
+  }
+  return findings.empty();
+}
+
+/** A signal that asks to end came: the first ends in order, the second at once. */
+void endSignalled(int number, const sigset_t& signals, EndRequest& request, const Host& host,
+                  Report& report) {
+  const std::string name = signalName(number);
+  if (!request.made()) {
+    // Told first, so that it stands before what it leads to.
+    report.remark(name + ": ends in order; another signal ends at once");
+    request.make();
+    return;
+  }
+  complain("ended by a second signal, " + name + ", while it waited for " + host.waitsFor());
+  // Nothing that was started stays behind; what hangs here is ended by a third signal.
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  StartedProcesses::terminateAll(shortestGrace);
+  leave(ExitCode::Forced);
+}
+
+ExitCode startAndStop(const RunOptions& options, const sigset_t& signals) {
+  Console console;
+  Report report(console);
+  EndRequest request;
+  Host host(report);
+  const SignalThread signalThread(
+      signals, [&](int number) { endSignalled(number, signals, request, host, report); });
+
+  report.remark("starts " + options.file +
+                (options.version.empty() ? "" : ", for a host of version " + options.version));
+  const StartResult start = host.start(options.file);
+  if (start.exception) {
+    complain("the start was ended by an exception: " + *start.exception);
+  } else if (!start.fileNotOpened) {
+    request.wait(options.duration);
+  }
+  const StopResult stop = host.stop(options.stopTimeout);
+  report.summary(host.summary());
+  if (!stop.complete) {
+    for (const std::string& executor : stop.underWay) {
+      complain("still under way, so nothing was deleted: " + executor);
+    }
+    leave(ExitCode::StillBusy);
+  }
+  if (start.exception) return ExitCode::StartFailed;
+  if (start.fileNotOpened) return ExitCode::FileNotRead;
+  return host.incomplete() ? ExitCode::Incomplete : ExitCode::WentDown;
+}
+
+}  // namespace
+
+ExitCode run(const RunOptions& options, const sigset_t& signals) {
+  if (!setUpLog(options)) return ExitCode::NoLogFile;
+  if (!lookOver(options)) return ExitCode::FileRefused;
+  setUpPlatform(options);
+  // One buffer a line: what is printed while a service hangs is seen.
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  const ExitCode code = startAndStop(options, signals);
+  writeEverythingOut();
+  return code;
+}
+
+}  // namespace zerva

@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/CommandLine.h"
+
+namespace zerva {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::variant<RunOptions, ExitCode> read(std::vector<const char*> words) {
+  words.insert(words.begin(), "zerva");
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  auto wanted = readCommandLine(static_cast<int>(words.size()), words.data());
+  testing::internal::GetCapturedStdout();
+  testing::internal::GetCapturedStderr();
+  return wanted;
+}
+
+RunOptions options(const std::vector<const char*>& words) {
+  return std::get<RunOptions>(read(words));
+}
+
+ExitCode code(const std::vector<const char*>& words) { return std::get<ExitCode>(read(words)); }
+
+TEST(TheCommandLine, TakesAFileAlone) {
+  const RunOptions sut = options({"run", "a.directives"});
+  EXPECT_EQ(sut.file, "a.directives");
+  EXPECT_EQ(sut.version, "");
+  EXPECT_FALSE(sut.duration);
+  EXPECT_TRUE(sut.check);
+  EXPECT_EQ(sut.stopTimeout, milliseconds(10000));
+  EXPECT_FALSE(sut.replyTimeout);
+}
+
+TEST(TheCommandLine, TakesTheVersionThatAHostAppends) {
+  EXPECT_EQ(options({"run", "--no-check", "a", "0.1.0"}).version, "0.1.0");
+}
+
+TEST(TheCommandLine, TakesFractionsOfSeconds) {
+  const RunOptions sut =
+      options({"run", "a", "--for", "1.25", "--stop-timeout", "0", "--reply-timeout", ".5"});
+  EXPECT_EQ(sut.duration, milliseconds(1250));
+  EXPECT_EQ(sut.stopTimeout, milliseconds(0));
+  EXPECT_EQ(sut.replyTimeout, milliseconds(500));
+}
+
+TEST(TheCommandLine, RefusesWhatIsNoTime) {
+  for (const char* text : {"-1", "x", "inf", "nan", "1e300", "1s", ""}) {
+    EXPECT_EQ(code({"run", "a", "--for", text}), ExitCode::Usage) << text;
+  }
+}
+
+TEST(TheCommandLine, TakesLogLevelsOfModulesAndOfAll) {
+  const RunOptions sut =
+      options({"run", "--log", "Service Config=5", "--log", "3", "--log", "a=b=0", "file"});
+  ASSERT_EQ(sut.logLevels.size(), 3U);
+  EXPECT_EQ(sut.logLevels[0].module, "Service Config");
+  EXPECT_EQ(sut.logLevels[0].level, 5);
+  EXPECT_EQ(sut.logLevels[1].module, "");
+  EXPECT_EQ(sut.logLevels[1].level, 3);
+  EXPECT_EQ(sut.logLevels[2].module, "a=b");
+  EXPECT_EQ(sut.file, "file");
+}
+
+TEST(TheCommandLine, RefusesWhatIsNoLogLevel) {
+  for (const char* text : {"x", "10", "a=", "a=x", "=5", "a=-1"}) {
+    EXPECT_EQ(code({"run", "a", "--log", text}), ExitCode::Usage) << text;
+  }
+}
+
+TEST(TheCommandLine, TakesSeveralLibraryDirectoriesInOrder) {
+  EXPECT_THAT(options({"run", "--lib-dir", "b", "--lib-dir", "a", "file"}).libraryDirectories,
+              ElementsAre("b", "a"));
+}
+
+TEST(TheCommandLine, NeedsAVerb) {
+  EXPECT_EQ(code({}), ExitCode::Usage);
+  EXPECT_EQ(code({"walk"}), ExitCode::Usage);
+}
+
+TEST(TheCommandLine, NeedsAFile) { EXPECT_EQ(code({"run"}), ExitCode::Usage); }
+
+TEST(TheCommandLine, RefusesAThirdWord) {
+  EXPECT_EQ(code({"run", "a", "b", "c"}), ExitCode::Usage);
+}
+
+TEST(TheCommandLine, EndsWellAfterHelpAndVersion) {
+  EXPECT_EQ(code({"--help"}), ExitCode::WentDown);
+  EXPECT_EQ(code({"run", "--help"}), ExitCode::WentDown);
+  EXPECT_EQ(code({"--version"}), ExitCode::WentDown);
+}
+
+TEST(TheHelp, ListsEveryExitCode) {
+  for (int number = 0; number <= static_cast<int>(ExitCode::NoLogFile); ++number) {
+    EXPECT_THAT(describeExitCodes(), HasSubstr("\n  " + std::to_string(number) + "  "));
+  }
+}
+
+}  // namespace
+}  // namespace zerva
