@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the 32-bit system and shows it at work: services come up, do
+# something for a few seconds, and go down again.
+#
+# The last line tells what there was; the exit code is 0 when nothing failed and nothing is left
+# running. Ctrl-C ends the services in order.
+. "$(dirname "$0")/scripts/common.sh"
+
+readonly zerva=build/linux32/bin/zerva
+readonly directives=examples/demo.directives
+readonly seconds=5
+
+scripts/install-dependencies.sh demo
+scripts/build.sh --no-tests linux32 zerva zerva_examples
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkfifo "$work/pipe"
+
+# Every process that comes from this run has this in its environment, and so can be found again.
+export ZERVA_DEMO="$$.$work"
+# Where the programs are that the directives start.
+export PATH="$PWD/build/linux32/bin:$PATH"
+
+# of_this_run: the ids of the processes of this run that are there now.
+of_this_run() {
+  local folder
+  for folder in /proc/[0-9]*; do
+    if { tr '\0' '\n' <"$folder/environ"; } 2>/dev/null | grep -qxF "ZERVA_DEMO=$ZERVA_DEMO"; then
+      echo "${folder#/proc/}"
+    fi
+  done
+}
+
+say "this version has no service registry yet, and the log complains of that"
+say "$zerva run --for $seconds $directives"
+# Each in a process group of its own: Ctrl-C then comes to this script only, which passes it on once.
+set -m
+(
+  unset ZERVA_DEMO
+  exec tee "$work/output" <"$work/pipe"
+) &
+reader=$!
+"$zerva" run --for "$seconds" "$directives" >"$work/pipe" 2>&1 </dev/null &
+host=$!
+set +m
+trap 'kill -TERM "$host" 2>/dev/null' INT TERM HUP
+
+# A signal ends the wait, not what is waited for.
+wait "$host" || true
+while kill -0 "$host" 2>/dev/null; do wait "$host" || true; done
+code=0
+wait "$host" || code=$?
+
+left=$(of_this_run)
+for id in $left; do
+  echo "still there: $id $(tr '\0' ' ' <"/proc/$id/cmdline" || true)"
+  kill -KILL "$id" 2>/dev/null || true
+done
+wait "$reader" || true
+
+# The figures are those that the hosts told, a started one among them; its start was counted by the
+# one that started it.
+figures=$(sed -nE 's/^zerva: ([0-9]+) services? and ([0-9]+) started process(es)? came up and went down, ([0-9]+) calls?, ([0-9]+) failures?$/\1 \2 \4 \5/p' \
+  "$work/output" | awk '{ s += $1; p += $2; c += $3; f += $4 } END { if (NR) print s, p + 1, c, f }')
+read -r services processes calls failures <<<"$figures" || true
+
+if [ "$code" -ne 0 ]; then
+  echo "demo: failed, zerva ended with exit code $code"
+elif [ -n "$left" ]; then
+  echo "demo: failed, something was still running at the end"
+elif [ -z "$figures" ]; then
+  echo "demo: failed, not everything that came up went down"
+else
+  echo "demo: $services services in $processes processes came up and went down, $calls calls," \
+    "$failures failures"
+  [ "$failures" -eq 0 ] && exit 0
+fi
+exit 1
