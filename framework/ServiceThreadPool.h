@@ -15,7 +15,7 @@ class ZERVA_EXPORT ServiceThreadPool : public ServiceThreadPoolIfc {
  public:
   /**
    * @param size how many requests may be started at a time; at least 1. No thread is made yet.
-   * @param dispatcher kept for executors that were given none of their own; not owned; may be null.
+   * @param dispatcher kept for whoever asks the pool for it; not owned; may be null.
    */
   ServiceThreadPool(int size, InvokeInterceptorDispatcher* dispatcher);
 

@@ -1,30 +1,56 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "framework/Export.h"
 
 namespace zerva {
 
 /**
- * Ties together a request and all requests that are made to answer it. It travels with every
- * message, so that a thread that waits can tell the requests that it waits for itself from those of
- * others.
+ * Ties together a message and all that is sent because of it. It travels with every message, so
+ * that a thread that waits can tell the requests that it waits for itself from those of others.
  */
-struct CallChain {
-  /** The same in the whole chain, unlike any other; 0 for none. */
-  std::uint64_t id = 0;
-  /** How many requests of the chain wait for this one. */
-  unsigned depth = 0;
+class ZERVA_EXPORT CallChain {
+ public:
+  /** The chain of whoever has none. */
+  CallChain() = default;
+
+  /** @returns a chain that nothing else belongs to. Any thread. */
+  static CallChain begin();
+
+  /** @returns the chain of a request that is made, and waited for, on behalf of this one. */
+  CallChain ofRequest() const;
+
+  /** @returns the chain of a message that is sent on behalf of this one and that nobody waits for.
+   */
+  CallChain ofMessage() const;
+
+  /** @returns whether there is one. */
+  explicit operator bool() const { return id_ != 0; }
+
+  /** @returns whether both belong to the same chain. */
+  bool sameAs(const CallChain& other) const { return id_ == other.id_ && id_ != 0; }
+
+  /** @returns whether this is a request that the other waits for, directly or not. */
+  bool isAwaitedBy(const CallChain& other) const;
+
+  /** @returns how many requests wait for one another here. */
+  unsigned length() const;
+
+ private:
+  struct Link;
+
+  CallChain(std::uint64_t id, std::shared_ptr<const Link> last);
+
+  std::uint64_t id_ = 0;
+  std::shared_ptr<const Link> last_;
 };
 
 /** Most requests of one chain that may wait for one another; more is taken for a runaway. */
-inline constexpr unsigned kMaximumChainDepth = 256;
+inline constexpr unsigned kMaximumChainLength = 256;
 
 /** Most requests of one chain that one thread serves inside each other: they share its stack. */
 inline constexpr unsigned kMaximumNestingOnOneThread = 16;
-
-/** @returns a chain that nothing belongs to yet. Any thread. */
-ZERVA_EXPORT CallChain newCallChain();
 
 }  // namespace zerva

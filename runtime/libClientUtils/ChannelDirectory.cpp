@@ -52,7 +52,7 @@ std::shared_ptr<Destination> ChannelDirectory::find(const std::string& name) con
 std::shared_ptr<Mailbox> ChannelDirectory::findServing(const std::string& name,
                                                        const Executable* object) const {
   const auto candidates = listed(name);
-  for (const auto wanted : {Mailbox::Serves::Object, Mailbox::Serves::NotKnownYet}) {
+  for (const auto wanted : {Mailbox::Serves::Object, Mailbox::Serves::OneInTheMaking}) {
     for (const auto& mailbox : candidates) {
       if (mailbox->serves(object) == wanted) {
         return mailbox;

@@ -44,7 +44,7 @@ class ZERVA_EXPORT ChannelDirectory {
 
   /**
    * @returns the channel of this process under a name through which an object gets its requests;
-   *     when none says so, the oldest whose object is not known yet; or null.
+   *     when none says so, the oldest whose object is being made now; or null.
    */
   std::shared_ptr<Mailbox> findServing(const std::string& name, const Executable* object) const;
 

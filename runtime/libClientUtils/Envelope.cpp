@@ -7,7 +7,11 @@ namespace zerva {
 ReplyTicket::ReplyTicket(std::weak_ptr<ReplyReceiver> receiver, std::uint32_t requestId)
     : receiver_(std::move(receiver)), requestId_(requestId) {}
 
-ReplyTicket::~ReplyTicket() { fail("the request was dropped without an answer"); }
+ReplyTicket::~ReplyTicket() {
+  if (requestId_ != 0) {
+    fail("the request was dropped without an answer");
+  }
+}
 
 ReplyTicket::ReplyTicket(ReplyTicket&& other) noexcept
     : receiver_(std::move(other.receiver_)),

@@ -22,13 +22,41 @@ std::uint64_t newInstance() {
 
 std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() : 0; }
 
-/** @returns the chain of a request that the calling thread sends. */
-CallChain nextInChain() {
-  const CallChain& served = servingThread().chain;
-  return served.id == 0 ? newCallChain() : CallChain{served.id, served.depth + 1};
-}
-
 }  // namespace
+
+/** While it lives, a delivery to the mailbox is under way. Made under the lock. */
+class Mailbox::Delivery {
+ public:
+  explicit Delivery(Mailbox& mailbox) : mailbox_(mailbox) { ++mailbox_.deliveries_; }
+  ~Delivery() {
+    const std::lock_guard lock(mailbox_.mutex_);
+    if (--mailbox_.deliveries_ == 0) {
+      mailbox_.delivered_.notify_all();
+    }
+  }
+  Delivery(const Delivery&) = delete;
+  Delivery& operator=(const Delivery&) = delete;
+
+ private:
+  Mailbox& mailbox_;
+};
+
+/** Sees to it that a request is not outstanding any more when its wait ends, however it ends. */
+class Mailbox::Forgetting {
+ public:
+  Forgetting(Mailbox& mailbox, std::uint32_t requestId)
+      : mailbox_(mailbox), requestId_(requestId) {}
+  ~Forgetting() {
+    const std::lock_guard lock(mailbox_.mutex_);
+    mailbox_.outstanding_.erase(requestId_);
+  }
+  Forgetting(const Forgetting&) = delete;
+  Forgetting& operator=(const Forgetting&) = delete;
+
+ private:
+  Mailbox& mailbox_;
+  const std::uint32_t requestId_;
+};
 
 Mailbox::Mailbox(std::string name, CCInterceptorDispatcher* dispatcher)
     : name_(std::move(name)), instance_(newInstance()), dispatcher_(dispatcher) {}
@@ -38,13 +66,12 @@ Mailbox::~Mailbox() = default;
 Mailbox::Serves Mailbox::serves(const Executable* object) const {
   const auto serving = receiver();
   if (serving == nullptr) {
-    return Serves::Nothing;
+    return Serves::Another;
   }
-  const Executable* const served = serving->object();
-  if (served == nullptr) {
-    return Serves::NotKnownYet;
+  if (serving->isMaking()) {
+    return Serves::OneInTheMaking;
   }
-  return served == object ? Serves::Object : Serves::AnotherObject;
+  return serving->object() == object ? Serves::Object : Serves::Another;
 }
 
 void Mailbox::serveWith(std::shared_ptr<RequestReceiver> receiver) {
@@ -61,54 +88,58 @@ std::shared_ptr<RequestReceiver> Mailbox::receiver() const {
 }
 
 std::string Mailbox::send(const std::string& to, Payload data, std::uint32_t requestId) {
-  const auto destination = ChannelDirectory::instance().find(to);
   if (requestId != 0) {
-    if (std::string error = expect(requestId, to, destination); !error.empty()) {
+    if (std::string error = expect(requestId, to); !error.empty()) {
       return error;
     }
   } else if (const std::lock_guard lock(mutex_); closed_) {
     return "channel '" + name_ + "' is closed";
   }
-  if (destination == nullptr) {
-    return endWith(requestId, "nobody serves channel '" + to + "'");
-  }
-  Envelope envelope{name_, to, std::move(data), nextInChain(), {}, nullptr};
-  if (envelope.chain.depth > kMaximumChainDepth) {
-    return endWith(requestId, "more than " + std::to_string(kMaximumChainDepth) +
+  const CallChain& served = servingThread().chain;
+  Envelope envelope{
+      name_, to,     std::move(data), requestId != 0 ? served.ofRequest() : served.ofMessage(),
+      {},    nullptr};
+  if (envelope.chain.length() > kMaximumChainLength) {
+    return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
                                   " requests wait for one another before channel '" + to + "'");
-  }
-  if (requestId != 0) {
-    envelope.ticket = ReplyTicket(weak_from_this(), requestId);
-    envelope.ticket.answerAs(destination->instance());
   }
   if (dispatcher_ != nullptr) {
     dispatcher_->dispatchSent({name_, to, sizeOf(envelope.data), requestId, false, {}});
   }
-  if (!destination->deliver(envelope)) {
+  return endWith(requestId, deliverTo(envelope, requestId));
+}
+
+/** @returns why nobody takes the message; empty when somebody did. */
+std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
+  // One that closes at this moment is not found again; a younger one of the name may be.
+  while (const auto destination = ChannelDirectory::instance().find(envelope.to)) {
+    if (requestId != 0) {
+      aimAt(requestId, destination);
+      envelope.ticket = ReplyTicket(weak_from_this(), requestId);
+      envelope.ticket.answerAs(destination->instance());
+    }
+    if (destination->deliver(envelope)) {
+      return {};
+    }
     envelope.ticket.cancel();
-    return endWith(requestId, "channel '" + to + "' was closed");
   }
-  return {};
+  return "nobody serves channel '" + envelope.to + "'";
 }
 
 bool Mailbox::deliver(Envelope& envelope) {
-  std::shared_ptr<RequestReceiver> taker;
-  {
-    const std::lock_guard lock(mutex_);
-    if (receiver_ == nullptr) {
-      return false;
-    }
-    taker = receiver_;
-    ++deliveries_;
+  std::unique_lock lock(mutex_);
+  const std::shared_ptr<RequestReceiver> taker = receiver_;
+  if (taker == nullptr) {
+    return false;
   }
+  const Delivery delivery(*this);
+  lock.unlock();
   // Told before the request is handed over, so that it is seen before its reply.
   if (dispatcher_ != nullptr && envelope.expiry == nullptr) {
     dispatcher_->dispatchReceived(
         {envelope.from, name_, sizeOf(envelope.data), envelope.ticket.requestId(), false, {}});
   }
-  const bool taken = taker->receive(envelope);
-  deliveryEnds();
-  return taken;
+  return taker->receive(envelope);
 }
 
 bool Mailbox::waitsForCaller() const {
@@ -133,29 +164,26 @@ void Mailbox::answer(Envelope& request, Payload data, const std::string& error) 
 
 void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                            const std::string& error) {
-  std::shared_ptr<Parker> waiter;
-  std::string from;
-  const std::size_t size = sizeOf(data);
-  {
-    const std::lock_guard lock(mutex_);
-    const auto found = outstanding_.find(requestId);
-    // Nobody waits any more, or somebody answers who was not asked.
-    if (found == outstanding_.end() || found->second.ended || found->second.answerer != answerer) {
-      return;
-    }
-    found->second.ended = true;
-    found->second.outcome = {std::move(data), error};
-    waiter = found->second.waiter;
-    from = found->second.to;
-    ++deliveries_;
+  std::unique_lock lock(mutex_);
+  const auto found = outstanding_.find(requestId);
+  // Nobody waits any more, or somebody answers who was not asked.
+  if (found == outstanding_.end() || found->second.ended || found->second.answerer != answerer) {
+    return;
   }
+  const std::size_t size = sizeOf(data);
+  Outstanding& request = found->second;
+  request.outcome = {std::move(data), error};
+  request.ended = true;
+  const std::shared_ptr<Parker> waiter = request.waiter;
+  const std::string from = dispatcher_ != nullptr ? request.to : std::string();
+  const Delivery delivery(*this);
+  lock.unlock();
   if (dispatcher_ != nullptr) {
     dispatcher_->dispatchReceived({from, name_, size, requestId, true, error});
   }
   if (waiter != nullptr) {
     waiter->unpark();
   }
-  deliveryEnds();
 }
 
 Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
@@ -163,35 +191,35 @@ Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
   if (std::string error = startWaiting(requestId, request); !error.empty()) {
     return {nullptr, std::move(error)};
   }
+  const Forgetting forgetting(*this, requestId);
   Outcome outcome;
   if (takeEnded(requestId, outcome)) {
     return outcome;
   }
   if (const auto asked = request.asked.lock(); asked != nullptr && asked->waitsForCaller()) {
-    return giveUp(requestId, "channel '" + request.to +
-                                 "' answers only after the waiting thread has started it");
+    return {nullptr,
+            "channel '" + request.to + "' answers only after the waiting thread has started it"};
   }
   ServingThread& thread = servingThread();
   const WaitingScope waiting;
+  bool inTime = true;
   for (;;) {
     if (takeEnded(requestId, outcome)) {
       return outcome;
     }
     if (thread.serving != nullptr && thread.serving->isShutDown()) {
-      return giveUp(requestId,
-                    "the service that waits for channel '" + request.to + "' was shut down");
+      return {nullptr, "the service that waits for channel '" + request.to + "' was shut down"};
     }
-    if (thread.serving != nullptr && thread.serving->serveNext(thread.chain)) {
-      continue;
+    if (!inTime) {
+      return {nullptr, "channel '" + request.to + "' did not answer in time"};
     }
-    if (!request.waiter->park(request.deadline)) {
-      return giveUp(requestId, "channel '" + request.to + "' did not answer in time");
+    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain)) {
+      inTime = request.waiter->park(request.deadline);
     }
   }
 }
 
-std::string Mailbox::expect(std::uint32_t requestId, const std::string& to,
-                            const std::shared_ptr<Destination>& asked) {
+std::string Mailbox::expect(std::uint32_t requestId, const std::string& to) {
   const auto now = Clock::now();
   const std::lock_guard lock(mutex_);
   if (closed_) {
@@ -202,8 +230,6 @@ std::string Mailbox::expect(std::uint32_t requestId, const std::string& to,
   }
   Outstanding request;
   request.to = to;
-  request.asked = asked;
-  request.answerer = asked != nullptr ? asked->instance() : 0;
   request.deadline = now + replyTimeout();
   if (!outstanding_.emplace(requestId, std::move(request)).second) {
     return "request " + std::to_string(requestId) + " of channel '" + name_ +
@@ -212,8 +238,21 @@ std::string Mailbox::expect(std::uint32_t requestId, const std::string& to,
   return {};
 }
 
-/** Ends a request that could not be delivered; the waiter, if any, finds the same error. */
+/** Notes who is asked, and so whose answer is heard. */
+void Mailbox::aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
+  const std::lock_guard lock(mutex_);
+  const auto found = outstanding_.find(requestId);
+  if (found != outstanding_.end()) {
+    found->second.asked = asked;
+    found->second.answerer = asked->instance();
+  }
+}
+
+/** Ends a request that could not be delivered, if there is an error; the waiter finds the same. */
 std::string Mailbox::endWith(std::uint32_t requestId, const std::string& error) {
+  if (error.empty()) {
+    return {};
+  }
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (requestId != 0 && found != outstanding_.end() && !found->second.ended) {
@@ -227,8 +266,9 @@ std::string Mailbox::startWaiting(std::uint32_t requestId, Outstanding& copy) {
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (found == outstanding_.end()) {
-    return "request " + std::to_string(requestId) + " of channel '" + name_ +
-           "' is not outstanding";
+    return closed_ ? "channel '" + name_ + "' is closed"
+                   : "request " + std::to_string(requestId) + " of channel '" + name_ +
+                         "' is not outstanding";
   }
   if (found->second.waiter != nullptr) {
     return "another thread waits for request " + std::to_string(requestId) + " of channel '" +
@@ -241,24 +281,11 @@ std::string Mailbox::startWaiting(std::uint32_t requestId, Outstanding& copy) {
 
 bool Mailbox::takeEnded(std::uint32_t requestId, Outcome& outcome) {
   const std::lock_guard lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  if (!found->second.ended) {
-    return false;
+  Outstanding& request = outstanding_.at(requestId);
+  if (request.ended) {
+    outcome = std::move(request.outcome);
   }
-  outcome = std::move(found->second.outcome);
-  outstanding_.erase(found);
-  return true;
-}
-
-Mailbox::Outcome Mailbox::giveUp(std::uint32_t requestId, const std::string& error) {
-  Outcome outcome;
-  // The answer may have come at the last moment.
-  if (takeEnded(requestId, outcome)) {
-    return outcome;
-  }
-  const std::lock_guard lock(mutex_);
-  outstanding_.erase(requestId);
-  return {nullptr, error};
+  return request.ended;
 }
 
 void Mailbox::dropForgotten(Clock::time_point now) {
@@ -291,13 +318,6 @@ void Mailbox::close() {
   }
   for (const auto& waiter : waiters) {
     waiter->unpark();
-  }
-}
-
-void Mailbox::deliveryEnds() {
-  const std::lock_guard lock(mutex_);
-  if (--deliveries_ == 0) {
-    delivered_.notify_all();
   }
 }
 

@@ -30,6 +30,9 @@ class ZERVA_EXPORT RequestReceiver {
   /** @returns the object that the requests are for; null as long as it does not exist. */
   virtual const Executable* object() const = 0;
 
+  /** @returns whether that object is being made now. */
+  virtual bool isMaking() const = 0;
+
   virtual ~RequestReceiver() = default;
 };
 
@@ -50,7 +53,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   const std::string& name() const { return name_; }
 
   /** What serves the channel, from the point of view of an object that looks for its own. */
-  enum class Serves { Nothing, Object, AnotherObject, NotKnownYet };
+  enum class Serves { Another, Object, OneInTheMaking };
   Serves serves(const Executable* object) const;
 
   /** From here on requests go to the receiver. Once a mailbox. */
@@ -95,6 +98,9 @@ class ZERVA_EXPORT Mailbox final : public Destination,
                     const std::string& error) override;
 
  private:
+  class Delivery;
+  class Forgetting;
+
   /** A request that was sent and whose end nobody has heard of yet. */
   struct Outstanding {
     std::string to;
@@ -107,13 +113,12 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   };
 
   std::shared_ptr<RequestReceiver> receiver() const;
-  std::string expect(std::uint32_t requestId, const std::string& to,
-                     const std::shared_ptr<Destination>& asked);
+  std::string expect(std::uint32_t requestId, const std::string& to);
+  void aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
+  std::string deliverTo(Envelope& envelope, std::uint32_t requestId);
   std::string endWith(std::uint32_t requestId, const std::string& error);
   std::string startWaiting(std::uint32_t requestId, Outstanding& copy);
   bool takeEnded(std::uint32_t requestId, Outcome& outcome);
-  Outcome giveUp(std::uint32_t requestId, const std::string& error);
-  void deliveryEnds();
   void dropForgotten(Clock::time_point now);
 
   const std::string name_;

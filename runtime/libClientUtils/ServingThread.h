@@ -22,8 +22,9 @@ class ZERVA_EXPORT Serving {
   virtual bool isShutDown() = 0;
 
   /**
-   * Serves, on the calling thread, the next request of a chain, if one has arrived.
+   * Serves, on the calling thread, the next message of a chain, if one has arrived.
    *
+   * @param chain what the thread serves.
    * @returns whether there was one.
    */
   virtual bool serveNext(const CallChain& chain) = 0;

@@ -147,9 +147,13 @@ void TimerCore::shutdown() {
     halt(id, timer);
   }
   changed_.notify_all();
+  // Two owners that shut down at the same time do not wait for each other.
+  ending_.push_back(self);
+  changed_.notify_all();
   const auto others = [&] {
-    return std::any_of(calling_.begin(), calling_.end(),
-                       [&](const std::thread::id thread) { return thread != self; });
+    return std::any_of(calling_.begin(), calling_.end(), [&](const std::thread::id thread) {
+      return std::find(ending_.begin(), ending_.end(), thread) == ending_.end();
+    });
   };
   if (others()) {
     lock.unlock();
@@ -157,6 +161,7 @@ void TimerCore::shutdown() {
     lock.lock();
     changed_.wait(lock, [&] { return !others(); });
   }
+  ending_.erase(std::find(ending_.begin(), ending_.end(), self));
 }
 
 void TimerCore::end() { thread_.waitForThreadCompletion(); }
@@ -213,6 +218,12 @@ bool TimerCore::needThread(std::unique_lock<std::mutex>& lock) {
   const bool started = Threader().spawn(&threadId, &thread_, "timer", THREAD_PRIORITY_NORMAL, 0);
   lock.lock();
   threadStarted_ = started;
+  if (!started) {
+    // Whoever counted on the thread meanwhile finds his timer standing still.
+    for (auto& [id, timer] : timers_) {
+      halt(id, timer);
+    }
+  }
   return started;
 }
 
@@ -258,8 +269,8 @@ void TimerCore::work() {
     for (const Due& expired : due) {
       if (expired.channel.empty()) {
         callOwner(expired);
-      } else {
-        send(expired);
+      } else if (exceptionOf([&] { send(expired); })) {
+        settled(expired.id, expired.run);  // there was no memory; the next expiry is sent again
       }
     }
     lock.lock();
@@ -269,7 +280,7 @@ void TimerCore::work() {
 void TimerCore::send(const Due& due) {
   Envelope envelope;
   envelope.to = due.channel;
-  envelope.chain = newCallChain();
+  envelope.chain = CallChain::begin();
   envelope.expiry = std::make_unique<TimerExpiry>(weak_from_this(), due.id, due.run, due.owner);
   const auto mailbox = ChannelDirectory::instance().findServing(due.channel, due.owner);
   if (mailbox != nullptr) {
@@ -279,11 +290,9 @@ void TimerCore::send(const Due& due) {
 
 void TimerCore::callOwner(const Due& due) {
   settled(due.id, due.run);
-  try {
-    fire(due.id, due.run);
-  } catch (...) {
+  if (const auto error = exceptionOf([&] { fire(due.id, due.run); })) {
     logAppUni("Timer", "runtime/libFwkTimer", 2, __LINE__, "timerExpired of timer %d failed: %s",
-              due.id, currentExceptionText().c_str());
+              due.id, error->c_str());
   }
 }
 

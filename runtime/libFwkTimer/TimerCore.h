@@ -96,6 +96,7 @@ class TimerCore : public std::enable_shared_from_this<TimerCore> {
   bool threadStarted_ = false;
   bool over_ = false;
   std::vector<std::thread::id> calling_;  // threads inside the context or an owner
+  std::vector<std::thread::id> ending_;   // threads inside `shutdown`
 };
 
 }  // namespace zerva

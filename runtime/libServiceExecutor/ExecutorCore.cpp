@@ -30,6 +30,11 @@ const Payload& nothing() {
   return empty;
 }
 
+/** @returns the service that is to be made, for people. */
+std::string plannedService(const ExecutorSettings& settings) {
+  return "service of " + settings.creator + " in " + settings.lib;
+}
+
 void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {
   for (const auto& parker : parkers) {
     parker->unpark();
@@ -44,7 +49,8 @@ ExecutorCore::ExecutorCore(ExecutorSettings settings)
       mailbox_(mailboxOf(settings_.channel)),
       builder_(std::this_thread::get_id()),
       thread_(*this),
-      service_(settings_.service) {
+      service_(settings_.service),
+      what_(service_ != nullptr ? describe(service_) : plannedService(settings_)) {
   if (mailbox_ == nullptr) {
     EXECUTOR_LOG(2, "channel '%s' is not of this platform: its requests are not served",
                  channelName_.c_str());
@@ -106,10 +112,8 @@ void ExecutorCore::waitUntilIdle() {
 }
 
 std::string ExecutorCore::description() const {
-  const Executable* const made = service();
-  const std::string what =
-      made != nullptr ? describe(made) : "service of " + settings_.creator + " in " + settings_.lib;
-  return what + " (interface '" + settings_.interfaces + "', channel '" + channelName_ + "')";
+  const std::lock_guard lock(mutex_);
+  return what_ + " (interface '" + settings_.interfaces + "', channel '" + channelName_ + "')";
 }
 
 Executable* ExecutorCore::service() const {
@@ -129,15 +133,15 @@ bool ExecutorCore::receive(Envelope& envelope) {
     if (!finalError_.empty()) {
       error = finalError_;
     } else {
-      const CallChain chain = envelope.chain;
-      queue_.push_back(std::move(envelope));
       toPool = started_ && runsOnPool();
-      if (!toPool && (ownThreadIdle_ || chain.id == ownChain_)) {
+      if (!toPool && (ownThreadIdle_ || envelope.chain.sameAs(ownChain_))) {
         woken = ownParker_;
       }
-      if (service_ == nullptr) {
-        wish(chain);
+      // A timer's expiry is for a service that exists or is being made; it asks for none.
+      if (service_ == nullptr && envelope.expiry == nullptr) {
+        wish(envelope.chain);
       }
+      queue_.push_back(std::move(envelope));
     }
   }
   if (!error.empty()) {
@@ -148,6 +152,11 @@ bool ExecutorCore::receive(Envelope& envelope) {
     woken->unpark();
   }
   return true;
+}
+
+bool ExecutorCore::isMaking() const {
+  const std::lock_guard lock(mutex_);
+  return creating_;
 }
 
 bool ExecutorCore::waitsForCaller() const {
@@ -167,40 +176,46 @@ void ExecutorCore::waitEnds(const std::shared_ptr<Parker>& parker) {
 
 bool ExecutorCore::serveNext(const CallChain& chain) {
   Envelope envelope;
+  Executable* target = nullptr;
   {
     const std::lock_guard lock(mutex_);
     if (runsOnPool()) {
       return false;
     }
-    // Only what is asked on behalf of the request that waits: it is deeper in the chain. Others of
-    // the chain were sent beside that request and keep their turn.
+    // The messages of the chain keep the order in which they came. While the service is being made
+    // it serves only what the making itself waits for: the others come before it exists.
     const auto next = std::find_if(queue_.begin(), queue_.end(), [&](const Envelope& queued) {
-      return queued.chain.id == chain.id && queued.chain.depth > chain.depth;
+      return creating_ ? queued.chain.isAwaitedBy(making_) : queued.chain.sameAs(chain);
     });
     if (next == queue_.end()) {
       return false;
     }
     envelope = std::move(*next);
     queue_.erase(next);
+    target = service_;
   }
   if (servingThread().nesting >= kMaximumNestingOnOneThread) {
-    mailbox_->answer(envelope, nullptr,
-                     "more than " + std::to_string(kMaximumNestingOnOneThread) +
-                         " requests inside each other on the thread of channel '" + channelName_ +
-                         "'");
+    failNested(envelope, "more than " + std::to_string(kMaximumNestingOnOneThread) +
+                             " requests inside each other on the thread of channel '" +
+                             channelName_ + "'");
     return true;
   }
-  Executable* target = service();
   if (target == nullptr) {
     target = serviceInTheMaking();
   }
   if (target == nullptr) {
-    mailbox_->answer(envelope, nullptr,
-                     "the service of channel '" + channelName_ + "' does not exist yet");
+    failNested(envelope, "the service of channel '" + channelName_ + "' does not exist yet");
     return true;
   }
   serve(envelope, *target);
   return true;
+}
+
+/** Refuses a message that its sender may not ask about. */
+void ExecutorCore::failNested(Envelope& envelope, const std::string& error) {
+  EXECUTOR_LOG(2, "a message from channel '%s' was not served: %s", envelope.from.c_str(),
+               error.c_str());
+  mailbox_->answer(envelope, nullptr, error);
 }
 
 void ExecutorCore::serveOnOwnThread() {
@@ -209,20 +224,19 @@ void ExecutorCore::serveOnOwnThread() {
   ownParker_ = parker;
   while (!closed_ && finalError_.empty() && !runsOnPool()) {
     if (service_ == nullptr && wished_) {
-      lock.unlock();
-      makeService();
-      lock.lock();
+      makeService(lock);
     } else if (service_ != nullptr && !queue_.empty()) {
       Envelope envelope = std::move(queue_.front());
       queue_.pop_front();
-      ++underWay_;
-      ownChain_ = envelope.chain.id;
+      ownChain_ = envelope.chain;
       Executable& service = *service_;
-      lock.unlock();
-      serve(envelope, service);
-      requestEnded();
+      {
+        const UnderWay underWay(*this);
+        lock.unlock();
+        serve(envelope, service);
+      }
       lock.lock();
-      ownChain_ = 0;
+      ownChain_ = {};
     } else {
       ownThreadIdle_ = true;
       lock.unlock();
@@ -234,28 +248,35 @@ void ExecutorCore::serveOnOwnThread() {
 }
 
 void ExecutorCore::serveOneOnPool() {
-  Envelope envelope;
-  Executable* service = nullptr;
-  {
-    const std::lock_guard lock(mutex_);
-    if (queue_.empty()) {
-      return;  // refused meanwhile
-    }
-    envelope = std::move(queue_.front());
-    queue_.pop_front();
-    ++underWay_;
-    service = service_;
+  std::unique_lock lock(mutex_);
+  if (queue_.empty()) {
+    return;  // refused meanwhile
   }
-  serve(envelope, *service);
-  requestEnded();
+  Envelope envelope = std::move(queue_.front());
+  queue_.pop_front();
+  Executable& service = *service_;
+  const UnderWay underWay(*this);
+  lock.unlock();
+  serve(envelope, service);
 }
 
 void ExecutorCore::serve(Envelope& envelope, Executable& service) {
   const ServingScope scope(this, envelope.chain);
-  if (envelope.expiry != nullptr) {
-    fire(*envelope.expiry, service);
-    return;
+  const auto error = exceptionOf([&] {
+    if (envelope.expiry != nullptr) {
+      fire(*envelope.expiry, service);
+    } else {
+      serveMessage(envelope, service);
+    }
+  });
+  if (error) {
+    // The service is not to blame: an interceptor, or no memory for the answer. The envelope
+    // answers by itself when it goes.
+    EXECUTOR_LOG(2, "channel '%s': a message was lost: %s", channelName_.c_str(), error->c_str());
   }
+}
+
+void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
   const auto start = Clock::now();
   Payload answer = nothing();
   const std::string error = call(service, envelope, answer);
@@ -277,10 +298,9 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, Pa
   message.state() = {
       envelope.from, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
   CommsChannelDataContainerMessage reply;
-  try {
-    service.messageReceived(message, reply);
-  } catch (...) {
-    return currentExceptionText();
+  if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
+    // Also a service that throws an empty text has failed.
+    return error->empty() ? "an exception without a text" : *std::move(error);
   }
   if (reply.state().data != nullptr) {
     answer = reply.state().data;
@@ -294,11 +314,8 @@ void ExecutorCore::fire(Expiry& expiry, const Executable& service) {
     EXECUTOR_LOG(2, "%s: got an expiry of another owner's timer", description().c_str());
     return;
   }
-  try {
-    expiry.fire();
-  } catch (...) {
-    EXECUTOR_LOG(2, "%s: timerExpired failed: %s", description().c_str(),
-                 currentExceptionText().c_str());
+  if (const auto error = exceptionOf([&] { expiry.fire(); })) {
+    EXECUTOR_LOG(2, "%s: timerExpired failed: %s", description().c_str(), error->c_str());
   }
 }
 
@@ -316,13 +333,6 @@ void ExecutorCore::handToPool(std::size_t requests) {
       }
     }
     refuse(refused, "the pool has no thread for channel '" + channelName_ + "'");
-  }
-}
-
-void ExecutorCore::requestEnded() {
-  const std::lock_guard lock(mutex_);
-  if (--underWay_ == 0) {
-    ended_.notify_all();
   }
 }
 

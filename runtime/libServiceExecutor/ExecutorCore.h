@@ -78,6 +78,7 @@ class ExecutorCore final : public RequestReceiver,
   bool receive(Envelope& envelope) override;
   bool waitsForCaller() const override;
   const Executable* object() const override { return service(); }
+  bool isMaking() const override;
 
   void waitBegins(const std::shared_ptr<Parker>& parker) override;
   void waitEnds(const std::shared_ptr<Parker>& parker) override;
@@ -102,18 +103,36 @@ class ExecutorCore final : public RequestReceiver,
     bool final;
   };
 
+  /** While it lives, a request or the making of the service is under way. Made under the lock. */
+  class UnderWay {
+   public:
+    explicit UnderWay(ExecutorCore& core) : core_(core) { ++core_.underWay_; }
+    ~UnderWay() {
+      const std::lock_guard lock(core_.mutex_);
+      if (--core_.underWay_ == 0) {
+        core_.ended_.notify_all();
+      }
+    }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+
+   private:
+    ExecutorCore& core_;
+  };
+
   bool runsOnPool() const { return settings_.multiThreaded && service_ != nullptr; }
   void serveOnOwnThread();
   void serveOneOnPool();
   void serve(Envelope& envelope, Executable& service);
+  void serveMessage(Envelope& envelope, Executable& service);
+  void failNested(Envelope& envelope, const std::string& error);
   std::string call(Executable& service, const Envelope& envelope, Payload& answer);
   void fire(Expiry& expiry, const Executable& service);
   void handToPool(std::size_t requests);
-  void requestEnded();
   void refuse(std::deque<Envelope>& requests, const std::string& error);
 
   void wish(const CallChain& chain);
-  void makeService();
+  void makeService(std::unique_lock<std::mutex>& lock);
   Made callContext(const CallChain& chain);
   void settle(const Made& made);
   Executable* serviceInTheMaking();
@@ -131,16 +150,18 @@ class ExecutorCore final : public RequestReceiver,
   std::atomic<bool> closed_{false};
   bool started_ = false;
   Executable* service_;
+  std::string what_;  // the service, for people
   std::deque<Envelope> queue_;
   unsigned underWay_ = 0;
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply
   std::shared_ptr<Parker> ownParker_;             // of the executor's own thread
   bool ownThreadIdle_ = false;
-  std::uint64_t ownChain_ = 0;  // what the own thread serves or creates for
+  CallChain ownChain_;  // what the own thread serves or makes the service for
 
   // Making of a lazy service; guarded by mutex_.
   bool wished_ = false;
   CallChain wishChain_;  // of who asked first
+  CallChain making_;     // of the making itself, while it is under way
   bool creating_ = false;
   std::thread::id creatingThread_;
   unsigned attempts_ = 0;

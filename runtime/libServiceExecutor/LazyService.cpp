@@ -6,6 +6,8 @@
 #include "FrameworkContext.h"
 #include "framework/Service.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/ReplyTimeout.h"
+#include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
 
@@ -19,42 +21,51 @@ void ExecutorCore::wish(const CallChain& chain) {
   }
 }
 
-void ExecutorCore::makeService() {
-  CallChain chain;
+/**
+ * Makes the service.
+ *
+ * @param lock held, and the executor not shut down: from here on the making is under way, so that
+ *     nobody who waits until nothing is under way overlooks it.
+ */
+void ExecutorCore::makeService(std::unique_lock<std::mutex>& lock) {
+  const CallChain chain = wishChain_.ofRequest();
+  wished_ = false;
+  creating_ = true;
+  creatingThread_ = std::this_thread::get_id();
+  making_ = chain;
+  ownChain_ = chain;
   {
-    const std::lock_guard lock(mutex_);
-    chain = wishChain_;
-    wished_ = false;
-    creating_ = true;
-    creatingThread_ = std::this_thread::get_id();
-    ownChain_ = chain.id;
-    ++underWay_;
+    const UnderWay underWay(*this);
+    lock.unlock();
+    const Made made = callContext(chain);
+    if (made.service == nullptr) {
+      EXECUTOR_LOG(2, "%s: %s", description().c_str(), made.error.c_str());
+    }
+    settle(made);
   }
-  const Made made = callContext(chain);
-  if (made.service == nullptr) {
-    EXECUTOR_LOG(2, "%s: %s", description().c_str(), made.error.c_str());
-  }
-  settle(made);
-  requestEnded();
+  lock.lock();
 }
 
 ExecutorCore::Made ExecutorCore::callContext(const CallChain& chain) {
   const ServingScope scope(this, chain);
-  try {
-    Service* const service = settings_.context->initialiseService(
+  Service* service = nullptr;
+  const auto error = exceptionOf([&] {
+    service = settings_.context->initialiseService(
         settings_.owner, settings_.lib, settings_.creator, settings_.channel, settings_.interfaces);
-    if (service != nullptr) {
-      return {service, {}, false};
-    }
-    return {nullptr, "the service could not be made; the next request tries again", false};
-  } catch (...) {
+  });
+  if (error) {
     // Only the text is kept: the exception's type may live in the library that goes.
-    return {nullptr, "the service could not be made: " + currentExceptionText(), true};
+    return {nullptr, "the service could not be made: " + *error, true};
   }
+  if (service == nullptr) {
+    return {nullptr, "the service could not be made; the next request tries again", false};
+  }
+  return {service, {}, false};
 }
 
 /** Tells everyone who waits how the making ended. */
 void ExecutorCore::settle(const Made& made) {
+  const std::string what = made.service != nullptr ? describe(made.service) : std::string();
   std::deque<Envelope> refused;
   std::size_t forPool = 0;
   std::vector<std::shared_ptr<Parker>> woken;
@@ -62,9 +73,13 @@ void ExecutorCore::settle(const Made& made) {
     const std::lock_guard lock(mutex_);
     creating_ = false;
     creatingThread_ = {};
-    ownChain_ = 0;
+    making_ = {};
+    ownChain_ = {};
     ++attempts_;
     service_ = made.service;
+    if (service_ != nullptr) {
+      what_ = what;
+    }
     woken = awaitingService_;
     if (made.service == nullptr) {
       refused.swap(queue_);
@@ -88,9 +103,8 @@ bool ExecutorCore::nothingToAwait(const CallChain& chain) const {
   if (!settings_.lazy || service_ != nullptr || !started_ || closed_ || !finalError_.empty()) {
     return true;
   }
-  // The creation waits for this very thread, directly or along its chain of calls.
-  return creating_ && (creatingThread_ == std::this_thread::get_id() ||
-                       (chain.id != 0 && chain.id == wishChain_.id));
+  // The making waits for this very thread, directly or along its chain of requests.
+  return creating_ && (creatingThread_ == std::this_thread::get_id() || chain.isAwaitedBy(making_));
 }
 
 void ExecutorCore::awaitService() {
@@ -103,7 +117,7 @@ void ExecutorCore::awaitService() {
     if (nothingToAwait(thread.chain)) {
       return;
     }
-    wish(thread.chain.id != 0 ? thread.chain : newCallChain());
+    wish(thread.chain ? thread.chain : CallChain::begin());
     attemptsBefore = attempts_;
     awaitingService_.push_back(parker);
     maker = ownParker_;
@@ -115,10 +129,14 @@ void ExecutorCore::awaitService() {
     const std::lock_guard lock(mutex_);
     return attempts_ != attemptsBefore || closed_;
   };
+  // A making that asks, on behalf of another chain, a service that waits here does not end before
+  // its own request is given up; so this one is, too.
+  const auto deadline = Clock::now() + replyTimeout();
   const WaitingScope waiting;
-  while (!over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
+  bool inTime = true;
+  while (inTime && !over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
     if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain)) {
-      parker->park();
+      inTime = parker->park(deadline);
     }
   }
   const std::lock_guard lock(mutex_);

@@ -46,6 +46,9 @@ struct ServiceThreadPool::State final : public zerva::RunningPlace {
   };
   using Workers = std::list<std::unique_ptr<Worker>>;
 
+  class Leaving;
+  class Running;
+
   struct Task {
     std::uint64_t number;
     std::function<void()> run;

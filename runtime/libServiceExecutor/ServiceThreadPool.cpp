@@ -10,6 +10,55 @@
 #include "runtime/libServiceExecutor/PoolState.h"
 #include "runtime/libServiceExecutor/UnrecordedServices.h"
 
+/** While it lives, a task runs; the lock is released meanwhile. */
+class ServiceThreadPool::State::Running {
+ public:
+  Running(State& pool, std::unique_lock<std::mutex>& lock) : pool_(pool), lock_(lock) {
+    ++pool_.running_;
+    lock_.unlock();
+  }
+  ~Running() {
+    lock_.lock();
+    --pool_.running_;
+    if (pool_.mayStart()) {
+      pool_.changed_.notify_one();
+    }
+  }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+ private:
+  State& pool_;
+  std::unique_lock<std::mutex>& lock_;
+};
+
+/** Takes a thread out of the pool when it ends, also when somebody ends it in the middle. */
+class ServiceThreadPool::State::Leaving {
+ public:
+  Leaving(State& pool, const Worker& worker) : pool_(pool), worker_(worker) {}
+  ~Leaving() {
+    Workers earlier;
+    std::unique_lock lock(pool_.mutex_);
+    earlier.swap(pool_.ended_);
+    lock.unlock();
+    // So that at most one thread that has ended is kept, however many were needed once.
+    for (const auto& ended : earlier) {
+      ended->waitForThreadCompletion();
+    }
+    lock.lock();
+    const auto self = std::find_if(pool_.workers_.begin(), pool_.workers_.end(),
+                                   [this](const auto& known) { return known.get() == &worker_; });
+    pool_.ended_.splice(pool_.ended_.end(), pool_.workers_, self);
+    pool_.changed_.notify_all();
+  }
+  Leaving(const Leaving&) = delete;
+  Leaving& operator=(const Leaving&) = delete;
+
+ private:
+  State& pool_;
+  const Worker& worker_;
+};
+
 ServiceThreadPool::ServiceThreadPool(int size, InvokeInterceptorDispatcher* dispatcher)
     : state_(std::make_unique<State>(static_cast<unsigned>(std::max(size, 1)), dispatcher)) {}
 
@@ -63,8 +112,10 @@ bool ServiceThreadPool::State::execute(std::function<void()> task) {
     changed_.notify_one();
     return true;
   }
-  if (addThread(lock) || !workers_.empty()) {
-    return true;  // without a new thread the task starts when one of the others is free
+  // Without a new thread the task starts when one of those that look for tasks is free. Threads
+  // that are only being made do not count: they may fail as this one did.
+  if (addThread(lock) || workers_.size() > starting_) {
+    return true;
   }
   const auto mine = std::find_if(tasks_.begin(), tasks_.end(),
                                  [&](const Task& queued) { return queued.number == number; });
@@ -118,6 +169,7 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
 
 void ServiceThreadPool::State::work(Worker& worker) {
   zerva::servingThread().place = this;
+  const Leaving leaving(*this, worker);
   std::unique_lock lock(mutex_);
   --starting_;
   for (;;) {
@@ -125,24 +177,13 @@ void ServiceThreadPool::State::work(Worker& worker) {
     changed_.wait(lock, [this] { return mayStart() || ending_ || tooMany(); });
     --idle_;
     if (!mayStart()) {
-      break;
+      return;
     }
-    std::function<void()> task = std::move(tasks_.front().run);
+    const std::function<void()> task = std::move(tasks_.front().run);
     tasks_.pop_front();
-    ++running_;
-    lock.unlock();
+    const Running running(*this, lock);
     task();
-    task = nullptr;
-    lock.lock();
-    --running_;
-    if (mayStart()) {
-      changed_.notify_one();
-    }
   }
-  const auto self = std::find_if(workers_.begin(), workers_.end(),
-                                 [&](const auto& known) { return known.get() == &worker; });
-  ended_.splice(ended_.end(), workers_, self);
-  changed_.notify_all();
 }
 
 void ServiceThreadPool::State::end() {

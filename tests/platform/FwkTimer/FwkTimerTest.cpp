@@ -7,8 +7,8 @@
 
 #include "framework/FwkTimer.h"
 #include "runtime/libClientUtils/ChannelState.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -27,6 +27,7 @@ class BusyReceiver final : public zerva::RequestReceiver {
   }
   bool waitsForCaller() const override { return false; }
   const Executable* object() const override { return object_; }
+  bool isMaking() const override { return false; }
 
   std::size_t waiting() const {
     const std::lock_guard lock(mutex_);
@@ -182,6 +183,40 @@ TEST_F(ATimer, OfTwoServicesOnChannelsOfOneName_ExpiresAtItsOwner) {
   sut.startTimer(sut.createTimer(&younger, 1));
   EXPECT_TRUE(waitUntil([&] { return expiries >= 3; }));
   EXPECT_EQ(wrong, 0);
+  sut.shutdown();
+  world.end();
+}
+
+TEST_F(ATimer, DoesNotHaveALazyServiceMadeThatIsNotItsOwner) {
+  std::atomic<bool> made{false};
+  world.context.make = [&] {
+    made = true;
+    return nullptr;
+  };
+  haveChannel("/lazy");
+  world.runLazy("/lazy", Mode::ST);
+  sut.startTimer(sut.createTimer(&owner, 1));
+  ScriptedService other;
+  other.onTimer = [&](int) { ++expiries; };
+  haveChannel("");
+  sut.startTimer(sut.createTimer(&other, 1));
+  ASSERT_TRUE(waitUntil([&] { return expiries >= 10; }));
+  EXPECT_FALSE(made);
+  sut.shutdown();
+  world.end();
+}
+
+TEST_F(ATimer, OfAServiceThatIsBeingMade_ExpiresOnceItExists) {
+  ScriptedService lazy;
+  lazy.onTimer = [&](int) { ++expiries; };
+  haveChannel("/lazy");
+  world.context.make = [&] {
+    sut.startTimer(sut.createTimer(&lazy, 1));
+    return &lazy;
+  };
+  world.runLazy("/lazy", Mode::ST);
+  EXPECT_TRUE(ask("/lazy", "x").ok);
+  EXPECT_TRUE(waitUntil([&] { return expiries >= 2; }));
   sut.shutdown();
   world.end();
 }

@@ -9,7 +9,7 @@
 
 namespace zerva {
 
-/** Leaves the logger as it found it. Modules are named by the test, since their levels stay. */
+/** Leaves the logger as it found it. Each test has a module of its own, since levels stay. */
 class LoggingTest : public testing::Test {
  protected:
   LoggingTest() { LogSettings::logToStandardError(false); }
@@ -22,8 +22,10 @@ class LoggingTest : public testing::Test {
     LogSettings::logToStandardError(true);
   }
 
-  const std::string module =
-      testing::UnitTest::GetInstance()->current_test_info()->name() + std::string(" Module");
+  const std::string module = "Module " + std::to_string(++modules_);
+
+ private:
+  static inline int modules_ = 0;
 };
 
 }  // namespace zerva

@@ -5,9 +5,9 @@
 
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -291,6 +291,14 @@ TEST(AMailbox, ForgetsRequestsWhoseRepliesNobodyEverAskedFor) {
   // The oldest id is free again once it is too old to be asked for.
   EXPECT_TRUE(waitUntil([&] { return sut->send("/svc", nullptr, 1).empty(); }));
   world.end();
+}
+
+TEST(AMailbox, ThatIsClosed_SaysSoWhenSomethingIsSentOrAwaited) {
+  const auto sut = std::make_shared<zerva::Mailbox>("/closed", nullptr);
+  sut->close();
+  EXPECT_EQ(sut->send("/nobody", nullptr, 1), "channel '/closed' is closed");
+  EXPECT_EQ(sut->send("/nobody", nullptr, 0), "channel '/closed' is closed");
+  EXPECT_EQ(sut->awaitReply(1).error, "channel '/closed' is closed");
 }
 
 }  // namespace

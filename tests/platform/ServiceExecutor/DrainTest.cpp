@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include "runtime/libServiceExecutor/Drain.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -67,6 +69,28 @@ TEST(ADrain, WaitsForAServiceThatIsBeingMade) {
   gate.open();
   EXPECT_TRUE(zerva::drainExecutors(std::chrono::seconds(100)).complete);
   world.end();
+}
+
+// The executor's thread once looked whether it was closed, let the lock go, and only then counted
+// the making as under way: in between a drain found nothing to wait for.
+TEST(ADrain, ThatIsComplete_IsFollowedByNoMaking) {
+  for (int round = 0; round < 200; ++round) {
+    std::atomic<bool> drained{false};
+    std::atomic<bool> madeTooLate{false};
+    ScriptedService service;
+    ExecutorWorld world;
+    world.context.make = [&] {
+      madeTooLate = madeTooLate || drained;
+      return &service;
+    };
+    world.runLazy("/lazy", Mode::ST);
+    CommsChannel caller("/test/caller", nullptr);
+    caller.sendTo("/lazy", "x");
+    drained = zerva::drainExecutors(std::chrono::seconds(100)).complete;
+    world.end();
+    EXPECT_TRUE(drained);
+    EXPECT_FALSE(madeTooLate);
+  }
 }
 
 }  // namespace

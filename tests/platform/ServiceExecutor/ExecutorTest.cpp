@@ -5,9 +5,9 @@
 #include <thread>
 
 #include "runtime/libLoggingHandler/LogSettings.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -217,6 +217,36 @@ TEST_P(ALazyService, ThatWasNeverStarted_IsNotWaitedFor) {
   sut.initService();
   EXPECT_THAT(journal.entries(), ElementsAre());
   world.end();
+}
+
+TEST_P(ALazyService, ThatIsBeingMade_LeavesMessagesOfTheSameChainUntilItExists) {
+  world.context.make = [&] {
+    EXPECT_TRUE(ask("/helper", "x").ok);
+    journal.add("made");
+    return &service;
+  };
+  ExecutorWorld onePoolThread(1);
+  onePoolThread.context.make = world.context.make;
+  zerva::Gate allSent;
+  ScriptedService helper([&](const std::string& request) {
+    allSent.wait();
+    return request;
+  });
+  onePoolThread.run(&helper, "/helper", Mode::ST);
+  onePoolThread.runLazy("/lazy", GetParam());
+  // What one request sends belongs together, the message that asks for the service first too.
+  ScriptedService sender([&](const std::string& request) {
+    CommsChannel channel("/test/sender", nullptr);
+    channel.sendTo("/lazy", "1");
+    channel.sendTo("/lazy", "2");
+    allSent.open();
+    return request;
+  });
+  onePoolThread.run(&sender, "/sender", Mode::ST);
+  ask("/sender", "go");
+  ask("/lazy", "3");
+  EXPECT_THAT(journal.entries(), ElementsAre("made", "1", "2", "3"));
+  onePoolThread.end();
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, ALazyService, testing::Values(Mode::ST, Mode::MT),

@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 #include "runtime/libClientUtils/CallChain.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -68,7 +69,7 @@ TEST(AServiceWithOneThread, ThatWaits_ServesNobodyElse) {
   world.end();
 }
 
-TEST(AServiceWithOneThread, ThatWaits_LeavesInTheirOrderRequestsThatWereSentBesideItsOwn) {
+TEST(AServiceWithOneThread, ThatWaits_ServesTheMessagesOfItsOwnChainInTheOrderInWhichTheyCame) {
   ExecutorWorld world;
   Journal journal;
   zerva::Gate allSent;
@@ -97,8 +98,8 @@ TEST(AServiceWithOneThread, ThatWaits_LeavesInTheirOrderRequestsThatWereSentBesi
   world.run(&sender, "/sender", Mode::ST);
   ask("/sender", "go");
   ask("/svc", "3");
-  EXPECT_THAT(journal.entries(), ElementsAre("begin 1", "begin back", "end back", "end 1",
-                                             "begin 2", "end 2", "begin 3", "end 3"));
+  EXPECT_THAT(journal.entries(), ElementsAre("begin 1", "begin 2", "end 2", "begin back",
+                                             "end back", "end 1", "begin 3", "end 3"));
   world.end();
 }
 
@@ -126,7 +127,7 @@ TEST(AServiceWithManyThreads, GetsAnErrorWhenItAsksItselfWithoutEnd) {
   });
   world.run(&service, "/svc", Mode::MT);
   EXPECT_THAT(ask("/svc", "x").data, HasSubstr("requests wait for one another"));
-  EXPECT_EQ(calls, zerva::kMaximumChainDepth + 1);
+  EXPECT_EQ(calls, zerva::kMaximumChainLength);
   world.end();
 }
 
@@ -140,6 +141,24 @@ TEST(AChainOfServices, MayBeLongerThanThePoolHasThreads) {
     world.run(services.back().get(), "/svc" + std::to_string(i), Mode::MT);
   }
   EXPECT_EQ(ask("/svc0", "x").data, "x" + std::string(19, '<'));
+  world.end();
+}
+
+// A limit that counted messages nobody waits for once ended a service that posts itself its steps.
+TEST(AServiceThatSendsItselfMessages, MayDoSoWithoutEnd) {
+  ExecutorWorld world;
+  constexpr int kSteps = 1000;
+  std::atomic<int> steps{0};
+  CommsChannel own("/own", nullptr);
+  ScriptedService service([&](const std::string& request) {
+    if (++steps < kSteps) {
+      EXPECT_TRUE(own.sendTo("/svc", request));
+    }
+    return request;
+  });
+  world.run(&service, "/svc", Mode::ST);
+  own.sendTo("/svc", "step");
+  EXPECT_TRUE(waitUntil([&] { return steps == kSteps; }));
   world.end();
 }
 

@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
 #include <thread>
 
 #include "runtime/libServiceExecutor/Drain.h"
-#include "tests/support/ExecutorWorld.h"
 #include "tests/support/Barrier.h"
+#include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -82,6 +83,31 @@ TEST(APool, KeepsReachableTheServiceOfAnExecutorThatNobodyElseDeleted) {
   const std::size_t unrecorded = zerva::unrecordedServices();
   sut.reset();
   EXPECT_EQ(zerva::unrecordedServices(), unrecorded + 1);
+}
+
+TEST(APool, EndsTheThreadsThatItNeededOnlyWhileOthersWaited) {
+  const auto threads = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                         std::filesystem::directory_iterator());
+  };
+  ExecutorWorld world(2);
+  zerva::Gate gate;
+  ScriptedService slow([&](const std::string& request) {
+    gate.wait();
+    return request;
+  });
+  world.run(&slow, "/slow", Mode::ST);
+  ScriptedService service([](const std::string& request) { return ask("/slow", request).data; });
+  world.run(&service, "/svc", Mode::MT);
+  const auto before = threads();
+  CommsChannel caller("/test/caller", nullptr);
+  for (int i = 0; i < 20; ++i) {
+    caller.sendTo("/svc", "x");
+  }
+  ASSERT_TRUE(waitUntil([&] { return threads() >= before + 20; }));
+  gate.open();
+  EXPECT_TRUE(waitUntil([&] { return threads() <= before + 2; }));
+  world.end();
 }
 
 }  // namespace
