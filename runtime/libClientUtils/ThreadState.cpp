@@ -20,8 +20,7 @@ class Joining {
   Joining& operator=(const Joining&) = delete;
 
   void join() {
-    pthread_join(state_.thread, nullptr);
-    joined_ = true;
+    joined_ = pthread_join(state_.thread, nullptr) == 0;
   }
 
  private:

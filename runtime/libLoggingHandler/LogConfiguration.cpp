@@ -1,6 +1,7 @@
 #include "runtime/libLoggingHandler/LogConfiguration.h"
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -59,10 +60,23 @@ std::vector<std::shared_ptr<SuppliedSink>> LogConfiguration::remove(const LogSin
   const std::lock_guard lock(mutex_);
   const auto removed = std::stable_partition(
       sinks_.begin(), sinks_.end(), [&](const auto& supplied) { return !supplied->is(sink); });
-  std::vector<std::shared_ptr<SuppliedSink>> taken(removed, sinks_.end());
+  leaving_.insert(leaving_.end(), removed, sinks_.end());
   sinks_.erase(removed, sinks_.end());
   updateHighest();
+  std::vector<std::shared_ptr<SuppliedSink>> taken;
+  std::copy_if(leaving_.begin(), leaving_.end(), std::back_inserter(taken),
+               [&](const auto& supplied) { return supplied->is(sink); });
   return taken;
+}
+
+void LogConfiguration::forget(const std::vector<std::shared_ptr<SuppliedSink>>& removed) {
+  const std::lock_guard lock(mutex_);
+  leaving_.erase(std::remove_if(leaving_.begin(), leaving_.end(),
+                                [&](const auto& supplied) {
+                                  return std::find(removed.begin(), removed.end(), supplied) !=
+                                         removed.end();
+                                }),
+                 leaving_.end());
 }
 
 int LogConfiguration::ordinaryLevel(std::string_view module) const {

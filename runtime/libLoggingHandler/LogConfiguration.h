@@ -34,8 +34,14 @@ class LogConfiguration {
   void setLevel(const std::string& module, int level);
   void add(std::shared_ptr<SuppliedSink> sink);
 
-  /** @returns the additions of the sink that were taken out. */
+  /**
+   * @returns the additions of the sink that were taken out, also those that another thread is
+   * taking out at this moment: the sink is not gone before they are closed.
+   */
   std::vector<std::shared_ptr<SuppliedSink>> remove(const LogSink& sink);
+
+  /** Additions that were taken out are closed. */
+  void forget(const std::vector<std::shared_ptr<SuppliedSink>>& removed);
 
  private:
   static constexpr int kDefaultLevel = 4;
@@ -50,6 +56,7 @@ class LogConfiguration {
   int defaultLevel_ = kDefaultLevel;
   std::map<std::string, int, std::less<>> levels_;
   std::vector<std::shared_ptr<SuppliedSink>> sinks_;
+  std::vector<std::shared_ptr<SuppliedSink>> leaving_;  // taken out and not yet closed
 };
 
 }  // namespace zerva

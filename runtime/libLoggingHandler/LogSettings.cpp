@@ -28,7 +28,9 @@ void LogSettings::addSink(LogSink& sink, const std::string& module, int level) {
 }
 
 void LogSettings::removeSink(LogSink& sink) {
-  for (const auto& supplied : LogConfiguration::instance().remove(sink)) supplied->close();
+  const auto removed = LogConfiguration::instance().remove(sink);
+  for (const auto& supplied : removed) supplied->close();
+  LogConfiguration::instance().forget(removed);
 }
 
 void LogSettings::flush() { OrdinarySinks::instance().flush(); }

@@ -31,6 +31,7 @@ class SuppliedSink::Call {
     innermost_ = outer_;
     const std::lock_guard lock(sink_.mutex_);
     --sink_.calls_;
+    if (!excused_) --sink_.awaited_;
     sink_.callEnded_.notify_all();
   }
   Call(const Call&) = delete;
@@ -44,19 +45,28 @@ class SuppliedSink::Call {
     return false;
   }
 
-  /** How many calls of this addition this thread is in. */
-  static int count(const SuppliedSink& sink) {
-    int calls = 0;
-    for (const Call* call = innermost_; call != nullptr; call = call->outer_) {
-      if (&call->sink_ == &sink) ++calls;
+  /**
+   * Under the lock: those who close from inside a call do not wait any more for this thread's
+   * calls.
+   *
+   * @returns whether it is in one.
+   */
+  static bool excuseOwn(SuppliedSink& sink) {
+    bool inside = false;
+    for (Call* call = innermost_; call != nullptr; call = call->outer_) {
+      if (&call->sink_ == &sink) {
+        inside = true;
+        if (!std::exchange(call->excused_, true)) --sink.awaited_;
+      }
     }
-    return calls;
+    return inside;
   }
 
  private:
   static thread_local Call* innermost_;
   SuppliedSink& sink_;
   Call* const outer_;
+  bool excused_ = false;  // guarded by the sink's mutex
 };
 
 thread_local SuppliedSink::Call* SuppliedSink::Call::innermost_ = nullptr;
@@ -75,6 +85,7 @@ __attribute__((no_sanitize("null"))) void SuppliedSink::write(const LogRecord& r
     const std::lock_guard lock(mutex_);
     if (closed_) return;
     ++calls_;
+    ++awaited_;
   }
   const Call call(*this);
   try {
@@ -90,14 +101,13 @@ __attribute__((no_sanitize("null"))) void SuppliedSink::write(const LogRecord& r
 }
 
 void SuppliedSink::close() {
-  const int own = Call::count(*this);
   std::unique_lock lock(mutex_);
   closed_ = true;
-  // A thread that closes from inside a call cannot end that call while it waits.
-  calls_ -= own;
+  // A thread that closes from inside a call cannot end that call while it waits: such threads do
+  // not wait for each other's calls. One that is in no call waits for all of them.
+  const bool inside = Call::excuseOwn(*this);
   callEnded_.notify_all();
-  callEnded_.wait(lock, [this] { return calls_ == 0; });
-  calls_ += own;
+  callEnded_.wait(lock, [&] { return inside ? awaited_ == 0 : calls_ == 0; });
 }
 
 }  // namespace zerva

@@ -36,6 +36,7 @@ class SuppliedSink {
   std::condition_variable callEnded_;
   // Guarded by mutex_.
   int calls_ = 0;
+  int awaited_ = 0;  // calls whose thread has not closed the sink itself
   bool closed_ = false;
 };
 

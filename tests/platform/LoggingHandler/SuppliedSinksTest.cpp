@@ -158,6 +158,26 @@ TEST_F(ASinkOfTheProgram, IsNotCalledAnyMoreWhenItsRemovalHasReturned) {
   EXPECT_EQ(sut->records().size(), 1U);
 }
 
+// The second thread to remove a sink once found nothing to wait for, and deleted it too early.
+TEST_F(ASinkOfTheProgram, IsNotCalledAnyMoreWhenASecondRemovalHasReturned) {
+  RecordingSink sut(module);
+  std::atomic<bool> leaving{false};
+  Gate gate;
+  sut.onWrite = [&](const LogRecord&) {
+    gate.wait();
+    leaving = true;
+  };
+  std::jthread logger([&] { log(4, "a line"); });
+  ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+  std::jthread first([&] { LogSettings::removeSink(sut); });
+  ASSERT_TRUE(waitUntil([&] { return !loggingOnAppUni(module.c_str(), 50); }));
+  std::jthread opening([&] { gate.open(); });
+
+  LogSettings::removeSink(sut);
+
+  EXPECT_TRUE(leaving);
+}
+
 TEST_F(ASinkOfTheProgram, MayRemoveItself) {
   RecordingSink sut(module);
   sut.onWrite = [&](const LogRecord&) { LogSettings::removeSink(sut); };
@@ -174,6 +194,7 @@ TEST_F(ASinkOfTheProgram, MayRemoveItselfOnTwoThreadsAtOnce) {
   sut.onWrite = [&](const LogRecord&) {
     bothInCall.arriveAndWait();
     LogSettings::removeSink(sut);
+    bothInCall.arriveAndWait();  // neither waits for the other's call to end
   };
 
   {
