@@ -26,8 +26,9 @@ class ServiceThreadPool;
  * outlive the configurator. Failures are reported by results and in the log; exceptions come only
  * from constructors, from `findProtocolAdapter`, and from the code of others, which passes through.
  *
- * The operations of the two contexts may be called from any thread of a service; everything else is
- * for the host's thread.
+ * The operations of the two contexts, and what they use (`findInRegistry`,
+ * `initProxyAndAddToRepository`, `parseDirectives`, `formatString`), may be called from any thread
+ * of a service; everything else is for the host's thread.
  */
 class ZERVA_EXPORT ServiceConfigurator : public SvcRTEContext, protected FrameworkContext {
  public:
@@ -85,7 +86,7 @@ class ZERVA_EXPORT ServiceConfigurator : public SvcRTEContext, protected Framewo
    * Does what a directive file says, line by line, before it returns.
    *
    * @param fileName path of the file. Its lines hold at most 511 characters, a carriage return
-   *     counted; with a longer one the call does not return.
+   *     counted; with a longer one the call does not return, nor does it for a directory.
    * @throws std::out_of_range when a line with a mode field has too few fields; what the services'
    *     own code throws passes too. The rest of the file is then not processed.
    */
@@ -106,20 +107,28 @@ class ZERVA_EXPORT ServiceConfigurator : public SvcRTEContext, protected Framewo
   void formatString(std::string& text);
 
   /**
-   * Creates a service that runs a thread of its own.
+   * Creates a service that runs a thread of its own. Blocks for as long as its creator and its
+   * `init` take.
    *
+   * @param lib the library's file name.
+   * @param creator the name of the creator function in it.
    * @param ifc interface names separated by single blanks.
-   * @returns the service, kept by the repository, or null.
+   * @returns the service, kept by the repository, or null; why is in the log.
+   * @throws what the creator or `init` throws. The service stays recorded when it was `init`.
    */
   Service* createService(std::string lib, std::string creator, std::string ifc);
 
   /**
-   * Creates a service with channel and executor, now.
+   * Creates a service with channel and executor, now. Blocks for as long as its creator, its `init`
+   * and the service registry take.
    *
+   * @param lib the library's file name.
+   * @param creator the name of the creator function in it.
    * @param chan name of its channel.
    * @param ifc interface names separated by single blanks.
    * @param flag whether its requests may run at the same time.
-   * @returns the service, kept by the repository, or null.
+   * @returns the service, kept by the repository, or null; why is in the log.
+   * @throws what the creator or `init` throws. The service stays recorded when it was `init`.
    */
   Service* createServiceExecutor(const std::string& lib, const std::string& creator,
                                  const std::string& chan, const std::string& ifc, bool flag);
@@ -135,18 +144,43 @@ class ZERVA_EXPORT ServiceConfigurator : public SvcRTEContext, protected Framewo
                                                       const std::string& chan,
                                                       const std::string& ifc, bool flag);
 
-  /** Tells the service registry where the invoker of an interface for a protocol lives. */
+  /**
+   * Tells the service registry where the invoker of an interface for a protocol lives. May block
+   * while the registry is looked for; when there is none, that is in the log and the record is
+   * lost.
+   *
+   * @param lib file name of the library.
+   * @param creator name of the creator function that it exports.
+   * @param ifc name of the interface.
+   * @param prot name of the protocol.
+   */
   void registerInvokerInfo(const std::string& lib, const std::string& creator,
                            const std::string& ifc, const std::string& prot);
 
-  /** Tells the service registry where the proxy of an interface lives. */
+  /** Tells the service registry where the proxy of an interface lives; as `registerInvokerInfo`. */
   void registerProxyInfo(const std::string& lib, const std::string& creator, const std::string& ifc,
                          const std::string& prot);
 
-  /** Asks the service registry and waits for its answer. */
+  /**
+   * Asks the service registry on the host's channel, which must not be null, and waits for the
+   * answer.
+   *
+   * @param request the question.
+   * @param response gets the answer; the question itself when none came.
+   */
   void findInRegistry(std::string& request, std::string& response);
 
-  /** Makes a proxy and records it. @returns the proxy, kept by the repository, or null. */
+  /**
+   * Makes a proxy and records it. One proxy is made at a time; blocks while another is.
+   *
+   * @param lib file name of the proxy's library.
+   * @param creator name of the creator function that it exports.
+   * @param svcChannel name of the channel that the proxy talks to.
+   * @param ifc name of the interface that it stands for.
+   * @param qualifier tells it apart from other proxies for the same interface and channel.
+   * @returns the proxy, kept by the repository, or null; why is in the log.
+   * @throws what somebody else's code throws. No proxy can be made or removed afterwards.
+   */
   Proxy* initProxyAndAddToRepository(std::string& lib, std::string& creator,
                                      std::string& svcChannel, std::string& ifc,
                                      std::string& qualifier);

@@ -45,9 +45,9 @@ bool resolveLazyCreator(Dll& dll, const std::string& creator, void*& address) {
 
 /** Through a proxy like anybody else: the object just made is not used directly. */
 void announceLazyRegistry(Context& context, const std::string& registryIfcName,
-                          const std::string& ifc, const CommsChannelIfc& channel) {
+                          const std::string& ifc, const CommsChannelIfc* channel) {
   if (ServiceRegistryIfc* registry = zerva::findRegistry(context, registryIfcName)) {
-    registry->registerInterface(ifc, channel.getName());
+    registry->registerInterface(ifc, channel->getName());
   } else {
     CONFIGURATOR_LOG_ERROR(
         "ServiceConfigurator::initialiseService() svcRegistry not found, interface:'%s' not "
@@ -89,7 +89,7 @@ Service* ServiceConfigurator::initialiseService(ServiceExecutor* executor, std::
   CONFIGURATOR_LOG_PROGRESS("Service Configurator: Calling init ifc = '%s'", ifc.c_str());
   zerva::initialiseTimed(*service, this, ifc);
   if (ifc == registryIfcName) {
-    announceLazyRegistry(*this, registryIfcName, ifc, *channel);
+    announceLazyRegistry(*this, registryIfcName, ifc, channel);
   }
   if (zerva::isHeartbeat(ifc)) {
     zerva::startMonitoring(findChannel(service));

@@ -43,7 +43,7 @@ void serviceInfo(ServiceConfigurator& configurator, const DirectiveFields& field
 
 /**
  * The interfaces of a legacy service begin at the fourth token whether there is a mode field or
- * not, so with one the creator's name is the first of them; existing files count on it.
+ * not, so with one the creator's name is the first of them.
  */
 void serviceLegacy(ServiceConfigurator& configurator, const DirectiveFields& fields,
                    const std::vector<std::string>& tokens) {

@@ -24,7 +24,7 @@ void initialiseTimed(Service& service, SvcRTEContext* context, const std::string
   clock_gettime(CLOCK_MONOTONIC, &end);
 
   const InitDuration took = durationBetween(start, end);
-  // The milliseconds are not padded: 1 s and 5 ms are 1.5s. Readers of the logs rely on that.
+  // Seconds and milliseconds are two numbers with a dot between them, so 1 s and 5 ms are 1.5s.
   CONFIGURATOR_LOG_PROGRESS(
       "Service Configurator: For ifc = '%s' init() took %ld.%lds using CLOCK_MONOTONIC",
       ifc.c_str(), took.seconds, took.milliseconds);
