@@ -66,9 +66,9 @@ TEST(TheRepositorysFields, FollowEachOtherWithoutGapsInTheirOrder) {
   };
 
   EXPECT_EQ(place(&sut.svcMap), kPointer);
-  EXPECT_EQ(place(&sut.proxyMap), place(&sut.svcMap) + sizeof sut.svcMap);
-  EXPECT_EQ(place(&sut.invokerMap), place(&sut.proxyMap) + sizeof sut.proxyMap);
-  EXPECT_GE(place(&sut.svcMapSem), place(&sut.invokerMap) + sizeof sut.invokerMap);
+  EXPECT_EQ(place(&sut.proxyMap), place(&sut.svcMap) + sizeof(decltype(sut.svcMap)));
+  EXPECT_EQ(place(&sut.invokerMap), place(&sut.proxyMap) + sizeof(decltype(sut.proxyMap)));
+  EXPECT_GE(place(&sut.svcMapSem), place(&sut.invokerMap) + sizeof(decltype(sut.invokerMap)));
   EXPECT_EQ(place(&sut.proxyMapSem), place(&sut.svcMapSem) + sizeof sut.svcMapSem);
   EXPECT_EQ(place(&sut.invokerMapSem), place(&sut.proxyMapSem) + sizeof sut.proxyMapSem);
 }

@@ -65,7 +65,8 @@ struct Table {
 };
 
 Table& table() {
-  static Table instance;
+  // Never destroyed: what lives on for ever is to be reachable for ever.
+  static Table& instance = *new Table;
   return instance;
 }
 
