@@ -19,9 +19,7 @@ class Joining {
   Joining(const Joining&) = delete;
   Joining& operator=(const Joining&) = delete;
 
-  void join() {
-    joined_ = pthread_join(state_.thread, nullptr) == 0;
-  }
+  void join() { joined_ = pthread_join(state_.thread, nullptr) == 0; }
 
  private:
   Threadable::State& state_;
