@@ -14,21 +14,21 @@ struct Directories {
 };
 
 /** Never destroyed, since libraries may be opened while the process ends. */
-Directories& directories() {
+Directories& setting() {
   static auto* const instance = new Directories;
   return *instance;
 }
 
 }  // namespace
 
-void LibraryDirectories::set(const std::vector<std::string>& searched) {
-  const std::lock_guard lock(directories().mutex);
-  directories().searched = searched;
+void LibraryDirectories::set(const std::vector<std::string>& directories) {
+  const std::lock_guard lock(setting().mutex);
+  setting().searched = directories;
 }
 
 std::vector<std::string> LibraryDirectories::get() {
-  const std::lock_guard lock(directories().mutex);
-  return directories().searched;
+  const std::lock_guard lock(setting().mutex);
+  return setting().searched;
 }
 
 std::string LibraryDirectories::resolve(const std::string& name) {

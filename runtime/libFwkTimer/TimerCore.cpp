@@ -93,7 +93,7 @@ int TimerCore::create(Executable* owner, int period) {
 
 bool TimerCore::start(int id, bool evenIfRunning) {
   std::unique_lock lock(mutex_);
-  if (over_ || timers_.count(id) == 0 || !askChannel(lock, id) || !needThread(lock)) {
+  if (over_ || !timers_.contains(id) || !askChannel(lock, id) || !needThread(lock)) {
     return false;
   }
   const auto found = timers_.find(id);

@@ -25,7 +25,7 @@ class KeptErrno {
 
 const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
 
-std::string formatted(const char* format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) std::string formatted(const char* format, va_list arguments) {
   va_list again;
   va_copy(again, arguments);
   char shortText[512];

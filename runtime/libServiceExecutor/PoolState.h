@@ -20,7 +20,7 @@
  */
 struct ServiceThreadPool::State final : public zerva::RunningPlace {
  public:
-  State(unsigned size, InvokeInterceptorDispatcher* dispatcher);
+  State(unsigned size, InvokeInterceptorDispatcher* forOthers);
   ~State();
 
   bool execute(std::function<void()> task);

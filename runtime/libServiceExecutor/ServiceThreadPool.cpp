@@ -96,8 +96,8 @@ void ServiceThreadPool::remove(ServiceExecutor* executor) {
 
 InvokeInterceptorDispatcher* ServiceThreadPool::dispatcher() const { return state_->dispatcher; }
 
-ServiceThreadPool::State::State(unsigned size, InvokeInterceptorDispatcher* kept)
-    : dispatcher(kept), size_(size) {}
+ServiceThreadPool::State::State(unsigned size, InvokeInterceptorDispatcher* forOthers)
+    : dispatcher(forOthers), size_(size) {}
 
 ServiceThreadPool::State::~State() = default;
 
