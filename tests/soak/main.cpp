@@ -37,7 +37,7 @@ constexpr std::size_t bytesACycle = 512;
 // What is freed does not go back to the system at once and lies scattered, and touched parts of the
 // stacks that are kept for the next threads stay: some pages come and go, whatever the number of
 // cycles. What grew by a page a cycle would be beyond this after the short run.
-constexpr std::size_t residentNoise = 512 * 1024;
+constexpr std::size_t residentNoise = std::size_t{512} * 1024;
 
 // The allocator gets some large pieces, and the thread library some stacks, with mappings of their
 // own, depending on how threads happen to meet.
