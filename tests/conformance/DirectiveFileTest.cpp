@@ -222,6 +222,22 @@ TEST_P(ADirective, ServiceInstanceWithoutAnything_SaysSoAndCreatesNothing) {
                 "", "", "", "")});
 }
 
+TEST_P(ADirective, ServiceInfo_DeclaresAServiceLazily) {
+  process("service_info: ST libfoo.so createFoo fooChannel ServiceRegistryIfc\n");
+  expectTraceButEndOfThreader(
+      {progress("Creating Service Info. Lib: '%s' Creator: '%s' Chan: '%s' Ifc: '%s'", "libfoo.so",
+                "createFoo", "fooChannel", "ServiceRegistryIfc"),
+       progress("Service Configurator: Creating CommsChannel - '%s'", "fooChannel"),
+       "CommsChannel#1 = CommsChannel(\"fooChannel\", interceptors)",
+       progress("Service Configurator: Creating Service Executor with lazy initialisation"),
+       "ServiceExecutor#1 = ServiceExecutor(\"libfoo.so\", \"createFoo\", "
+       "\"ServiceRegistryIfc\", CommsChannel#1, FrameworkContext, pool, invokeInterceptors, false)",
+       progress("Service Configurator: Service Executor created successfully"),
+       progress("Service Configurator: Starting Service Executor"), "Threader#1 = Threader()",
+       "ServiceExecutor#1.startThread(Threader#1)",
+       progress("Service Configurator: Service Executor Running")});
+}
+
 TEST_P(ADirective, ServiceInfoWithoutAChannel_SaysSoAndCreatesNothing) {
   process("service_info:libfoo.so createFoo\nservice_info:libfoo.so\nservice_info:\n");
   const std::string text =
