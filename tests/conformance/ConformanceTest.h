@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -128,6 +129,9 @@ class HostTest : public ConformanceTest {
   std::unique_ptr<Kind> makeRecorded(Arguments... arguments) {
     Platform::nameSemaphores({"proxySem", "invokerSem", "registrySem"});
     void* memory = operator new(sizeof(Kind));
+    // What a constructor forgets to set is seen. Volatile, since the compiler knows that nobody may
+    // read from an object what was there before it.
+    std::fill_n(static_cast<volatile unsigned char*>(memory), sizeof(Kind), 0xa5);
     Kind::nameSides(memory);
     try {
       return std::unique_ptr<Kind>(new (memory) Kind(arguments...));
