@@ -46,6 +46,10 @@ std::string stateOf(const std::filesystem::path& task) {
 }  // namespace
 
 void reportThreads() {
+  // The first walk of a stack loads a library, and so allocates, which a handler must not do.
+  void* none = nullptr;
+  backtrace(&none, 1);
+
   struct sigaction action {};
   action.sa_handler = writeOwnStack;
   action.sa_flags = SA_RESTART;
