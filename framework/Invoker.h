@@ -22,7 +22,9 @@ class ZERVA_EXPORT Invoker {
    * @param adapter the adapter of the protocol that the call is written in; not owned.
    * @param call the call as written by the caller's adapter.
    * @param reply gets the result, as written by `adapter`.
-   * @throws anything: the caller gets the text of the exception as an error.
+   * @throws DecodeException when the call does not get to the service: it could not be read, names
+   *     a method that is not known, or the service does not have the interface. Besides, whatever
+   * the service throws. The caller gets the text as an error.
    */
   virtual void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
                       std::string& reply) = 0;

@@ -34,6 +34,7 @@ class ZERVA_EXPORT ProxyRequestImpl : public ProxyRequest {
 
   const std::string& getSvcChannel() const override;
   const std::string& getQualifier() const override;
+  void call(const std::string& method, const Writable& arguments, Readable& result) override;
 
  private:
   struct State;

@@ -14,6 +14,12 @@ namespace zerva {
 /** The bytes of a message; shared, so that they are not copied on their way. */
 using Payload = std::shared_ptr<const std::string>;
 
+/** What a call is made to. Both are empty on a message that is no call of an interface method. */
+struct CalledIn {
+  std::string interface;
+  std::string protocol;
+};
+
 /** Takes the replies to requests that were sent: the channel that asked. */
 class ZERVA_EXPORT ReplyReceiver {
  public:
@@ -83,6 +89,7 @@ struct Envelope {
   std::string from;
   /** Name of the channel that it is for. */
   std::string to;
+  CalledIn call;
   Payload data;
   CallChain chain;
   ReplyTicket ticket;

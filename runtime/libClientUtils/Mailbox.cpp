@@ -87,7 +87,8 @@ std::shared_ptr<RequestReceiver> Mailbox::receiver() const {
   return receiver_;
 }
 
-std::string Mailbox::send(const std::string& to, Payload data, std::uint32_t requestId) {
+std::string Mailbox::send(const std::string& to, const CalledIn& call, Payload data,
+                          std::uint32_t requestId) {
   if (requestId != 0) {
     if (std::string error = expect(requestId, to); !error.empty()) {
       return error;
@@ -96,9 +97,13 @@ std::string Mailbox::send(const std::string& to, Payload data, std::uint32_t req
     return "channel '" + name_ + "' is closed";
   }
   const CallChain& served = servingThread().chain;
-  Envelope envelope{
-      name_, to,     std::move(data), requestId != 0 ? served.ofRequest() : served.ofMessage(),
-      {},    nullptr};
+  Envelope envelope{name_,
+                    to,
+                    call,
+                    std::move(data),
+                    requestId != 0 ? served.ofRequest() : served.ofMessage(),
+                    {},
+                    nullptr};
   if (envelope.chain.length() > kMaximumChainLength) {
     return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
                                   " requests wait for one another before channel '" + to + "'");

@@ -63,7 +63,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   bool isServed() const { return served_.load(std::memory_order_acquire); }
 
   /** Sends a request or a message; see `CommsChannelIfc::send`. @returns why it failed, or "". */
-  std::string send(const std::string& to, Payload data, std::uint32_t requestId);
+  std::string send(const std::string& to, const CalledIn& call, Payload data,
+                   std::uint32_t requestId);
 
   /** How a request ended. */
   struct Outcome {

@@ -4,14 +4,21 @@
 #include <mutex>
 
 #include "framework/ProtocolAdapter.h"
+#include "runtime/libClientUtils/protocols/SimpleRmiAdapter.h"
+#include "runtime/libClientUtils/protocols/SvcXmlAdapter.h"
 
 struct ProtocolRepository::State {
+  zerva::SimpleRmiAdapter simpleRmi;
+  zerva::SvcXmlAdapter svcXml;
   std::mutex mutex;
   // Guarded by mutex.
   std::map<std::string, ProtocolAdapter*> adapters;
 };
 
-ProtocolRepository::ProtocolRepository() : state_(std::make_unique<State>()) {}
+ProtocolRepository::ProtocolRepository() : state_(std::make_unique<State>()) {
+  addProtocolAdapter(&state_->simpleRmi);
+  addProtocolAdapter(&state_->svcXml);
+}
 
 ProtocolRepository::~ProtocolRepository() = default;
 

@@ -6,7 +6,10 @@
 #include "framework/AbstractProtocolRepository.h"
 #include "framework/Export.h"
 
-/** The platform's protocol repository: knows the adapters that were added. */
+/**
+ * The platform's protocol repository: knows the framework's two protocols, "zerva_simple_rmi" and
+ * "zerva_svc_xml", and those that were added.
+ */
 class ZERVA_EXPORT ProtocolRepository : public AbstractProtocolRepository {
  public:
   ProtocolRepository();

@@ -1,6 +1,17 @@
 #include "framework/ProxyRequestImpl.h"
 
-/** Constant after construction, so any number of threads may call through one request. */
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+#include "framework/CallException.h"
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "framework/CommsChannelIfc.h"
+#include "framework/DecodeException.h"
+#include "framework/ProtocolAdapter.h"
+#include "runtime/libClientUtils/MessageState.h"
+
+/** Constant after construction but for the counter, so any number of threads may call at once. */
 struct ProxyRequestImpl::State {
   CommsChannelIfc* channel;
   std::string svcChannel;
@@ -9,16 +20,67 @@ struct ProxyRequestImpl::State {
   ProtocolAdapter* adapter;
   std::string qualifier;
   FrameworkContext* context;
+  std::atomic<std::uint32_t> lastId{0};
+
+  State(CommsChannelIfc* theChannel, std::string theSvcChannel, std::string theIfc,
+        std::string theProtocol, ProtocolAdapter* theAdapter, std::string theQualifier,
+        FrameworkContext* theContext)
+      : channel(theChannel),
+        svcChannel(std::move(theSvcChannel)),
+        ifc(std::move(theIfc)),
+        protocol(std::move(theProtocol)),
+        adapter(theAdapter),
+        qualifier(std::move(theQualifier)),
+        context(theContext) {}
+
+  /** @returns an id that no other call of this proxy has now; 0 would mean that nobody waits. */
+  long newId() {
+    std::uint32_t id = 0;
+    while (id == 0) {
+      id = lastId.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
+    return static_cast<long>(id);
+  }
 };
 
 ProxyRequestImpl::ProxyRequestImpl(CommsChannelIfc* channel, const std::string& svcChannel,
                                    const std::string& ifc, const std::string& protocol,
                                    ProtocolAdapter* adapter, const std::string& qualifier,
                                    FrameworkContext* context)
-    : state_(new State{channel, svcChannel, ifc, protocol, adapter, qualifier, context}) {}
+    : state_(std::make_unique<State>(channel, svcChannel, ifc, protocol, adapter, qualifier,
+                                     context)) {}
 
 ProxyRequestImpl::~ProxyRequestImpl() = default;
 
 const std::string& ProxyRequestImpl::getSvcChannel() const { return state_->svcChannel; }
 
 const std::string& ProxyRequestImpl::getQualifier() const { return state_->qualifier; }
+
+void ProxyRequestImpl::call(const std::string& method, const Writable& arguments,
+                            Readable& result) {
+  const auto fail = [&](const std::string& cause) {
+    throw CallException(state_->ifc, method, state_->svcChannel, cause);
+  };
+  if (state_->adapter == nullptr) {
+    fail("protocol '" + state_->protocol + "' is not known here");
+  }
+  std::string bytes;
+  state_->adapter->writeCall(method, arguments, bytes);
+
+  CommsChannelDataContainerMessage message;
+  auto& sent = message.state();
+  sent.channel = state_->svcChannel;
+  sent.call = {state_->ifc, state_->protocol};
+  sent.data = std::make_shared<const std::string>(std::move(bytes));
+  sent.requestId = state_->newId();
+  // A request that could not be sent has an answer too: the reason.
+  state_->channel->send(message);
+  if (!state_->channel->receiveReply(message, sent.requestId)) {
+    fail(message.getError());
+  }
+  try {
+    state_->adapter->readReply(*sent.data, result);
+  } catch (const DecodeException& error) {
+    fail(std::string("the result did not decode: ") + error.what());
+  }
+}

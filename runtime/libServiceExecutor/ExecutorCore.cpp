@@ -4,10 +4,14 @@
 #include <chrono>
 #include <utility>
 
+#include "FrameworkContext.h"
 #include "framework/CommsChannel.h"
 #include "framework/CommsChannelDataContainerMessage.h"
+#include "framework/DecodeException.h"
 #include "framework/Executable.h"
 #include "framework/InvokeInterceptorDispatcher.h"
+#include "framework/Invoker.h"
+#include "framework/ProtocolAdapter.h"
 #include "framework/ServiceThreadPoolIfc.h"
 #include "framework/Threader.h"
 #include "runtime/libClientUtils/ChannelState.h"
@@ -279,7 +283,10 @@ void ExecutorCore::serve(Envelope& envelope, Executable& service) {
 void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
   const auto start = Clock::now();
   Payload answer = nothing();
-  const std::string error = call(service, envelope, answer);
+  const bool isCall = !envelope.call.interface.empty();
+  std::string method;
+  const std::string error =
+      isCall ? call(service, envelope, method, answer) : handOver(service, envelope, answer);
   const auto duration = Clock::now() - start;
   if (!error.empty()) {
     EXECUTOR_LOG(2, "%s: a message from channel '%s' failed: %s", description().c_str(),
@@ -287,16 +294,53 @@ void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
   }
   // Reported first, so that whoever gets the answer finds the request counted.
   if (settings_.dispatcher != nullptr) {
-    settings_.dispatcher->dispatch(
-        {settings_.interfaces, {}, envelope.from, channelName_, duration, error});
+    settings_.dispatcher->dispatch({isCall ? envelope.call.interface : settings_.interfaces, method,
+                                    envelope.from, channelName_, duration, error});
   }
   mailbox_->answer(envelope, std::move(answer), error);
 }
 
-std::string ExecutorCore::call(Executable& service, const Envelope& envelope, Payload& answer) {
+/** Makes a call of an interface method. @returns why it failed, or "". */
+std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string& method,
+                               Payload& answer) {
+  std::string interface = envelope.call.interface;
+  std::string protocol = envelope.call.protocol;
+  std::string reply;
+  std::string refusal;
+  ProtocolAdapter* adapter = nullptr;
+  Invoker* invoker = nullptr;
+  if (const auto error = exceptionOf([&] {
+        adapter = settings_.context->findProtocolAdapter(protocol);
+        invoker = settings_.context->findInvoker(interface, protocol);
+      })) {
+    return "looking up its invoker failed: " + *error;
+  }
+  if (adapter == nullptr) {
+    return "protocol '" + protocol + "' is not known there";
+  }
+  if (invoker == nullptr) {
+    return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
+  }
+  const auto error = exceptionOf([&] {
+    try {
+      method = adapter->methodOf(*envelope.data);
+      invoker->invoke(service, *adapter, *envelope.data, reply);
+    } catch (const DecodeException& exception) {
+      refusal = exception.what();
+    }
+  });
+  if (error) {
+    return "the service threw: " + *error;
+  }
+  answer = std::make_shared<const std::string>(std::move(reply));
+  return refusal;
+}
+
+/** Hands the service a message that is no call. @returns why it failed, or "". */
+std::string ExecutorCore::handOver(Executable& service, const Envelope& envelope, Payload& answer) {
   CommsChannelDataContainerMessage message;
   message.state() = {
-      envelope.from, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
+      envelope.from, {}, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
   CommsChannelDataContainerMessage reply;
   if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
     // Also a service that throws an empty text has failed.

@@ -33,6 +33,10 @@ const std::string& ProxyRequestImpl::getSvcChannel() const {
   return state_->svcChannel;
 }
 
+void ProxyRequestImpl::call(const std::string& method, const Writable&, Readable&) {
+  called(this, "call", {inQuotes(method)});
+}
+
 const std::string& ProxyRequestImpl::getQualifier() const {
   called(this, "getQualifier", {});
   return state_->qualifier;

@@ -14,6 +14,25 @@ NamedAdapter::~NamedAdapter() { Objects::died(this); }
 
 const std::string& NamedAdapter::getProtocol() const { return protocol; }
 
+void NamedAdapter::writeCall(const std::string& method, const Writable&, std::string&) {
+  called(this, "writeCall", {inQuotes(method)});
+}
+
+std::string NamedAdapter::methodOf(const std::string& call) {
+  called(this, "methodOf", {inQuotes(call)});
+  return {};
+}
+
+void NamedAdapter::readCall(const std::string& call, Readable&) {
+  called(this, "readCall", {inQuotes(call)});
+}
+
+void NamedAdapter::writeReply(const Writable&, std::string&) { called(this, "writeReply", {}); }
+
+void NamedAdapter::readReply(const std::string& reply, Readable&) {
+  called(this, "readReply", {inQuotes(reply)});
+}
+
 RecordingProtocols::RecordingProtocols() { constructed(this, "Protocols", {}); }
 
 RecordingProtocols::~RecordingProtocols() { Objects::died(this); }

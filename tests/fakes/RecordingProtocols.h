@@ -8,12 +8,17 @@
 
 namespace zerva::fakes {
 
-/** An adapter that only has a name. */
+/** An adapter that has a name and records what it is asked to write or read. */
 class NamedAdapter : public ProtocolAdapter {
  public:
   explicit NamedAdapter(std::string protocol);
   ~NamedAdapter() override;
   const std::string& getProtocol() const override;
+  void writeCall(const std::string& method, const Writable& arguments, std::string& call) override;
+  std::string methodOf(const std::string& call) override;
+  void readCall(const std::string& call, Readable& arguments) override;
+  void writeReply(const Writable& result, std::string& reply) override;
+  void readReply(const std::string& reply, Readable& result) override;
 
  private:
   std::string protocol;

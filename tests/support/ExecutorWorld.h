@@ -42,7 +42,7 @@ class ScriptedService : public Service {
   Handler handler_;
 };
 
-/** A context whose two operations that executors and timers need are written down by a test. */
+/** A context whose operations that executors and timers need are written down by a test. */
 class ScriptedContext final : public FrameworkContext {
  public:
   std::function<Service*()> make = [] { return nullptr; };
@@ -50,7 +50,15 @@ class ScriptedContext final : public FrameworkContext {
       [](const std::string&, const std::string&) { return nullptr; };
   std::function<std::string(Executable*)> channelOf = [](Executable*) { return std::string(); };
 
-  Invoker* findInvoker(std::string&, std::string&) override { return nullptr; }
+  std::function<Invoker*(const std::string&, const std::string&)> invoker =
+      [](const std::string&, const std::string&) { return nullptr; };
+  std::function<ProtocolAdapter*(const std::string&)> adapter = [](const std::string&) {
+    return nullptr;
+  };
+
+  Invoker* findInvoker(std::string& interface, std::string& protocol) override {
+    return invoker(interface, protocol);
+  }
   Proxy* findProxy(std::string&, std::string&) override { return nullptr; }
   Proxy* findProxy(std::string&, std::string&, std::string&) override { return nullptr; }
   std::string findChannel(Executable* executable) override { return channelOf(executable); }
@@ -58,7 +66,7 @@ class ScriptedContext final : public FrameworkContext {
                              std::string) override {
     return make();
   }
-  ProtocolAdapter* findProtocolAdapter(std::string&) override { return nullptr; }
+  ProtocolAdapter* findProtocolAdapter(std::string& protocol) override { return adapter(protocol); }
   void removeAndDeleteProxyFromRepository(Proxy*, std::string&) override {}
   Service* findRealService(const std::string& interface, const std::string& channel) override {
     return real(interface, channel);

@@ -10,6 +10,11 @@ class NamedAdapter : public ProtocolAdapter {
  public:
   explicit NamedAdapter(std::string protocol) : protocol_(std::move(protocol)) {}
   const std::string& getProtocol() const override { return protocol_; }
+  void writeCall(const std::string&, const Writable&, std::string&) override {}
+  std::string methodOf(const std::string&) override { return {}; }
+  void readCall(const std::string&, Readable&) override {}
+  void writeReply(const Writable&, std::string&) override {}
+  void readReply(const std::string&, Readable&) override {}
 
  private:
   const std::string protocol_;
@@ -24,6 +29,13 @@ TEST(AProtocolRepository, FindsAdaptersByTheirProtocol) {
 
   EXPECT_EQ(sut.findProtocolAdapter("one"), &one);
   EXPECT_EQ(sut.findProtocolAdapter("two"), &two);
+}
+
+TEST(AProtocolRepository, KnowsTheFrameworksProtocolsFromTheStart) {
+  ProtocolRepository sut;
+
+  EXPECT_NE(sut.findProtocolAdapter("zerva_simple_rmi"), nullptr);
+  EXPECT_NE(sut.findProtocolAdapter("zerva_svc_xml"), nullptr);
 }
 
 TEST(AProtocolRepository, FindsNothingForAProtocolThatIsNotKnown) {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/Export.h"
+
+class ValueWriter;
+
+/** Something that can be written as values: the arguments of a call, or its result. */
+class ZERVA_EXPORT Writable {
+ public:
+  virtual void write(ValueWriter& writer) const = 0;
+
+ protected:
+  ~Writable() = default;
+};

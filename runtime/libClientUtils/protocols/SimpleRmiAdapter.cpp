@@ -1,0 +1,46 @@
+#include "runtime/libClientUtils/protocols/SimpleRmiAdapter.h"
+
+#include "framework/Readable.h"
+#include "framework/Writable.h"
+#include "runtime/libClientUtils/protocols/SimpleRmiReader.h"
+#include "runtime/libClientUtils/protocols/SimpleRmiWriter.h"
+
+namespace zerva {
+
+const std::string& SimpleRmiAdapter::getProtocol() const {
+  static const std::string protocol = "zerva_simple_rmi";
+  return protocol;
+}
+
+void SimpleRmiAdapter::writeCall(const std::string& method, const Writable& arguments,
+                                 std::string& call) {
+  call.clear();
+  SimpleRmiWriter writer(call);
+  writer.writeText(method);
+  arguments.write(writer);
+}
+
+std::string SimpleRmiAdapter::methodOf(const std::string& call) {
+  return SimpleRmiReader(call).readText();
+}
+
+void SimpleRmiAdapter::readCall(const std::string& call, Readable& arguments) {
+  SimpleRmiReader reader(call);
+  reader.readText();
+  arguments.read(reader);
+  reader.end();
+}
+
+void SimpleRmiAdapter::writeReply(const Writable& result, std::string& reply) {
+  reply.clear();
+  SimpleRmiWriter writer(reply);
+  result.write(writer);
+}
+
+void SimpleRmiAdapter::readReply(const std::string& reply, Readable& result) {
+  SimpleRmiReader reader(reply);
+  result.read(reader);
+  reader.end();
+}
+
+}  // namespace zerva

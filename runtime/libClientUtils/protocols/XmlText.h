@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zerva {
+
+/**
+ * @returns whether XML 1.0 can hold a text: well-formed UTF-8 (RFC 3629) without the characters
+ *     that production 2 of XML leaves out, which are most control characters.
+ */
+bool isXmlText(std::string_view text);
+
+/**
+ * @returns the text as it stands in an element or, in double quotes, in an attribute. Leading white
+ *     space is written as a reference, since readers drop it between elements.
+ */
+std::string xmlEscaped(std::string_view text);
+
+/** @returns two lower-case digits for each byte. */
+std::string hexadecimal(std::string_view bytes);
+
+/** @returns the bytes, or nothing when the text is not pairs of hexadecimal digits. */
+std::optional<std::string> fromHexadecimal(std::string_view text);
+
+/**
+ * Tells how deep the elements of a text are nested at most, without building anything of it, so
+ * that a text that is meant to exhaust the stack of a parser never gets there.
+ *
+ * @returns nothing when the text has a comment, a character-data section or a document type, or
+ *     holds a zero byte: calls have none of these.
+ */
+std::optional<unsigned> xmlDepth(std::string_view text);
+
+}  // namespace zerva
