@@ -77,9 +77,15 @@ bool waitUntilItHangs(pid_t program) {
   });
 }
 
+/** The rest of a log line that has five: the registry's invoker was found. */
+bool tellsOfTheInvoker(const std::string& line) {
+  return line.find("Service Registry Invoker created:") != std::string::npos ||
+         line.starts_with("       Created from ") || line.starts_with("       Supporting ");
+}
+
 /**
- * Leaves out what every process without a service registry says; one scenario looks at that, the
- * others are about something else.
+ * Leaves out what every process says of the registry's invoker, and those without a registry of its
+ * absence; some scenarios look at that, the others are about something else.
  */
 std::string withoutRegistryLines(const std::string& text) {
   std::istringstream lines(text);
@@ -87,7 +93,8 @@ std::string withoutRegistryLines(const std::string& text) {
   for (std::string line; std::getline(lines, line);) {
     if (line.find("cannot get svcRegistry interface!") == std::string::npos &&
         line.find("'service registry invoker'") == std::string::npos &&
-        line.find(" while starting, see the log") == std::string::npos) {
+        line.find(" while starting, see the log") == std::string::npos &&
+        !tellsOfTheInvoker(line)) {
       rest += line + "\n";
     }
   }

@@ -1,0 +1,57 @@
+#include "registry/RegistryText.h"
+
+#include <cstddef>
+#include <map>
+
+#include "framework/ZervaException.h"
+
+namespace zerva {
+namespace {
+
+/** How many fields follow each word. */
+const std::map<std::string, std::size_t>& wordsWithFields() {
+  static const std::map<std::string, std::size_t> words = {
+      {"find", 2}, {"find_proxy", 1}, {"find_invoker", 2}, {"reg_proxy", 4}, {"reg_invoker", 4}};
+  return words;
+}
+
+/** @returns the text for a message: no longer than a line, without what would break the line. */
+std::string shown(const std::string& text) {
+  constexpr std::size_t most = 100;
+  std::string line = text.substr(0, most);
+  for (char& c : line) {
+    if (static_cast<unsigned char>(c) < ' ') c = '?';
+  }
+  return "'" + line + (text.size() > most ? "...'" : "'");
+}
+
+}  // namespace
+
+RegistryText parseRegistryText(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) {
+    throw ZervaException(shown(text) + " has no colon");
+  }
+  RegistryText parsed;
+  parsed.word = text.substr(0, colon);
+  const auto known = wordsWithFields().find(parsed.word);
+  if (known == wordsWithFields().end()) {
+    throw ZervaException(shown(text) + " begins with a word that is not known");
+  }
+  std::size_t start = colon + 1;
+  for (;;) {
+    const std::size_t comma = text.find(',', start);
+    parsed.fields.push_back(text.substr(start, comma - start));
+    if (comma == std::string::npos) {
+      break;
+    }
+    start = comma + 1;
+  }
+  if (parsed.fields.size() != known->second) {
+    throw ZervaException(shown(text) + " has " + std::to_string(parsed.fields.size()) +
+                         " fields where " + std::to_string(known->second) + " are expected");
+  }
+  return parsed;
+}
+
+}  // namespace zerva
