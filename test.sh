@@ -33,7 +33,7 @@ run_preset() {
   # Of ctest's lines only those about tests that did not pass are of interest.
   ctest --preset "$1" --parallel "$(nproc)" --no-tests=error --output-junit "$results" \
     </dev/null 2>&1 | { grep --line-buffered -vE \
-    '^ *Start +[0-9]+: |Passed +[0-9.]+ sec *$|^Test project |^Preset |^ *$|^Total Test time' ||
+    '^ *Start +[0-9]+: |Passed +[0-9.]+ sec *$|^Test project |^Preset |^ *$|^Total Test time|^Label Time Summary|sec\*proc ' ||
     true; } || code=$?
   if [ -e "$results" ]; then
     all=$(grep -cE '^[[:space:]]*<testcase ' "$results" || true)

@@ -3,7 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <iterator>
+#include <algorithm>
 
 #include "ServiceConfigurator.h"
 #include "host/SignalName.h"
@@ -25,6 +25,12 @@ void append(std::vector<std::string>& parts, const std::vector<std::string>& mor
   parts.insert(parts.end(), more.begin(), more.end());
 }
 
+std::set<int> idsOf(const std::vector<StartedProcess>& processes) {
+  std::set<int> ids;
+  for (const StartedProcess& process : processes) ids.insert(process.id);
+  return ids;
+}
+
 std::string endOf(const StartedProcess& process) {
   if (process.running) return "still runs, it could not be killed";
   if (process.signal == SIGKILL) return "killed";
@@ -39,7 +45,7 @@ Host::Host(Report& report)
       bringUp_(ledger_, report_),
       repository_(recorded_, bringUp_),
       channel_("/zerva/host/" + std::to_string(getpid()), nullptr),
-      processesBefore_(StartedProcesses::list().size()) {
+      processesBefore_(idsOf(StartedProcesses::list())) {
   invokeInterceptors_.addInterceptor(&counter_);
 }
 
@@ -90,7 +96,11 @@ StopResult Host::stop(std::chrono::milliseconds timeout) {
 /** Tells what ended by itself, and ends the rest. */
 void Host::endProcesses(std::chrono::milliseconds timeout) {
   std::vector<StartedProcess> mine = StartedProcesses::list();
-  mine.erase(mine.begin(), mine.begin() + static_cast<std::ptrdiff_t>(processesBefore_));
+  mine.erase(std::remove_if(mine.begin(), mine.end(),
+                            [this](const StartedProcess& process) {
+                              return processesBefore_.contains(process.id);
+                            }),
+             mine.end());
   for (const StartedProcess& process : mine) {
     if (process.running) continue;
     ++processesDown_;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -89,8 +90,8 @@ class Host {
   InvokeInterceptorDispatcher invokeInterceptors_;
   ProtocolRepository protocols_;
   CommsChannel channel_;
-  /** How many processes were started before this host was made. */
-  const std::size_t processesBefore_;
+  /** Those that were started before this host was made, by another one in this program. */
+  const std::set<int> processesBefore_;
   std::size_t processesDown_ = 0;
   std::size_t processesFailed_ = 0;
   // Deleted by stop(), before anything above.
