@@ -86,8 +86,32 @@ TEST_F(AConfigurator, HasItsFieldsInTheirOrder) {
   EXPECT_EQ(places, expected);
 }
 
+TEST_F(AConfigurator, HasNothingBehindItsLastField) {
+  EXPECT_EQ(sizeof(ServiceConfigurator), 13 * sizeof(void*));
+}
+
 TEST_F(AConfigurator, CountsItsRequestsIn32Bits) {
   EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::registryRequestId), std::uint32_t>));
+}
+
+TEST_F(AConfigurator, PointsToTheHostsObjects) {
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::commsChannel), CommsChannelIfc*>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(OpenConfigurator::serviceRepository), AbstractServiceRepository*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::ccInterceptorDispatcher),
+                              CCInterceptorDispatcher*>));
+  EXPECT_TRUE((
+      std::is_same_v<decltype(OpenConfigurator::protocolRepository), AbstractProtocolRepository*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::invokeInterceptorDispatcher),
+                              InvokeInterceptorDispatcher*>));
+}
+
+TEST_F(AConfigurator, PointsToItsOwnObjects) {
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::threadPool), ServiceThreadPool*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::timer), FwkTimer*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::proxySem), Semaphore*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::invokerSem), Semaphore*>));
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::registrySem), Semaphore*>));
 }
 
 TEST_F(AConfigurator, HasOneTwoArgumentFindProxyForBothContexts) {
@@ -118,6 +142,18 @@ TEST(TheConfiguratorsClass, GivesTheFrameworksSideToNobodyButItsOwn) {
 TEST(TheConfiguratorsClass, GivesTheServicesSideToEverybody) {
   EXPECT_TRUE((std::is_convertible_v<ServiceConfigurator*, SvcRTEContext*>));
   EXPECT_TRUE((std::is_convertible_v<SvcRTEContext*, Context*>));
+}
+
+TEST(TheConfiguratorsConstants, AreTexts) {
+  EXPECT_TRUE((std::is_same_v<decltype(OpenConfigurator::SVC_REG_INVOKER_LIB), const std::string>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(OpenConfigurator::SVC_REG_INVOKER_CREATORFN), const std::string>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(OpenConfigurator::SVC_REG_INVOKER_INTERFACE), const std::string>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(OpenConfigurator::SVC_REG_INVOKER_PROTOCOL1), const std::string>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(OpenConfigurator::SVC_REG_INVOKER_PROTOCOL2), const std::string>));
 }
 
 TEST(TheConfiguratorsConstants, NameTheRegistrysInvoker) {

@@ -68,9 +68,13 @@ TEST(TheRepositorysFields, FollowEachOtherWithoutGapsInTheirOrder) {
   EXPECT_EQ(place(&sut.svcMap), kPointer);
   EXPECT_EQ(place(&sut.proxyMap), place(&sut.svcMap) + sizeof(decltype(sut.svcMap)));
   EXPECT_EQ(place(&sut.invokerMap), place(&sut.proxyMap) + sizeof(decltype(sut.proxyMap)));
-  EXPECT_GE(place(&sut.svcMapSem), place(&sut.invokerMap) + sizeof(decltype(sut.invokerMap)));
+  // A semaphore begins where one may stand.
+  const std::size_t mapsEnd = place(&sut.invokerMap) + sizeof(decltype(sut.invokerMap));
+  EXPECT_EQ(place(&sut.svcMapSem),
+            (mapsEnd + alignof(Semaphore) - 1) / alignof(Semaphore) * alignof(Semaphore));
   EXPECT_EQ(place(&sut.proxyMapSem), place(&sut.svcMapSem) + sizeof sut.svcMapSem);
   EXPECT_EQ(place(&sut.invokerMapSem), place(&sut.proxyMapSem) + sizeof sut.proxyMapSem);
+  EXPECT_EQ(sizeof(ServiceRepository), place(&sut.invokerMapSem) + sizeof sut.invokerMapSem);
 }
 
 TEST(TheRepositorysFields, AreMultimapsByNameAndEmbeddedSemaphores) {
