@@ -41,6 +41,8 @@ TEST_F(FindingAnAdapter, WithoutAProtocolRepository_ThrowsEachTime) {
         EXPECT_STREQ(exception.what(),
                      "Attempt to find protocol adapter from uninitiliased Protocol Repository");
       }
+      // The exception is all that tells of it.
+      expectTrace({});
     }
   }
 }
@@ -92,6 +94,35 @@ TEST_F(FindingARealService, WhoseRecordIsMissing_GivesTheServiceAlone) {
   const auto another = make<OpenConfigurator>(&channel, &other);
   EXPECT_EQ(another->findRealService("FooIfc", ""), service);
   expectTrace({"repository.findService(\"FooIfc\", \"\")"});
+}
+
+/** A repository of the host's own that makes use of getting its text by reference. */
+class Overwriting : public fakes::RecordingRepository {
+ public:
+  using RecordingRepository::RecordingRepository;
+  Service* findService(std::string& interfaceName, const std::string& channelName) override {
+    Service* service = RecordingRepository::findService(interfaceName, channelName);
+    interfaceName = "overwritten";
+    return service;
+  }
+};
+
+TEST_F(FindingARealService, InARepositoryThatOverwritesItsText_LeavesTheCallersAlone) {
+  Service* service = recordService("FooIfc", "fooChannel");
+  Overwriting other(inner);
+  const auto another = make<OpenConfigurator>(&channel, &other);
+  std::string ifc = "FooIfc";
+  EXPECT_EQ(another->findRealService(ifc, "fooChannel"), service);
+  EXPECT_EQ(ifc, "FooIfc");
+}
+
+TEST_F(FindingARealService, HoldsNoSemaphoreWhileItInitialises) {
+  recordService("FooIfc", "fooChannel");
+  std::vector<std::string> held{"not asked"};
+  Platform::once("ServiceExecutor#1.initService(",
+                 [&held] { held = fakes::SemaphoreTable::held(); });
+  sut->findRealService("FooIfc", "");
+  EXPECT_THAT(held, testing::IsEmpty());
 }
 
 /** A configurator that overrides nothing. */
@@ -192,6 +223,9 @@ TEST_F(RemovingAProxy, OfAnotherInterface_DeletesNothing) {
   Proxy* proxy = recordProxy("FooIfc", "/svc/a", "");
   std::string ifc = "BarIfc";
   sut->removeAndDeleteProxyFromRepository(proxy, ifc);
+  EXPECT_THAT(Trace::lines(1), testing::Contains(logLine("src/ServiceRepository", 2,
+                                                         "deleteOneServiceProxy: Proxy not found") +
+                                                 " [proxySem, proxyMapSem]"));
   expectTrace({locked("proxySem", {"repository.deleteOneServiceProxy(Proxy#1, \"BarIfc\")"})});
   EXPECT_TRUE(fakes::Objects::isAlive(proxy));
 }

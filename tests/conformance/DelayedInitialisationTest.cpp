@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "framework/CommsChannelDataContainerMessage.h"
 #include "framework/ServiceExecutor.h"
 #include "framework/ServiceThreadPool.h"
@@ -163,6 +165,74 @@ TEST_P(InitialisingALazyService, WhoseCreatorGivesNull_DeletesTheLibraryOnly) {
                "~Dll#1"});
   EXPECT_TRUE(fakes::Objects::isAlive(executor));
   EXPECT_TRUE(fakes::Objects::isAlive(own));
+}
+
+TEST_P(InitialisingALazyService, WhoseCreatorThrows_LeavesTheLibraryOpenAndRecordsNothing) {
+  offer("libfoo.so", "createFoo",
+        fakes::Creators::service([]() -> Service* { throw std::runtime_error("no service"); }));
+  EXPECT_THROW(initialise("FooIfc"), std::runtime_error);
+  expectTrace({opening(), opened("Dll#1", "libfoo.so"),
+               progress("%s", "Resolving symbol: createFoo"), resolved("Dll#1", "createFoo"),
+               progress("Service Configurator: Calling creator fn")});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  EXPECT_TRUE(fakes::Objects::isAlive(executor));
+  leaves("Dll#1");
+}
+
+TEST_P(InitialisingALazyService, WhoseInitThrows_KeepsItRecordedAndAnnouncesNothing) {
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  Platform::once("RegistryService#1.init(", [] { throw std::runtime_error("no init"); });
+  std::string ifc = "ServiceRegistryIfc";
+  EXPECT_THROW(initialise(ifc), std::runtime_error);
+  expectTrace({created(),
+               "repository.addService(RegistryService#1, ServiceExecutor#1, CommsChannel#1, "
+               "Dll#1, \"ServiceRegistryIfc\")",
+               progress("Service Configurator: Calling init ifc = '%s'", ifc),
+               "clock_gettime(CLOCK_MONOTONIC)", "RegistryService#1.init(SvcRTEContext)"});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "RegistryService#1");
+}
+
+/** The channel is read for the registry's announcement alone. */
+TEST_P(InitialisingALazyService, OnANullChannel_MakesAnOrdinaryOne) {
+  offerService("libfoo.so", "createFoo");
+  const std::string ifc = "HeartbeatServiceIfc";
+  EXPECT_NE(sut->framework().initialiseService(executor, "libfoo.so", "createFoo", nullptr, ifc),
+            nullptr);
+  expectTrace({created(),
+               "repository.addService(Service#1, ServiceExecutor#1, null, Dll#1, "
+               "\"HeartbeatServiceIfc\")",
+               progress("Service Configurator: Calling init ifc = '%s'", ifc),
+               "clock_gettime(CLOCK_MONOTONIC)", "Service#1.init(SvcRTEContext)",
+               "clock_gettime(CLOCK_MONOTONIC)", initTook(ifc),
+               "configurator.findChannel(Service#1)", successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, OnANullChannelThatIsTheRegistryAndIsNotFound_SaysSo) {
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc";
+  EXPECT_NE(sut->framework().initialiseService(executor, "libfoo.so", "createFoo", nullptr, ifc),
+            nullptr);
+  expectTrace({created(),
+               "repository.addService(RegistryService#1, ServiceExecutor#1, null, Dll#1, "
+               "\"ServiceRegistryIfc\")",
+               progress("Service Configurator: Calling init ifc = '%s'", ifc),
+               "clock_gettime(CLOCK_MONOTONIC)", "RegistryService#1.init(SvcRTEContext)",
+               "clock_gettime(CLOCK_MONOTONIC)", initTook(ifc), lookedUp(), notRegistered(),
+               successful(ifc)});
+}
+
+TEST_P(InitialisingALazyService, ThatIsTheRegistry_FindsItAsAnExecutable) {
+  fakes::RecordingRegistryProxy registry;
+  sut->executables["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  const std::string ifc = "ServiceRegistryIfc";
+  initialise(ifc);
+  expectTrace({created(), initialised("RegistryService#1", ifc),
+               "configurator.findExecutable(\"ServiceRegistryIfc\")", "CommsChannel#1.getName()",
+               "RegistryProxy#1.registerInterface(\"ServiceRegistryIfc\", \"fooChannel\")",
+               successful(ifc)});
 }
 
 TEST_P(InitialisingALazyService, WithAPercentSignInItsNames_LogsThemAsTheyAre) {

@@ -54,6 +54,16 @@ TEST_P(DeclaringALazyService, WithARegistry_StartsItsExecutorAndAnnouncesTheList
        "RegistryProxy#1.registerInterface(\"FooIfc BarIfc\", \"fooChannel\")"});
 }
 
+TEST_P(DeclaringALazyService, FindsTheRegistryAsAnExecutable) {
+  fakes::RecordingRegistryProxy registry;
+  sut->executables["ServiceRegistryIfc"] = &registry;
+  forget();
+  EXPECT_EQ(declare("fooChannel", "FooIfc"), nullptr);
+  expectTraceButEndOfThreader({started("fooChannel", "FooIfc"),
+                               "configurator.findExecutable(\"ServiceRegistryIfc\")",
+                               "RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")"});
+}
+
 TEST_P(DeclaringALazyService, WithARegistryThatIsNone_SaysSo) {
   fakes::RecordingService registry;
   sut->services["ServiceRegistryIfc"] = &registry;

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -88,6 +90,28 @@ TEST_P(CreatingALegacyService, WhoseCreatorGivesNull_TellsOfTheInitAllTheSame) {
                error("ServiceConfigurator::createService() : Error while initializing service "
                      "(NULL pointer returned)."),
                "~Dll#1"});
+}
+
+TEST_P(CreatingALegacyService, WhoseCreatorThrows_LeavesTheLibraryOpenAndRecordsNothing) {
+  offer("libold.so", "createOld",
+        fakes::Creators::service([]() -> Service* { throw std::runtime_error("no service"); }));
+  EXPECT_THROW(create("OldIfc"), std::runtime_error);
+  expectTrace({progress("%s", "Opening library - libold.so"), opened("Dll#1", "libold.so"),
+               progress("%s", "Resolving symbol - createOld"), resolved("Dll#1", "createOld"),
+               progress("Service Configurator: Calling creator fn")});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  leaves("Dll#1");
+}
+
+TEST_P(CreatingALegacyService, WhoseInitThrows_KeepsItRecordedAndStartsNoThread) {
+  offerService("libold.so", "createOld");
+  Platform::once("Service#1.init(", [] { throw std::runtime_error("no init"); });
+  EXPECT_THROW(create("HeartbeatServiceIfc"), std::runtime_error);
+  expectTrace({made(), "repository.addService(Service#1, Dll#1, \"HeartbeatServiceIfc\")",
+               "clock_gettime(CLOCK_MONOTONIC)", "Service#1.init(SvcRTEContext)"});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  std::string ifc = "HeartbeatServiceIfc";
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "")), "Service#1");
 }
 
 TEST_P(CreatingALegacyService, IsWaitedForWhenItIsDeleted) {

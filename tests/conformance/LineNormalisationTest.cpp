@@ -1,3 +1,5 @@
+#include <locale>
+
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -71,6 +73,53 @@ TEST_F(FormatString, OfNamesThatLookLikeVariables_SubstitutesNothing) {
 TEST_F(FormatString, OfZeroBytes_KeepsThemInTheirWords) {
   const std::string text("a:\0b  c", 7);
   EXPECT_EQ(formatted(text), std::string("a:\0b c", 6));
+}
+
+/** What a language might say of characters: a comma is whitespace, a blank is none. */
+class OtherCharacters : public std::ctype<char> {
+ public:
+  OtherCharacters() : std::ctype<char>(classes()) {}
+
+ private:
+  static const mask* classes() {
+    static std::vector<mask> table(classic_table(), classic_table() + table_size);
+    table[','] = space;
+    table[' '] = print;
+    return table.data();
+  }
+};
+
+/** Makes a locale the global one as long as it lives. */
+class GlobalLocale {
+ public:
+  explicit GlobalLocale(const std::locale& locale) : before_(std::locale::global(locale)) {}
+  ~GlobalLocale() { std::locale::global(before_); }
+  GlobalLocale(const GlobalLocale&) = delete;
+  GlobalLocale& operator=(const GlobalLocale&) = delete;
+
+ private:
+  std::locale before_;
+};
+
+TEST_F(FormatString, UnderAnotherGlobalLocale_TakesWhatIsWhitespaceThere) {
+  std::string line = ",a:,b c,,d,";
+  std::string text = ",a b: c,,d ,";
+  {
+    const GlobalLocale other(std::locale(std::locale::classic(), new OtherCharacters));
+    sut->formatString(line);
+    sut->formatString(text);
+  }
+  EXPECT_EQ(line, "a:b c d");
+  EXPECT_EQ(text, "a b: c d ");
+}
+
+TEST_F(FormatString, UnderAnotherGlobalLocaleBefore_TakesTheOneOfTheCall) {
+  {
+    const GlobalLocale other(std::locale(std::locale::classic(), new OtherCharacters));
+    std::string text = "a,b";
+    sut->formatString(text);
+  }
+  EXPECT_EQ(formatted("a,b  c"), "a,b c");
 }
 
 }  // namespace

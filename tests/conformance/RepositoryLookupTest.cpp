@@ -102,9 +102,9 @@ TEST_F(FindingAProxy, ByAnUnknownName_GivesNull) {
 }
 
 TEST_F(FindingAProxy, InAnEmptyRepository_GivesNull) {
-  const OpenRepository empty;
+  OpenRepository empty;
   std::string name = "FooIfc";
-  EXPECT_EQ(const_cast<OpenRepository&>(empty).findServiceProxy(name), nullptr);
+  EXPECT_EQ(empty.findServiceProxy(name), nullptr);
 }
 
 TEST_F(FindingAProxy, ByChannelAndQualifier_ReadsTheQualifierOnlyWhereTheChannelIsRight) {

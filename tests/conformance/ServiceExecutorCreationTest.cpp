@@ -120,6 +120,19 @@ TEST_P(CreatingAService, OfNoInterface_AnnouncesTheEmptyTextAndRecordsItNowhere)
   leaves("Dll#1");
 }
 
+TEST_P(CreatingAService, FindsTheRegistryAsAnExecutable) {
+  fakes::RecordingRegistryProxy registry;
+  sut->executables["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService("libfoo.so", "createFoo");
+  create("fooChannel", "FooIfc");
+  expectTraceButEndOfThreader({made("Service#1", "fooChannel", "FooIfc"),
+                               recorded("Service#1", "FooIfc"),
+                               "configurator.findExecutable(\"ServiceRegistryIfc\")",
+                               "RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")",
+                               initialised("Service#1", "FooIfc"), started("FooIfc")});
+}
+
 TEST_P(CreatingAService, WithASingleThread_HandsTheFlagOn) {
   offerService("libfoo.so", "createFoo");
   create("fooChannel", "FooIfc", false);
@@ -239,12 +252,29 @@ TEST_P(CreatingAService, WhoseInitThrows_LetsTheExceptionPassAndKeepsItRecorded)
                lookedUp(), error(kNoRegistry),
                progress("Service Configurator: Calling init ifc = '%s'", "FooIfc"),
                "clock_gettime(CLOCK_MONOTONIC)", "Service#1.init(SvcRTEContext)"});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  std::string ifc = "FooIfc";
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "Service#1");
 }
 
-TEST_P(CreatingAService, WhoseCreatorThrows_LeavesTheLibraryOpen) {
+TEST_P(CreatingAService, ThatIsTheRegistryAndWhoseInitThrows_IsNotAnnounced) {
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  Platform::once("RegistryService#1.init(", [] { throw std::runtime_error("no init"); });
+  const std::string ifc = "ServiceRegistryIfc";
+  EXPECT_THROW(create("fooChannel", ifc), std::runtime_error);
+  expectTrace({made("RegistryService#1", "fooChannel", ifc), recorded("RegistryService#1", ifc),
+               progress("Service Configurator: Calling init ifc = '%s'", ifc),
+               "clock_gettime(CLOCK_MONOTONIC)", "RegistryService#1.init(SvcRTEContext)"});
+}
+
+TEST_P(CreatingAService, WhoseCreatorThrows_LeavesTheLibraryOpenAndMakesNothing) {
   offer("libfoo.so", "createFoo",
         fakes::Creators::service([]() -> Service* { throw std::runtime_error("no service"); }));
   EXPECT_THROW(create("fooChannel", "FooIfc"), std::runtime_error);
+  expectTrace({progress("Opening Lib: '%s'", "libfoo.so"), opened("Dll#1", "libfoo.so"),
+               progress("Resolving symbol: '%s'", "createFoo"), resolved("Dll#1", "createFoo"),
+               progress("Service Configurator: Calling creator fn")});
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
   leaves("Dll#1");
 }
 

@@ -114,9 +114,30 @@ TEST_P(TheRegistryInvoker, IsDeletedOnceWithTheConfigurator) {
   end();
   EXPECT_EQ(recordedInvokers(), 0u);
   const Lines nested = Trace::lines(1);
-  EXPECT_EQ(std::count_if(nested.begin(), nested.end(),
-                          [](const std::string& line) { return line.rfind("~Invoker#1", 0) == 0; }),
-            1);
+  EXPECT_EQ(std::count(nested.begin(), nested.end(), "~Invoker#1 [invokerMapSem]"), 1);
+  EXPECT_EQ(std::count(nested.begin(), nested.end(), "~Dll#1 [invokerMapSem]"), 1);
+}
+
+/** A repository of the host's own that makes use of getting its texts by reference. */
+class Overwriting : public fakes::RecordingRepository {
+ public:
+  using RecordingRepository::RecordingRepository;
+  void addServiceInvoker(Invoker* invoker, Dll* dll, std::string& interfaceName,
+                         std::string& protocol) override {
+    RecordingRepository::addServiceInvoker(invoker, dll, interfaceName, protocol);
+    interfaceName = "overwritten";
+    protocol = "overwritten";
+  }
+};
+
+TEST_P(TheRegistryInvoker, InARepositoryThatOverwritesItsTexts_IsRecordedWithCopies) {
+  Overwriting other(inner);
+  const auto another = make<OpenConfigurator>(&channel, &other);
+  offerInvoker(kLibrary, kCreator);
+  another->createSvcRegInvoker();
+  expectTrace(recorded("Invoker#1"));
+  EXPECT_EQ(OpenConfigurator::SVC_REG_INVOKER_INTERFACE, "ServiceRegistryIfc");
+  EXPECT_EQ(OpenConfigurator::SVC_REG_INVOKER_PROTOCOL1, "zerva_svc_xml");
 }
 
 INSTANTIATE_TEST_SUITE_P(AtLevel, TheRegistryInvoker, testing::Values(3, 4));

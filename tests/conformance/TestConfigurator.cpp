@@ -25,6 +25,13 @@ void OpenConfigurator::nameParts() const {
   Objects::call(static_cast<ServiceThreadPoolIfc*>(threadPool), "pool");
 }
 
+Executable* TestConfigurator::findExecutable(std::string& name) {
+  const auto scripted = executables.find(name);
+  if (scripted == executables.end()) return OpenConfigurator::findExecutable(name);
+  Trace::record("configurator.findExecutable(" + inQuotes(name) + ")");
+  return scripted->second;
+}
+
 Executable* TestConfigurator::findService(const std::string& ifc) {
   Trace::record("configurator.findService(" + inQuotes(ifc) + ")");
   const auto scripted = services.find(ifc);

@@ -53,12 +53,15 @@ class TestConfigurator : public OpenConfigurator {
 
   /** Answers of `findService`, by interface. */
   std::map<std::string, Executable*> services;
+  /** Answers of `findExecutable`, by name. A call without one goes on unseen. */
+  std::map<std::string, Executable*> executables;
   /** The answer of `findChannel`. */
   std::optional<std::string> channelName;
   /** The answer of `findProxy` with three arguments. */
   std::optional<Proxy*> proxy;
 
   using OpenConfigurator::findProxy;
+  Executable* findExecutable(std::string& name) override;
   Executable* findService(const std::string& ifc) override;
   Proxy* findProxy(std::string& ifc, std::string& svcChannel, std::string& qualifier) override;
   std::string findChannel(Executable* executable) override;
