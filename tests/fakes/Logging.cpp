@@ -17,7 +17,7 @@ void logAppUni(const char* module, const char* file, int level, int line, const 
                      std::to_string(level) + (line > 0 ? "" : ", no line") + ", " +
                      inQuotes(format);
   for (const std::string& argument : made.arguments) text += ", " + argument;
-  zerva::fakes::Trace::record(text + ")", made.text);
+  zerva::fakes::Trace::record(text + ")", made.text, line);
 }
 
 bool loggingOnAppUni(const char* module, int level) {

@@ -1,5 +1,7 @@
 #include "framework/Semaphore.h"
 
+#include <condition_variable>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -13,6 +15,21 @@ using zerva::fakes::called;
 using zerva::fakes::Objects;
 using zerva::fakes::Platform;
 using zerva::fakes::SemaphoreTable;
+
+namespace {
+
+/** One lock for the permits of all semaphores: a test has few threads. */
+struct Permits {
+  std::mutex mutex;
+  std::condition_variable given;
+};
+
+Permits& permits() {
+  static Permits instance;
+  return instance;
+}
+
+}  // namespace
 
 struct Semaphore::State {
   int permits;
@@ -42,15 +59,22 @@ Semaphore::~Semaphore() {
 
 bool Semaphore::take(int timeout) {
   called(this, "take", {std::to_string(timeout)});
+  std::unique_lock lock(permits().mutex);
   State& now = state();
   if (now.recursive && now.owner == std::this_thread::get_id()) {
     ++now.again;
     return true;
   }
-  if (now.permits == 0) {
-    // Nobody else can give it while the one thread of a test waits.
-    if (timeout < 0) throw std::logic_error("waits for ever: " + Objects::name(this));
+  if (now.permits == 0 && timeout < 0) {
+    const std::string name = Objects::name(this);
+    if (!SemaphoreTable::threadsMayWait()) throw std::logic_error("waits for ever: " + name);
+    SemaphoreTable::waits(name);
+    permits().given.wait(lock, [&now] { return now.permits > 0; });
+    SemaphoreTable::waitsNoMore(name);
+  } else if (now.permits == 0) {
+    lock.unlock();
     Platform::advance(std::int64_t{timeout} * 1'000'000);
+    lock.lock();
     if (now.permits == 0) return false;
   }
   --now.permits;
@@ -61,6 +85,7 @@ bool Semaphore::take(int timeout) {
 
 bool Semaphore::give() {
   called(this, "give", {});
+  const std::lock_guard lock(permits().mutex);
   State& now = state();
   if (now.again > 0) {
     --now.again;
@@ -69,5 +94,6 @@ bool Semaphore::give() {
   if (now.permits == now.maximum) return false;
   if (++now.permits == now.maximum) now.owner = {};
   SemaphoreTable::given(Objects::name(this));
+  permits().given.notify_all();
   return true;
 }

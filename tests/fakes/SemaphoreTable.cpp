@@ -10,6 +10,8 @@ struct Table {
   std::mutex mutex;
   std::vector<std::string> held;
   std::vector<std::string> names;
+  std::vector<std::string> waitedFor;
+  bool threadsMayWait = false;
 };
 
 Table& table() {
@@ -40,6 +42,34 @@ void SemaphoreTable::clear() {
   const std::lock_guard lock(table().mutex);
   table().held.clear();
   table().names.clear();
+  table().threadsMayWait = false;
+}
+
+void SemaphoreTable::letThreadsWait() {
+  const std::lock_guard lock(table().mutex);
+  table().threadsMayWait = true;
+}
+
+bool SemaphoreTable::threadsMayWait() {
+  const std::lock_guard lock(table().mutex);
+  return table().threadsMayWait;
+}
+
+void SemaphoreTable::waits(const std::string& name) {
+  const std::lock_guard lock(table().mutex);
+  table().waitedFor.push_back(name);
+}
+
+void SemaphoreTable::waitsNoMore(const std::string& name) {
+  const std::lock_guard lock(table().mutex);
+  auto& waited = table().waitedFor;
+  const auto first = std::find(waited.begin(), waited.end(), name);
+  if (first != waited.end()) waited.erase(first);
+}
+
+std::vector<std::string> SemaphoreTable::waitedFor() {
+  const std::lock_guard lock(table().mutex);
+  return table().waitedFor;
 }
 
 void SemaphoreTable::nameNext(const std::vector<std::string>& names) {

@@ -29,8 +29,8 @@ std::string Event::line() const {
   return line + "]";
 }
 
-void Trace::record(const std::string& text, const std::string& message) {
-  Event event{text, currentDepth, SemaphoreTable::held(), message};
+void Trace::record(const std::string& text, const std::string& message, int sourceLine) {
+  Event event{text, currentDepth, SemaphoreTable::held(), message, sourceLine};
   {
     const std::lock_guard lock(recorded().mutex);
     recorded().events.push_back(std::move(event));

@@ -15,6 +15,8 @@ struct Event {
   std::vector<std::string> held;
   /** For a log line its full text, else empty. */
   std::string message;
+  /** For a log line the line of the source that it comes from, else 0. */
+  int sourceLine = 0;
 
   /** @returns the text, followed by the semaphores in brackets when there were any. */
   std::string line() const;
@@ -27,7 +29,7 @@ struct Event {
 class Trace {
  public:
   /** Appends an event at the calling thread's depth and runs the hooks that wait for it. */
-  static void record(const std::string& text, const std::string& message = {});
+  static void record(const std::string& text, const std::string& message = {}, int sourceLine = 0);
 
   /** @returns the events of one depth, as lines. */
   static std::vector<std::string> lines(int depth = 0);
