@@ -29,6 +29,23 @@ namespace zerva::conformance {
 using fakes::Platform;
 using fakes::Trace;
 
+/** @returns what the exception of a kind says that a call throws. */
+template <class Exception, class Call>
+std::string messageOf(const Call& call) {
+  try {
+    call();
+  } catch (const Exception& exception) {
+    return exception.what();
+  }
+  return "nothing was thrown";
+}
+
+/** What the bounds-tested access to a list of tokens says. */
+inline std::string outOfRange(int place, int size) {
+  return "vector::_M_range_check: __n (which is " + std::to_string(place) +
+         ") >= this->size() (which is " + std::to_string(size) + ")";
+}
+
 /**
  * A test on the recording platform. An operation under test is expected to do exactly the calls
  * that the test lists, in that order; a call that is not listed fails the test. At the end nothing

@@ -167,6 +167,13 @@ TEST_P(TheModeField, WithTooFewFields_ThrowsOutOfRangeAndEndsTheProcessing) {
   expectTrace({});
 }
 
+TEST_P(TheModeField, WithTooFewFields_IsReadAtTheFirstPlaceThatIsNotThere) {
+  const std::string keyword = GetParam();
+  EXPECT_EQ(messageOf<std::out_of_range>([&] { process(keyword + ":MT a b c\n"); }),
+            outOfRange(5, 5));
+  EXPECT_EQ(messageOf<std::out_of_range>([&] { process(keyword + ":ST\n"); }), outOfRange(5, 5));
+}
+
 INSTANTIATE_TEST_SUITE_P(OfEachKeyword, TheModeField,
                          testing::Values("service_instance", "service_info", "service_legacy",
                                          "invoker_info", "proxy_info", "start_process", "unknown"));

@@ -106,6 +106,12 @@ TEST_P(FindInvoker, ThatNobodyAnswersFor_GivesNull) {
 
 TEST_P(FindInvoker, WithAReplyThatBeginsWithAHash_ThrowsOutOfRange) {
   answer("# found_invoker:libA.so,createA");
+  EXPECT_EQ(messageOf<std::out_of_range>([this] { find(); }), outOfRange(1, 1));
+  expectTrace({asked()});
+}
+
+TEST_P(FindInvoker, WithAReplyThatBeginsWithABlankAndAHash_ThrowsOutOfRange) {
+  answer(" \t#found_invoker:libA.so,createA");
   EXPECT_THROW(find(), std::out_of_range);
   expectTrace({asked()});
 }

@@ -63,24 +63,48 @@ TEST_P(MakingAProxy, AfterAFailure_CanBeTriedAgain) {
   EXPECT_NE(init(*plain), nullptr);
 }
 
-TEST_P(MakingAProxy, WithoutAProtocolRepository_IsReportedBeforeAnythingIsMade) {
+/** The two kinds of configurators that have none. */
+class WithoutAProtocolRepository : public MakingAProxy {
+ protected:
+  /** Making a proxy says once that it cannot be made, and does nothing else. */
+  void expectReportedBeforeAnythingIsMade(OpenConfigurator& bare) {
+    offerProxy("libA.so", "createA");
+    EXPECT_EQ(init(bare), nullptr);
+    const Lines lines = Trace::lines();
+    ASSERT_EQ(lines.size(), 3u) << asText(lines);
+    EXPECT_EQ(lines[0], "proxySem.take(-1)");
+    EXPECT_THAT(lines[1],
+                testing::StartsWith("log(\"Service Config\", \"src/ServiceConfigurator\", 2, "));
+    EXPECT_THAT(lines[1], testing::EndsWith(" [proxySem]"));
+    EXPECT_EQ(lines[2], "proxySem.give() [proxySem]");
+    std::string ifc = "FooIfc";
+    EXPECT_EQ(inner.findServiceProxy(ifc), nullptr);
+  }
+};
+
+TEST_P(WithoutAProtocolRepository, OfChannelAndRepository_IsReportedBeforeAnythingIsMade) {
   const auto bare = make<OpenConfigurator>(&channel, &repository);
-  offerProxy("libA.so", "createA");
-  EXPECT_EQ(init(*bare), nullptr);
-  const Lines lines = Trace::lines();
-  ASSERT_GE(lines.size(), 3u);
-  EXPECT_EQ(lines.front(), "proxySem.take(-1)");
-  EXPECT_EQ(lines.back(), "proxySem.give() [proxySem]");
-  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                          [](const std::string& line) {
-                            return line.rfind(
-                                       "log(\"Service Config\", "
-                                       "\"src/ServiceConfigurator\", 2, ",
-                                       0) == 0;
-                          }),
-            1);
-  EXPECT_THAT(lines, testing::Not(testing::Contains(testing::HasSubstr(" = "))));
+  expectReportedBeforeAnythingIsMade(*bare);
 }
+
+TEST_P(WithoutAProtocolRepository, WithAChannelDispatcher_IsReportedBeforeAnythingIsMade) {
+  const auto bare = make<OpenConfigurator>(&channel, &repository, &interceptors);
+  expectReportedBeforeAnythingIsMade(*bare);
+}
+
+TEST_P(WithoutAProtocolRepository, WhatTheRegistryKnows_IsNotFound) {
+  Platform::reply("find:FooIfc,host", "found:/svc/a");
+  Platform::reply("find_proxy:FooIfc", "found_proxy:libA.so,createA");
+  offerProxy("libA.so", "createA");
+  const auto bare = make<OpenConfigurator>(&channel, &repository, &interceptors);
+  std::string ifc = "FooIfc";
+  std::string svcChannel = "/svc/a";
+  EXPECT_EQ(bare->findService(ifc), nullptr);
+  EXPECT_EQ(bare->findProxy(ifc, svcChannel), nullptr);
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(AtLevel, WithoutAProtocolRepository, testing::Values(4, 5));
 
 TEST_P(MakingAProxy, OfAnUnknownProtocol_HandsANullAdapterOn) {
   fakes::RecordingProtocols none;
@@ -92,26 +116,83 @@ TEST_P(MakingAProxy, OfAnUnknownProtocol_HandsANullAdapterOn) {
               testing::Contains(testing::HasSubstr("\"zerva_simple_rmi\", null, \"\"")));
 }
 
-TEST_P(MakingAProxy, WhoseCreatorThrows_LeavesTheSemaphoreTaken) {
-  offer("libA.so", "createA",
-        fakes::Creators::proxy([]() -> Proxy* { throw std::runtime_error("no proxy"); }));
-  EXPECT_THROW(init(*plain), std::runtime_error);
-  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::ElementsAre("proxySem"));
-  fakes::SemaphoreTable::clear();
-  leaves("Dll#1");
-}
-
-TEST_P(MakingAProxy, WhoseInitialiseThrows_LeavesTheSemaphoreTaken) {
-  offerProxy("libA.so", "createA");
-  Platform::once("Proxy#1.initialise(", [] { throw std::runtime_error("no request"); });
-  EXPECT_THROW(init(*plain), std::runtime_error);
-  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::ElementsAre("proxySem"));
-  fakes::SemaphoreTable::clear();
-  for (const char* name : {"Dll#1", "Proxy#1", "CommsChannel#1", "ProxyRequestImpl#1"})
-    leaves(name);
-}
-
 INSTANTIATE_TEST_SUITE_P(AtLevel, MakingAProxy, testing::Values(4, 5));
+
+/** Where an exception comes from, and what it leaves behind. */
+struct Thrower {
+  const char* name;
+  /** The call that throws. */
+  const char* call;
+  std::vector<std::string> left;
+};
+
+class AnExceptionInMakingAProxy : public ProxyLookup, public testing::WithParamInterface<Thrower> {
+ protected:
+  AnExceptionInMakingAProxy() {
+    known = recordProxy("KnownIfc", "/svc/known", "");
+    fakes::Objects::renumber();
+    offerProxy("libA.so", "createA");
+    Platform::once(GetParam().call, [] { throw std::runtime_error("thrown here"); });
+    for (const std::string& name : GetParam().left) leaves(name);
+  }
+
+  // The semaphore is taken for good.
+  ~AnExceptionInMakingAProxy() override { fakes::SemaphoreTable::clear(); }
+
+  Proxy* make() {
+    std::string lib = "libA.so";
+    std::string creator = "createA";
+    std::string svcChannel = "/svc/a";
+    std::string ifc = "FooIfc";
+    std::string qualifier;
+    return plain->initProxyAndAddToRepository(lib, creator, svcChannel, ifc, qualifier);
+  }
+
+  Proxy* known;
+};
+
+TEST_P(AnExceptionInMakingAProxy, PassesAndLeavesTheSemaphoreTaken) {
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { make(); }), "thrown here");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::ElementsAre("proxySem"));
+  std::string ifc = "FooIfc";
+  EXPECT_EQ(inner.findServiceProxy(ifc), nullptr);
+}
+
+TEST_P(AnExceptionInMakingAProxy, BlocksEveryLaterOne) {
+  EXPECT_THROW(make(), std::runtime_error);
+  EXPECT_EQ(messageOf<std::logic_error>([this] { make(); }), "waits for ever: proxySem");
+}
+
+TEST_P(AnExceptionInMakingAProxy, BlocksEveryLaterRemoval) {
+  EXPECT_THROW(make(), std::runtime_error);
+  std::string ifc = "KnownIfc";
+  EXPECT_EQ(
+      messageOf<std::logic_error>([&] { plain->removeAndDeleteProxyFromRepository(known, ifc); }),
+      "waits for ever: proxySem");
+  EXPECT_TRUE(fakes::Objects::isAlive(known));
+}
+
+TEST_P(AnExceptionInMakingAProxy, StillFindsWhatIsRecorded) {
+  EXPECT_THROW(make(), std::runtime_error);
+  EXPECT_EQ(plain->findService("KnownIfc"), known);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    From, AnExceptionInMakingAProxy,
+    testing::Values(
+        Thrower{"Library", "Dll#1 = ", {}}, Thrower{"Symbol", "Dll#1.symbol(", {"Dll#1"}},
+        Thrower{"Creator", "createA()", {"Dll#1"}},
+        Thrower{"Channel", "CommsChannel#1 = ", {"Dll#1", "Proxy#1"}},
+        Thrower{
+            "Adapter", "protocols.findProtocolAdapter(", {"Dll#1", "Proxy#1", "CommsChannel#1"}},
+        Thrower{"Request", "ProxyRequestImpl#1 = ", {"Dll#1", "Proxy#1", "CommsChannel#1"}},
+        Thrower{"Proxy",
+                "Proxy#1.initialise(",
+                {"Dll#1", "Proxy#1", "CommsChannel#1", "ProxyRequestImpl#1"}},
+        Thrower{"Repository",
+                "repository.addServiceProxy(",
+                {"Dll#1", "Proxy#1", "CommsChannel#1", "ProxyRequestImpl#1"}}),
+    [](const auto& each) { return std::string(each.param.name); });
 
 /** A moment, and how it is seen in a channel's name. */
 struct Moment {

@@ -129,6 +129,19 @@ TEST_F(AReply, ThatBeginsWithAHash_ThrowsOutOfRange) {
   EXPECT_THROW(findWith("found:/svc/a", "#found_proxy:libA.so,createA"), std::out_of_range);
 }
 
+TEST_F(AReply, ThatBeginsWithABlankAndAHash_ThrowsOutOfRange) {
+  EXPECT_THROW(findWith(" # found:/svc/a", ""), std::out_of_range);
+  EXPECT_THROW(findWith("found:/svc/a", "\t #found_proxy:libA.so,createA"), std::out_of_range);
+}
+
+TEST_F(AReply, ThatBeginsWithAHash_IsReadAtItsFirstFieldThatIsNotThere) {
+  const auto found = [this] { findWith("#", ""); };
+  const auto foundProxy = [this] { findWith("found:/svc/a", "#"); };
+  EXPECT_EQ(messageOf<std::out_of_range>(found), outOfRange(1, 1));
+  EXPECT_EQ(messageOf<std::out_of_range>(foundProxy), outOfRange(1, 1));
+  EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("proxySem"))));
+}
+
 TEST_F(AReply, WithoutAChannel_IsUsedAsItIs) {
   offerProxy("libA.so", "createA");
   EXPECT_NE(findWith("found:", "found_proxy:libA.so,createA"), nullptr);
@@ -209,8 +222,12 @@ TEST_P(FindProxy, WithTwoArguments_IsWithAnEmptyQualifier) {
 }
 
 TEST_P(FindProxy, WithAReplyThatBeginsWithAHash_ThrowsOutOfRange) {
-  Platform::reply("find_proxy:FooIfc", "#");
-  EXPECT_THROW(find("FooIfc", "/svc/a", ""), std::out_of_range);
+  for (const char* reply : {"#", " # found_proxy:libA.so,createA"}) {
+    Platform::reply("find_proxy:FooIfc", reply);
+    EXPECT_EQ(messageOf<std::out_of_range>([this] { find("FooIfc", "/svc/a", ""); }),
+              outOfRange(1, 1));
+  }
+  EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("proxySem"))));
 }
 
 INSTANTIATE_TEST_SUITE_P(AtLevel, FindProxy, testing::Values(4, 5));

@@ -48,7 +48,8 @@ class ProxyLookup : public ConfiguratorTest {
   }
 
   /** The lines of a proxy that is made. */
-  static std::string made(const std::string& proxy, const std::string& qualifier = "") {
+  static std::string made(const std::string& proxy, const std::string& qualifier = "",
+                          const std::string& ifc = "FooIfc") {
     return locked(
         "proxySem",
         {discovered(), opened("Dll#1", "libA.so"), resolved("Dll#1", "createA"),
@@ -57,12 +58,12 @@ class ProxyLookup : public ConfiguratorTest {
          "CommsChannel#1 = CommsChannel(" + fakes::inQuotes(kChannelName) + ", null)",
          progress("Service Configurator: Initialising proxy with request object"),
          "protocols.findProtocolAdapter(\"zerva_simple_rmi\")",
-         "ProxyRequestImpl#1 = ProxyRequestImpl(CommsChannel#1, \"/svc/a\", \"FooIfc\", "
-         "\"zerva_simple_rmi\", adapter, " +
+         "ProxyRequestImpl#1 = ProxyRequestImpl(CommsChannel#1, \"/svc/a\", " +
+             fakes::inQuotes(ifc) + ", \"zerva_simple_rmi\", adapter, " +
              fakes::inQuotes(qualifier) + ", FrameworkContext)",
          proxy + ".initialise(ProxyRequestImpl#1)",
-         "repository.addServiceProxy(" + proxy +
-             ", Dll#1, CommsChannel#1, ProxyRequestImpl#1, \"FooIfc\")",
+         "repository.addServiceProxy(" + proxy + ", Dll#1, CommsChannel#1, ProxyRequestImpl#1, " +
+             fakes::inQuotes(ifc) + ")",
          progress("Service Configurator: Service proxy discovered & created, returning")});
   }
 

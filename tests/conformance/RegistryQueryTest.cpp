@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "tests/conformance/AnsweringChannel.h"
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -85,6 +86,62 @@ TEST_F(ARegistryQuery, WhileAnotherWaitsForItsReply_HasAnIdOfItsOwn) {
   EXPECT_EQ(inside, "inner reply");
   EXPECT_EQ(sut->registryRequestId, 2u);
 }
+
+TEST_F(ARegistryQuery, CountsWhileItHoldsItsSemaphore) {
+  sut->registryRequestId = 7;
+  std::uint32_t before = 0;
+  std::uint32_t after = 0;
+  Platform::once("registrySem.take(", [&] { before = sut->registryRequestId; });
+  Platform::once("registrySem.give(", [&] { after = sut->registryRequestId; });
+  ask("q");
+  EXPECT_EQ(before, 7u);
+  EXPECT_EQ(after, 8u);
+}
+
+TEST_F(ARegistryQuery, ReadsTheCounterOnlyWhenItHoldsItsSemaphore) {
+  // Others have counted while this one waited for the semaphore.
+  Platform::once("registrySem.take(", [this] { sut->registryRequestId = 41; });
+  ask("q");
+  EXPECT_THAT(ids(), testing::ElementsAre("42)"));
+}
+
+TEST_F(ARegistryQuery, KeepsItsIdWhenOthersCountOn) {
+  Platform::once("Message#1.setRequestId(", [this] { sut->registryRequestId = 99; });
+  ask("q");
+  EXPECT_THAT(Trace::lines(), testing::Contains("host.receiveReply(Message#1, 1)"));
+  EXPECT_EQ(sut->registryRequestId, 99u);
+}
+
+/** The ids as the channel and its messages are given them. */
+class TheIdOfAQuery : public HostTest {
+ protected:
+  /** The id that a query has after the one before it. */
+  long after(std::uint32_t before) {
+    std::string request = "q";
+    std::string response;
+    sut->registryRequestId = before;
+    sut->findInRegistry(request, response);
+    EXPECT_EQ(answering.sent(), answering.awaited());
+    return answering.sent().back();
+  }
+
+  AnsweringChannel answering;
+  std::unique_ptr<OpenConfigurator> sut = make<OpenConfigurator>(&answering, &repository);
+};
+
+TEST_F(TheIdOfAQuery, BelowHalfOfThem_IsItsNumber) {
+  EXPECT_EQ(after(0), 1);
+  EXPECT_EQ(after(0x7ffffffeU), 0x7fffffff);
+}
+
+// The same 32 bits everywhere; what number they are is the word size's matter.
+TEST_F(TheIdOfAQuery, BeyondHalfOfThem_IsItsBits) {
+  constexpr bool isWide = sizeof(long) > sizeof(std::uint32_t);
+  EXPECT_EQ(after(0x7fffffffU), isWide ? static_cast<long>(2147483648LL) : -2147483647L - 1);
+  EXPECT_EQ(after(0xfffffffeU), isWide ? static_cast<long>(4294967295LL) : -1L);
+}
+
+TEST_F(TheIdOfAQuery, AfterTheLast_IsOne) { EXPECT_EQ(after(0xffffffffU), 1); }
 
 }  // namespace
 }  // namespace zerva::conformance

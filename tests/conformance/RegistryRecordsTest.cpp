@@ -1,4 +1,4 @@
-#include "tests/conformance/ConformanceTest.h"
+#include "tests/conformance/ProxyLookupTest.h"
 
 namespace zerva::conformance {
 namespace {
@@ -38,6 +38,16 @@ TEST_F(ARegistryRecord, OfAProxy_IsHandedToTheRegistry) {
   sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
   expectTrace(
       {lookedUp(), "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
+}
+
+TEST_F(ARegistryRecord, FindsTheRegistryAsAnExecutable) {
+  sut->executables["ServiceRegistryIfc"] = &registry;
+  sut->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  sut->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  const std::string found = "configurator.findExecutable(\"ServiceRegistryIfc\")";
+  expectTrace(
+      {found, "RegistryProxy#1.registerInvoker(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")", found,
+       "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
 }
 
 TEST_F(ARegistryRecord, OfEmptyTexts_IsHandedOnWithThem) {
@@ -129,6 +139,60 @@ TEST_F(ARegistryRecord, SaidTwice_IsHandedOnTwice) {
   sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "x");
   expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x"),
                sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x")});
+}
+
+/** From a record to the registry, without anything scripted between. */
+class ARecordsWay : public ProxyLookup {
+ protected:
+  ARecordsWay() {
+    Platform::reply("find:ServiceRegistryIfc,host", "found:/svc/a");
+    Platform::reply("find_proxy:ServiceRegistryIfc", "found_proxy:libA.so,createA");
+    offerProxy<fakes::RecordingRegistryProxy>("libA.so", "createA");
+  }
+
+  /** The registry is looked up and found by queries, and its proxy made. */
+  static std::string found() {
+    const std::string ifc = "ServiceRegistryIfc";
+    return asText({called(ifc), askedRepository(ifc), "host.getName()",
+                   query("find:ServiceRegistryIfc,host", 1),
+                   query("find_proxy:ServiceRegistryIfc", 2), made("RegistryProxy#1", "", ifc)});
+  }
+
+  static std::string foundAgain() {
+    const std::string ifc = "ServiceRegistryIfc";
+    return asText({called(ifc), askedRepository(ifc), foundLocally()});
+  }
+};
+
+TEST_F(ARecordsWay, GoesThroughALookupAndANewProxyToTheRegistry) {
+  plain->registerProxyInfo("lib.so", "create", "FooIfc", "tcp");
+  expectTrace(
+      {found(), "RegistryProxy#1.registerProxy(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")"});
+}
+
+TEST_F(ARecordsWay, AfterTheFirst_GoesThroughTheProxyThatWasMade) {
+  plain->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  plain->registerInvokerInfo("lib.so", "create", "BarIfc", "tcp");
+  expectTrace({found(),
+               "RegistryProxy#1.registerInvoker(\"lib.so\", \"create\", \"FooIfc\", \"tcp\")",
+               foundAgain(),
+               "RegistryProxy#1.registerInvoker(\"lib.so\", \"create\", \"BarIfc\", \"tcp\")"});
+}
+
+TEST_F(ARecordsWay, WithoutAnAnswerOfTheRegistry_EndsInTheLog) {
+  Platform::reply("find:ServiceRegistryIfc,host", "unknown:");
+  plain->registerInvokerInfo("lib.so", "create", "FooIfc", "tcp");
+  const std::string ifc = "ServiceRegistryIfc";
+  expectTrace(
+      {called(ifc), askedRepository(ifc), "host.getName()", query("find:ServiceRegistryIfc,host"),
+       error("ServiceConfigurator::registerInvokerInfo() cannot get svcRegistry interface!")});
+}
+
+TEST_F(ARecordsWay, IsTheWayOfAnAnnouncementToo) {
+  offerService("libfoo.so", "createFoo");
+  plain->createServiceExecutor("libfoo.so", "createFoo", "fooChannel", "FooIfc", true);
+  EXPECT_THAT(Trace::lines(),
+              testing::Contains("RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")"));
 }
 
 }  // namespace
