@@ -148,6 +148,62 @@ TEST_F(DeletingServices, OfOneLibraryWithAnotherService_DeletesTheLibraryAtItsFi
                                     "Service#2.waitForThreadCompletion()", "~Service#2"})});
 }
 
+// The same object may stand in entries that have nothing else in common.
+
+TEST_F(DeletingServices, OfOneServiceInDifferentEntries_DeletesItAtItsFirst) {
+  auto* service = newService();
+  for (const char* name : {"A", "B"}) {
+    auto* channel = newChannel(name);
+    sut->addService(service, newExecutor(service, channel), channel, newDll(), name);
+  }
+  forget();
+  sut->deleteAllServices();
+  expectTrace({locked("svcMapSem", {"~ServiceExecutor#1", "Service#1.waitForThreadCompletion()",
+                                    "~Service#1", "~Dll#1", "~ServiceExecutor#2", "~Dll#2"})});
+}
+
+TEST_F(DeletingServices, OfOneExecutorInDifferentEntries_DeletesItAtItsFirst) {
+  auto* channel = newChannel("c");
+  auto* executor = newExecutor(nullptr, channel);
+  for (const char* name : {"A", "B"}) {
+    sut->addService(newService(), executor, channel, newDll(), name);
+  }
+  forget();
+  sut->deleteAllServices();
+  expectTrace({locked("svcMapSem",
+                      {"~ServiceExecutor#1", "Service#1.waitForThreadCompletion()", "~Service#1",
+                       "~Dll#1", "Service#2.waitForThreadCompletion()", "~Service#2", "~Dll#2"})});
+}
+
+TEST_F(DeletingServices, WithoutALibrary_DeletesWhatIsThere) {
+  auto* service = newService();
+  auto* channel = newChannel("c");
+  sut->addService(service, newExecutor(service, channel), channel, nullptr, "FooIfc");
+  forget();
+  sut->deleteAllServices();
+  expectTrace({locked(
+      "svcMapSem", {"~ServiceExecutor#1", "Service#1.waitForThreadCompletion()", "~Service#1"})});
+}
+
+TEST_F(DeletingServices, WithoutAnExecutor_DeletesWhatIsThere) {
+  auto* channel = keep(newChannel("c"));
+  sut->addService(newService(), nullptr, channel, newDll(), "FooIfc");
+  forget();
+  sut->deleteAllServices();
+  expectTrace(
+      {locked("svcMapSem", {"Service#1.waitForThreadCompletion()", "~Service#1", "~Dll#1"})});
+}
+
+TEST_F(DeletingServices, LeavesProxiesAndInvokersAlone) {
+  addProxy(newProxy(), newDll(), newChannel("p"), newRequest("s", ""), "FooIfc");
+  addInvoker(newInvoker(), newDll(), "FooIfc", "tcp");
+  forget();
+  sut->deleteAllServices();
+  expectTrace({locked("svcMapSem", {})});
+  sut->deleteAllServiceProxies();
+  sut->deleteAllServiceInvokers();
+}
+
 TEST_F(DeletingServices, WithoutAService_DeletesWhatIsThere) {
   auto* channel = newChannel("c");
   sut->addService(nullptr, newExecutor(nullptr, channel), channel, newDll(), "FooIfc");
@@ -181,48 +237,48 @@ TEST_F(DeletingServices, LeavesARepositoryThatCanBeFilledAgain) {
   EXPECT_EQ(findService("FooIfc", ""), nullptr);
 }
 
-class DeletingProxies : public RepositoryTest {};
-
-TEST_F(DeletingProxies, DeletesProxyRequestChannelAndLibrary) {
-  addProxy(newProxy(), newDll(), newChannel("p"), newRequest("s", ""), "FooIfc");
-  forget();
-  sut->deleteAllServiceProxies();
-  expectTrace(
-      {locked("proxyMapSem", {"~Proxy#1", "~ProxyRequestImpl#1", "~CommsChannel#1", "~Dll#1"})});
-  EXPECT_TRUE(sut->proxyMap.empty());
-  EXPECT_EQ(findProxy("FooIfc"), nullptr);
-}
-
-TEST_F(DeletingProxies, GoesInTheOrderOfTheNamesAndOfAdding) {
-  for (const char* name : {"B", "A", "B"}) addProxy(newProxy(), newDll(), nullptr, nullptr, name);
-  forget();
-  sut->deleteAllServiceProxies();
-  expectTrace(
-      {locked("proxyMapSem", {"~Proxy#2", "~Dll#2", "~Proxy#1", "~Dll#1", "~Proxy#3", "~Dll#3"})});
-}
-
-TEST_F(DeletingProxies, RecordedTwice_DeletesEachObjectOnce) {
-  Proxy* proxy = newProxy();
-  Dll* dll = newDll();
-  CommsChannel* channel = newChannel("p");
-  ProxyRequest* request = newRequest("s", "");
-  addProxy(proxy, dll, channel, request, "FooIfc");
-  addProxy(proxy, dll, channel, request, "BarIfc");
-  forget();
-  sut->deleteAllServiceProxies();
-  expectTrace(
-      {locked("proxyMapSem", {"~Proxy#1", "~ProxyRequestImpl#1", "~CommsChannel#1", "~Dll#1"})});
-}
-
-TEST_F(DeletingProxies, WithoutAnything_DeletesNothing) {
-  addProxy(nullptr, nullptr, nullptr, nullptr, "FooIfc");
-  forget();
-  sut->deleteAllServiceProxies();
-  expectTrace({locked("proxyMapSem", {})});
-  EXPECT_TRUE(sut->proxyMap.empty());
-}
-
 class DeletingInvokers : public RepositoryTest {};
+
+TEST_F(DeletingInvokers, OfOneInvokerInDifferentEntries_DeletesItAtItsFirst) {
+  Invoker* invoker = newInvoker();
+  addInvoker(invoker, newDll(), "FooIfc", "tcp");
+  addInvoker(invoker, newDll(), "FooIfc", "udp");
+  forget();
+  sut->deleteAllServiceInvokers();
+  expectTrace({locked("invokerMapSem", {"~Invoker#1", "~Dll#1", "~Dll#2"})});
+}
+
+TEST_F(DeletingInvokers, OfOneLibraryInDifferentEntries_DeletesItAtItsFirst) {
+  Dll* dll = newDll();
+  addInvoker(newInvoker(), dll, "FooIfc", "tcp");
+  addInvoker(newInvoker(), dll, "FooIfc", "udp");
+  forget();
+  sut->deleteAllServiceInvokers();
+  expectTrace({locked("invokerMapSem", {"~Invoker#1", "~Dll#1", "~Invoker#2"})});
+}
+
+TEST_F(DeletingInvokers, WithoutAnInvoker_DeletesTheLibrary) {
+  addInvoker(nullptr, newDll(), "FooIfc", "tcp");
+  forget();
+  sut->deleteAllServiceInvokers();
+  expectTrace({locked("invokerMapSem", {"~Dll#1"})});
+}
+
+TEST_F(DeletingInvokers, WithoutALibrary_DeletesTheInvoker) {
+  addInvoker(newInvoker(), nullptr, "FooIfc", "tcp");
+  forget();
+  sut->deleteAllServiceInvokers();
+  expectTrace({locked("invokerMapSem", {"~Invoker#1"})});
+}
+
+TEST_F(DeletingInvokers, LeavesARepositoryThatCanBeFilledAgain) {
+  addInvoker(newInvoker(), newDll(), "FooIfc", "tcp");
+  sut->deleteAllServiceInvokers();
+  Invoker* invoker = newInvoker();
+  addInvoker(invoker, newDll(), "FooIfc", "tcp");
+  EXPECT_EQ(findInvoker("FooIfc", "tcp"), invoker);
+  sut->deleteAllServiceInvokers();
+}
 
 TEST_F(DeletingInvokers, DeletesInvokerAndLibrary) {
   addInvoker(newInvoker(), newDll(), "FooIfc", "tcp");
@@ -260,99 +316,6 @@ TEST_F(DeletingInvokers, WithoutAnything_DeletesNothing) {
   sut->deleteAllServiceInvokers();
   expectTrace({locked("invokerMapSem", {})});
 }
-
-/** At level 5 the steps are seen, at 4 only the failure. */
-class DeletingOneProxy : public RepositoryTest, public testing::WithParamInterface<int> {
- protected:
-  DeletingOneProxy() {
-    logLevel(GetParam());
-    proxy = newProxy();
-    addProxy(proxy, newDll(), newChannel("p"), newRequest("s", ""), "FooIfc");
-    forget();
-  }
-
-  void deleteOne(Proxy* which, std::string interfaceName) {
-    sut->deleteOneServiceProxy(which, interfaceName);
-  }
-
-  static std::string found() {
-    return progress(
-        "deleteOneServiceProxy: Proxy found and deleted together with channel, Req and DLL");
-  }
-  static std::string notFound() { return error("deleteOneServiceProxy: Proxy not found"); }
-  static std::string toRemove(const std::string& name) {
-    return progress("proxyToRemove: %p", Object{name});
-  }
-
-  Proxy* proxy;
-};
-
-TEST_P(DeletingOneProxy, DeletesAllItsPartsAndForgetsThem) {
-  deleteOne(proxy, "FooIfc");
-  expectTrace({toRemove("Proxy#1"), locked("proxyMapSem", {"~Proxy#1", "~ProxyRequestImpl#1",
-                                                           "~CommsChannel#1", "~Dll#1", found()})});
-  EXPECT_TRUE(sut->proxyMap.empty());
-}
-
-TEST_P(DeletingOneProxy, OfAnotherName_DeletesNothingAndSaysSo) {
-  deleteOne(proxy, "BarIfc");
-  expectTrace({toRemove("Proxy#1"), locked("proxyMapSem", {notFound()})});
-  EXPECT_EQ(findProxy("FooIfc"), proxy);
-  sut->deleteAllServiceProxies();
-}
-
-TEST_P(DeletingOneProxy, ThatIsNotRecorded_DeletesNothingAndSaysSo) {
-  auto* stranger = keep(newProxy());
-  deleteOne(stranger, "FooIfc");
-  expectTrace({toRemove("Proxy#2"), locked("proxyMapSem", {notFound()})});
-  sut->deleteAllServiceProxies();
-}
-
-TEST_P(DeletingOneProxy, ThatIsNull_DeletesNothingAndSaysSo) {
-  deleteOne(nullptr, "FooIfc");
-  expectTrace({toRemove("null"), locked("proxyMapSem", {notFound()})});
-  sut->deleteAllServiceProxies();
-}
-
-TEST_P(DeletingOneProxy, ThatIsARecordedNull_DeletesWhatBelongsToIt) {
-  addProxy(nullptr, newDll(), newChannel("q"), newRequest("t", ""), "FooIfc");
-  forget();
-  deleteOne(nullptr, "FooIfc");
-  expectTrace({toRemove("null"), locked("proxyMapSem", {"~ProxyRequestImpl#2", "~CommsChannel#2",
-                                                        "~Dll#2", found()})});
-  EXPECT_EQ(findProxy("FooIfc"), proxy);
-  sut->deleteAllServiceProxies();
-}
-
-TEST_P(DeletingOneProxy, RecordedUnderTwoNames_TakesTheEntryOfTheName) {
-  addProxy(proxy, nullptr, nullptr, nullptr, "BarIfc");
-  forget();
-  deleteOne(proxy, "FooIfc");
-  expectTrace({toRemove("Proxy#1"), locked("proxyMapSem", {"~Proxy#1", "~ProxyRequestImpl#1",
-                                                           "~CommsChannel#1", "~Dll#1", found()})});
-  ASSERT_EQ(sut->proxyMap.size(), 1u);
-  EXPECT_EQ(sut->proxyMap.begin()->first, "BarIfc");
-}
-
-TEST_P(DeletingOneProxy, RecordedTwiceUnderAName_TakesTheFirstEntryOnly) {
-  addProxy(proxy, nullptr, nullptr, nullptr, "FooIfc");
-  forget();
-  deleteOne(proxy, "FooIfc");
-  expectTrace({toRemove("Proxy#1"), locked("proxyMapSem", {"~Proxy#1", "~ProxyRequestImpl#1",
-                                                           "~CommsChannel#1", "~Dll#1", found()})});
-  ASSERT_EQ(sut->proxyMap.size(), 1u);
-  EXPECT_EQ(sut->proxyMap.begin()->second.dll, nullptr);
-}
-
-TEST_P(DeletingOneProxy, LeavesTheOtherProxiesOfTheName) {
-  auto* other = newProxy();
-  addProxy(other, newDll(), newChannel("q"), newRequest("t", ""), "FooIfc");
-  deleteOne(proxy, "FooIfc");
-  EXPECT_EQ(findProxy("FooIfc"), other);
-  sut->deleteAllServiceProxies();
-}
-
-INSTANTIATE_TEST_SUITE_P(AtLevel, DeletingOneProxy, testing::Values(4, 5));
 
 class DestroyingARepository : public RepositoryTest {};
 
