@@ -235,6 +235,19 @@ TEST_P(InitialisingALazyService, ThatIsTheRegistry_FindsItAsAnExecutable) {
                successful(ifc)});
 }
 
+TEST_P(InitialisingALazyService, WhileAnotherIsInitialised_WaitsForNobody) {
+  offerService("libfoo.so", "createFoo");
+  offerService("libbar.so", "createBar");
+  Service* inside = nullptr;
+  Platform::once("Service#1.init(", [&] {
+    EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+    inside = sut->initialiseService(nullptr, "libbar.so", "createBar", nullptr, "BarIfc");
+  });
+  Service* outside = initialise("FooIfc");
+  EXPECT_EQ(fakes::Objects::name(outside), "Service#1");
+  EXPECT_EQ(fakes::Objects::name(inside), "Service#2");
+}
+
 TEST_P(InitialisingALazyService, WithAPercentSignInItsNames_LogsThemAsTheyAre) {
   const std::string lib = "lib%s.so";
   EXPECT_EQ(sut->framework().initialiseService(executor, lib, "c", own, "FooIfc"), nullptr);

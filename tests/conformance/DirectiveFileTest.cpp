@@ -155,6 +155,36 @@ TEST_F(ADirectiveFile, WhoseDirectiveThrows_IsNotProcessedFurther) {
   EXPECT_EQ(lines.back(), "CommsChannel#1 = CommsChannel(\"c\", interceptors)");
 }
 
+/** How many files this process has open. */
+std::ptrdiff_t openFiles() {
+  const std::filesystem::directory_iterator files("/proc/self/fd");
+  return std::distance(begin(files), end(files));
+}
+
+TEST_F(ADirectiveFile, ThatIsRead_IsClosed) {
+  const std::ptrdiff_t before = openFiles();
+  process("bad: 1\n");
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(ADirectiveFile, WhoseDirectiveThrows_IsClosed) {
+  const std::ptrdiff_t before = openFiles();
+  EXPECT_THROW(process("service_info:MT a.so b c\n"), std::out_of_range);
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(ADirectiveFile, WithTheRegistrysOwnRecords_SendsThemAsText) {
+  process(
+      "invoker_info:libA.so createA ServiceRegistryIfc tcp\n"
+      "proxy_info:libA.so createB ServiceRegistryIfc tcp\n");
+  const std::string beginning = "host.sendTo(\"/zerva/serviceregistry\", \"reg_";
+  const Lines lines = Trace::lines();
+  EXPECT_THAT(lines,
+              testing::Contains(beginning + "invoker:libA.so,createA,ServiceRegistryIfc,tcp\")"));
+  EXPECT_THAT(lines,
+              testing::Contains(beginning + "proxy:libA.so,createB,ServiceRegistryIfc,tcp\")"));
+}
+
 /** The keywords, of which each takes a mode field. */
 class TheModeField : public DirectiveFileTest, public testing::WithParamInterface<const char*> {};
 

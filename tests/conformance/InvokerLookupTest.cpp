@@ -122,6 +122,13 @@ TEST_P(FindInvoker, WithAReplyOfNoFields_GoesOnWithEmptyNames) {
   EXPECT_THAT(Trace::lines(), testing::Contains("Dll#1 = Dll(\"\") [invokerSem]"));
 }
 
+TEST_P(FindInvoker, WithAReplyOfOneField_ResolvesAnEmptyName) {
+  answer("found_invoker:libA.so");
+  offerInvoker("libA.so", "createA");
+  EXPECT_EQ(find(), nullptr);
+  EXPECT_THAT(Trace::lines(), testing::Contains("Dll#1.symbol(\"\") [invokerSem]"));
+}
+
 TEST_P(FindInvoker, WithAZeroByteInTheNames_EndsThemThere) {
   answer(std::string("found_invoker:libA.so\0x,createA\0y", 34));
   offerInvoker("libA.so", "createA");
@@ -186,6 +193,26 @@ TEST_P(FindInvoker, WhoseCreatorThrows_LeavesTheSemaphoreFree) {
   EXPECT_THROW(find(), std::runtime_error);
   EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
   leaves("Dll#1");
+}
+
+TEST_P(FindInvoker, WhoseLibraryThrows_LeavesTheSemaphoreFree) {
+  answer("found_invoker:libA.so,createA");
+  offerInvoker("libA.so", "createA");
+  Platform::once("Dll#1 = ", [] { throw std::runtime_error("no library"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { find(); }), "no library");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  EXPECT_NE(find(), nullptr);
+}
+
+TEST_P(FindInvoker, ThatCannotBeRecorded_LeavesTheSemaphoreFree) {
+  answer("found_invoker:libA.so,createA");
+  offerInvoker("libA.so", "createA");
+  Platform::once("repository.addServiceInvoker(", [] { throw std::runtime_error("no room"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { find(); }), "no room");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  EXPECT_NE(find(), nullptr);
+  leaves("Dll#1");
+  leaves("Invoker#1");
 }
 
 INSTANTIATE_TEST_SUITE_P(AtLevel, FindInvoker, testing::Values(4, 5));

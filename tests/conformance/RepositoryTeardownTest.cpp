@@ -331,6 +331,18 @@ TEST_F(DestroyingARepository, DestroysTheSemaphoresInReverseAndNothingElse) {
   expectTrace({"~invokerMapSem", "~proxyMapSem", "~svcMapSem"});
 }
 
+TEST_F(DestroyingARepository, AfterItsDeletions_DeletesNothingMore) {
+  sut->addService(newService(), newDll(), "FooIfc");
+  addProxy(newProxy(), newDll(), nullptr, nullptr, "FooIfc");
+  addInvoker(newInvoker(), newDll(), "FooIfc", "tcp");
+  sut->deleteAllServices();
+  sut->deleteAllServiceProxies();
+  sut->deleteAllServiceInvokers();
+  forget();
+  sut.reset();
+  expectTrace({"~invokerMapSem", "~proxyMapSem", "~svcMapSem"});
+}
+
 TEST_F(DestroyingARepository, ThroughItsInterface_IsTheSame) {
   AbstractServiceRepository* repository = sut.release();
   delete repository;

@@ -278,6 +278,38 @@ TEST_P(CreatingAService, WhoseCreatorThrows_LeavesTheLibraryOpenAndMakesNothing)
   leaves("Dll#1");
 }
 
+TEST_P(CreatingAService, WhoseChannelThrows_LetsTheExceptionPassAndRecordsNothing) {
+  offerService("libfoo.so", "createFoo");
+  Platform::once("CommsChannel#1 = ", [] { throw std::runtime_error("no channel"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { create("fooChannel", "FooIfc"); }),
+            "no channel");
+  EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("repository."))));
+  leaves("Dll#1");
+  leaves("Service#1");
+}
+
+TEST_P(CreatingAService, WhoseExecutorThrows_LetsTheExceptionPassAndRecordsNothing) {
+  offerService("libfoo.so", "createFoo");
+  Platform::once("ServiceExecutor#1 = ", [] { throw std::runtime_error("no executor"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { create("fooChannel", "FooIfc"); }),
+            "no executor");
+  EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("repository."))));
+  for (const char* name : {"Dll#1", "Service#1", "CommsChannel#1"}) leaves(name);
+}
+
+TEST_P(CreatingAService, WhoseAnnouncementThrows_StaysRecordedWithoutItsInit) {
+  fakes::RecordingRegistryProxy registry;
+  sut->services["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService("libfoo.so", "createFoo");
+  Platform::once("RegistryProxy#1.registerInterface(",
+                 [] { throw std::runtime_error("no registry"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { create("fooChannel", "FooIfc"); }),
+            "no registry");
+  expectTrace({made("Service#1", "fooChannel", "FooIfc"), recorded("Service#1", "FooIfc"),
+               lookedUp(), "RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")"});
+}
+
 INSTANTIATE_TEST_SUITE_P(AtLevel, CreatingAService, testing::Values(4, 5));
 
 /** How long an `init` took, and how the log shows it. */
