@@ -32,7 +32,6 @@ of_this_run() {
   done
 }
 
-say "this version has no service registry yet, and the log complains of that"
 say "$zerva run --for $seconds $directives"
 # Each in a process group of its own: Ctrl-C then comes to this script only, which passes it on once.
 set -m
