@@ -70,7 +70,7 @@ bool liveOnce(zerva::Report& report, const std::string& file) {
   }
   good = host.stop(std::chrono::seconds(60)).complete && good;
   const zerva::Summary summary = host.summary();
-  return good && summary.services.up == 5 && summary.services.down == 5 &&
+  return good && summary.services.up == 8 && summary.services.down == 8 &&
          summary.processesUp == 1 && summary.processesDown == 1 && summary.failures == 0;
 }
 
