@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "framework/Export.h"
 
@@ -25,6 +26,21 @@ class ZERVA_EXPORT CallChain {
   /** @returns the chain of a message that is sent on behalf of this one and that nobody waits for.
    */
   CallChain ofMessage() const;
+
+  /**
+   * Makes a chain again of what another process told of it.
+   *
+   * @param id of the chain; not 0.
+   * @param links as `links` gave them.
+   */
+  static CallChain ofOtherProcess(std::uint64_t id, const std::vector<std::uint64_t>& links);
+
+  /** @returns the same for no other chain, in no process; 0 for none. */
+  std::uint64_t id() const { return id_; }
+
+  /** @returns an id for each message that waits, the one that waits longest first, and for the
+   * newest message itself; the same for no other message, in no process. */
+  std::vector<std::uint64_t> links() const;
 
   /** @returns whether there is one. */
   explicit operator bool() const { return id_ != 0; }
