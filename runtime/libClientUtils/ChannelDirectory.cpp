@@ -33,20 +33,42 @@ void ChannelDirectory::remove(const Mailbox& mailbox) {
 }
 
 std::shared_ptr<Destination> ChannelDirectory::find(const std::string& name) const {
-  RemoteChannels* remote = nullptr;
-  {
-    const std::lock_guard lock(mutex_);
-    const auto found = mailboxes_.find(name);
-    if (found != mailboxes_.end()) {
-      for (const auto& mailbox : found->second) {
-        if (mailbox->isServed()) {
-          return mailbox;
-        }
+  if (auto here = findHere(name)) {
+    return here;
+  }
+  const auto remote = remoteChannels();
+  return remote != nullptr ? remote->find(name) : nullptr;
+}
+
+std::shared_ptr<Destination> ChannelDirectory::findHere(const std::string& name) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = mailboxes_.find(name);
+  if (found != mailboxes_.end()) {
+    for (const auto& mailbox : found->second) {
+      if (mailbox->isServed()) {
+        return mailbox;
       }
     }
-    remote = remote_;
   }
-  return remote != nullptr ? remote->find(name) : nullptr;
+  return nullptr;
+}
+
+std::vector<std::string> ChannelDirectory::servedHere() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<std::string> names;
+  for (const auto& [name, mailboxes] : mailboxes_) {
+    if (std::any_of(mailboxes.begin(), mailboxes.end(),
+                    [](const auto& mailbox) { return mailbox->isServed(); })) {
+      names.push_back(name);
+    }
+  }
+  return names;
+}
+
+void ChannelDirectory::servedMayHaveChanged(const std::string& name) const {
+  if (const auto remote = remoteChannels()) {
+    remote->servedMayHaveChanged(name);
+  }
 }
 
 std::shared_ptr<Mailbox> ChannelDirectory::findServing(const std::string& name,
@@ -62,9 +84,14 @@ std::shared_ptr<Mailbox> ChannelDirectory::findServing(const std::string& name,
   return nullptr;
 }
 
-void ChannelDirectory::setRemoteChannels(RemoteChannels* remote) {
+void ChannelDirectory::setRemoteChannels(std::shared_ptr<RemoteChannels> remote) {
   const std::lock_guard lock(mutex_);
-  remote_ = remote;
+  remote_.swap(remote);
+}
+
+std::shared_ptr<RemoteChannels> ChannelDirectory::remoteChannels() const {
+  const std::lock_guard lock(mutex_);
+  return remote_;
 }
 
 std::vector<std::shared_ptr<Mailbox>> ChannelDirectory::listed(const std::string& name) const {

@@ -21,8 +21,14 @@ class ZERVA_EXPORT RemoteChannels {
   /** @returns the way to a name that is served in another process now, or null. Does not block. */
   virtual std::shared_ptr<Destination> find(const std::string& name) = 0;
 
- protected:
-  ~RemoteChannels() = default;
+  /**
+   * Is told whenever a channel of this process begins or ends being served, by the thread that does
+   * it, without a lock, before it goes on. Told twice, or by two threads in the wrong order, it
+   * does no harm: `ChannelDirectory::isServedHere` knows what holds now.
+   */
+  virtual void servedMayHaveChanged(const std::string& name) = 0;
+
+  virtual ~RemoteChannels() = default;
 };
 
 /**
@@ -42,6 +48,17 @@ class ZERVA_EXPORT ChannelDirectory {
   /** @returns where requests to a name go now: the oldest that is served; or null. */
   std::shared_ptr<Destination> find(const std::string& name) const;
 
+  /** @returns as `find`, in this process only. */
+  std::shared_ptr<Destination> findHere(const std::string& name) const;
+
+  bool isServedHere(const std::string& name) const { return findHere(name) != nullptr; }
+
+  /** @returns the names that are served in this process now. */
+  std::vector<std::string> servedHere() const;
+
+  /** A channel that is listed, or was, begins or ends being served. Called without a lock. */
+  void servedMayHaveChanged(const std::string& name) const;
+
   /**
    * @returns the channel of this process under a name through which an object gets its requests;
    *     when none says so, the oldest whose object is being made now; or null.
@@ -51,17 +68,18 @@ class ZERVA_EXPORT ChannelDirectory {
   /**
    * Brings in the channels of other processes, asked for names that nobody serves here.
    *
-   * @param remote not owned; null takes them out again. No thread may be sending then.
+   * @param remote null takes them out again; a thread that sends at that moment may still ask them.
    */
-  void setRemoteChannels(RemoteChannels* remote);
+  void setRemoteChannels(std::shared_ptr<RemoteChannels> remote);
 
  private:
+  std::shared_ptr<RemoteChannels> remoteChannels() const;
   std::vector<std::shared_ptr<Mailbox>> listed(const std::string& name) const;
 
   mutable std::mutex mutex_;
   // Both guarded by mutex_.
   std::unordered_map<std::string, std::vector<std::shared_ptr<Mailbox>>> mailboxes_;
-  RemoteChannels* remote_ = nullptr;
+  std::shared_ptr<RemoteChannels> remote_;
 };
 
 }  // namespace zerva

@@ -8,6 +8,9 @@
 
 namespace zerva {
 
+/** @returns a number for `Destination::instance` that was given to none yet. Any thread. */
+ZERVA_EXPORT std::uint64_t newDestinationInstance();
+
 /** Where messages to a name can be handed: a mailbox of this process or a way to another one. */
 class ZERVA_EXPORT Destination {
  public:
@@ -17,8 +20,9 @@ class ZERVA_EXPORT Destination {
   /**
    * Takes a message. Does not wait for anybody and calls no service.
    *
-   * @param envelope moved from only when it is taken.
-   * @returns false when nothing is taken any more.
+   * @param envelope moved from only when it is taken. When this message is not taken, although
+   *     others may be, its `refusal` says why.
+   * @returns false when it is not taken.
    */
   virtual bool deliver(Envelope& envelope) = 0;
 

@@ -95,6 +95,8 @@ struct Envelope {
   ReplyTicket ticket;
   /** When it is a timer's expiry; then there are no data and no sender. */
   std::unique_ptr<Expiry> expiry;
+  /** Why the destination did not take it; empty when it takes nothing at all any more. */
+  std::string refusal;
 };
 
 }  // namespace zerva

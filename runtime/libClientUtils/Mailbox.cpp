@@ -15,14 +15,14 @@ namespace {
 // Requests whose sender never asks for the reply are looked for when this many are outstanding.
 constexpr std::size_t kManyOutstanding = 64;
 
-std::uint64_t newInstance() {
-  static std::atomic<std::uint64_t> last{0};
-  return last.fetch_add(1, std::memory_order_relaxed) + 1;
-}
-
 std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() : 0; }
 
 }  // namespace
+
+std::uint64_t newDestinationInstance() {
+  static std::atomic<std::uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 /** While it lives, a delivery to the mailbox is under way. Made under the lock. */
 class Mailbox::Delivery {
@@ -59,7 +59,7 @@ class Mailbox::Forgetting {
 };
 
 Mailbox::Mailbox(std::string name, CCInterceptorDispatcher* dispatcher)
-    : name_(std::move(name)), instance_(newInstance()), dispatcher_(dispatcher) {}
+    : name_(std::move(name)), instance_(newDestinationInstance()), dispatcher_(dispatcher) {}
 
 Mailbox::~Mailbox() = default;
 
@@ -75,11 +75,15 @@ Mailbox::Serves Mailbox::serves(const Executable* object) const {
 }
 
 void Mailbox::serveWith(std::shared_ptr<RequestReceiver> receiver) {
-  const std::lock_guard lock(mutex_);
-  if (!closed_) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (closed_) {
+      return;
+    }
     receiver_ = std::move(receiver);
     served_.store(true, std::memory_order_release);
   }
+  ChannelDirectory::instance().servedMayHaveChanged(name_);
 }
 
 std::shared_ptr<RequestReceiver> Mailbox::receiver() const {
@@ -103,7 +107,8 @@ std::string Mailbox::send(const std::string& to, const CalledIn& call, Payload d
                     std::move(data),
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
                     {},
-                    nullptr};
+                    nullptr,
+                    {}};
   if (envelope.chain.length() > kMaximumChainLength) {
     return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
                                   " requests wait for one another before channel '" + to + "'");
@@ -127,6 +132,9 @@ std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
       return {};
     }
     envelope.ticket.cancel();
+    if (!envelope.refusal.empty()) {
+      return envelope.refusal;
+    }
   }
   return "nobody serves channel '" + envelope.to + "'";
 }
@@ -323,6 +331,9 @@ void Mailbox::close() {
   }
   for (const auto& waiter : waiters) {
     waiter->unpark();
+  }
+  if (unused != nullptr) {
+    ChannelDirectory::instance().servedMayHaveChanged(name_);
   }
 }
 
