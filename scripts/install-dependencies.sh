@@ -7,8 +7,8 @@
 # the checks need. When nothing is missing, neither apt nor the network is touched.
 . "$(dirname "$0")/common.sh"
 
-readonly demo=(g++ g++-multilib cmake ninja-build ccache libcli11-dev libfmt-dev libspdlog-dev
-  libmsgpack-cxx-dev librapidxml-dev)
+readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
+  libmsgpack-cxx-dev librapidxml-dev libspdlog-dev)
 readonly test=("${demo[@]}" googletest binutils procps clang-format clang-tidy)
 
 case "${1:-test}" in

@@ -1,0 +1,225 @@
+#include "runtime/libClientUtils/bus/BusCore.h"
+
+#include <asio/post.hpp>
+#include <asio/steady_timer.hpp>
+#include <cerrno>
+#include <chrono>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "runtime/libClientUtils/bus/BusId.h"
+#include "runtime/libClientUtils/bus/BusLog.h"
+#include "runtime/libClientUtils/bus/Frames.h"
+#include "runtime/libClientUtils/bus/Leftovers.h"
+#include "runtime/libClientUtils/bus/RemoteChannel.h"
+#include "runtime/libClientUtils/bus/UnixSocket.h"
+
+namespace zerva {
+
+namespace {
+
+// What is still to be sent at the end gets so long, for all processes together.
+constexpr std::chrono::milliseconds kFarewell{500};
+
+// A process that was killed gives its sockets back before its locks, or after them.
+constexpr unsigned kLooksForLeftover = 6;
+constexpr std::chrono::milliseconds kFirstLook{20};
+
+std::string errorText(int error) { return std::generic_category().message(error); }
+
+}  // namespace
+
+BusCore::BusCore(const std::string& directory)
+    : directory_(directory),
+      shared_(new BusShared{newBusId(), std::make_shared<asio::io_context>(1)}),
+      ownNames_(directory_, shared_->ownId),
+      names_(directory_, shared_->ownId),
+      listener_(shared_, listen(),
+                [this](const std::shared_ptr<Connection>& connection, const std::string& id) {
+                  greeted(connection, id);
+                }),
+      thread_(shared_->context) {
+  removeLeftovers(directory_);
+  listener_.postStart();
+  if (!thread_.start()) {
+    directory_.remove(BusDirectory::socketName(shared_->ownId));
+    throw std::runtime_error(directory_.describe("there is no thread for the bus"));
+  }
+}
+
+BusCore::~BusCore() = default;
+
+FileDescriptor BusCore::listen() const {
+  FileDescriptor socket = listenAt(directory_.socketPath(shared_->ownId));
+  if (!socket) {
+    throw std::runtime_error(
+        directory_.describe("a socket cannot be made in it: " + errorText(errno)));
+  }
+  return socket;
+}
+
+void BusCore::closeToOutside() {
+  shared_->closedToOutside = true;
+  ownNames_.close();
+}
+
+void BusCore::close() {
+  closeToOutside();
+  directory_.remove(BusDirectory::socketName(shared_->ownId));
+  std::set<std::shared_ptr<Peer>> all;
+  {
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+    all = all_;
+  }
+  const auto deadline = Clock::now() + kFarewell;
+  for (const auto& peer : all) {
+    peer->waitUntilSent(deadline);
+  }
+  thread_.stop();
+  // Here and below this thread does what is the bus thread's to do.
+  listener_.close();
+  {
+    const std::lock_guard lock(mutex_);
+    all = all_;
+  }
+  for (const auto& peer : all) {
+    peer->end("the bus of this process was closed before " + describeProcess(peer->id()) +
+              " answered");
+  }
+  // What was still to be called is called, and finds everything closed.
+  shared_->context->restart();
+  shared_->context->poll();
+}
+
+void BusCore::servedMayHaveChanged(const std::string& name) {
+  const std::string error =
+      ownNames_.update(name, [&] { return ChannelDirectory::instance().isServedHere(name); });
+  if (!error.empty()) {
+    BUS_LOG(2, "channel '%s' is served in this process only: %s", name.c_str(), error.c_str());
+  }
+}
+
+std::shared_ptr<Destination> BusCore::find(const std::string& name) {
+  std::set<std::string> except;
+  while (!closed_ && name.size() <= kMaximumName) {
+    const auto id = names_.find(name, except);
+    if (!id) {
+      return nullptr;
+    }
+    Way way = reach(*id);
+    if (way.peer != nullptr) {
+      return std::make_shared<RemoteChannel>(std::move(way.peer));
+    }
+    if (!way.unreachable.empty()) {
+      return std::make_shared<UnreachableChannel>(std::move(way.unreachable));
+    }
+    except.insert(*id);
+  }
+  return nullptr;
+}
+
+BusCore::Way BusCore::reach(const std::string& id) {
+  std::unique_lock lock(mutex_);
+  if (closed_) {
+    return {};
+  }
+  if (excluded_.contains(id)) {
+    return {nullptr, describeProcess(id) + " speaks another version of the bus"};
+  }
+  const auto known = peers_.find(id);
+  if (known != peers_.end() && known->second->takes()) {
+    return {known->second, {}};
+  }
+  FileDescriptor socket = connectTo(directory_.socketPath(id));
+  if (!socket) {
+    const int error = errno;
+    lock.unlock();
+    if (error != ECONNREFUSED && error != ENOENT) {
+      return {nullptr, describeProcess(id) + " cannot be reached: " + errorText(error)};
+    }
+    removeLeftover(directory_, id);
+    return {};
+  }
+  if (!isTheProcess(socket.get(), id)) {
+    lock.unlock();
+    BUS_LOG(3, "what listens as %s is another process", describeProcess(id).c_str());
+    return {};
+  }
+  auto peer = newPeer(id);
+  peer->begin(std::make_shared<Connection>(shared_->context, std::move(socket), kMaximumGreeting));
+  return {std::move(peer), {}};
+}
+
+/** A process has connected. On the bus thread. */
+void BusCore::greeted(const std::shared_ptr<Connection>& connection, const std::string& id) {
+  std::shared_ptr<Peer> peer;
+  {
+    const std::lock_guard lock(mutex_);
+    if (closed_) {
+      connection->close();
+      return;
+    }
+    const auto known = peers_.find(id);
+    const auto offer = known != peers_.end() ? known->second->considers() : Peer::Offer::Replace;
+    if (offer == Peer::Offer::Cross) {
+      connection->sendGreeting(encodeHead(CrossedFrame{}));
+      connection->close();
+      return;
+    }
+    peer = offer == Peer::Offer::Adopt ? known->second : newPeer(id);
+  }
+  peer->adopt(connection);
+}
+
+/** Under the lock. */
+std::shared_ptr<Peer> BusCore::newPeer(const std::string& id) {
+  auto peer = std::make_shared<Peer>(id, shared_,
+                                     [this](const std::shared_ptr<Peer>& ended, bool otherVersion) {
+                                       peerEnded(ended, otherVersion);
+                                     });
+  peers_[id] = peer;
+  all_.insert(peer);
+  return peer;
+}
+
+/** On the bus thread. */
+void BusCore::peerEnded(const std::shared_ptr<Peer>& peer, bool otherVersion) {
+  {
+    const std::lock_guard lock(mutex_);
+    all_.erase(peer);
+    const auto known = peers_.find(peer->id());
+    if (known != peers_.end() && known->second == peer) {
+      peers_.erase(known);
+    }
+    if (otherVersion) {
+      excluded_.insert(peer->id());
+    }
+  }
+  if (!closed_) {
+    lookForLeftover(peer->id(), kLooksForLeftover);
+  }
+}
+
+void BusCore::lookForLeftover(const std::string& id, unsigned triesLeft) {
+  if (removeLeftover(directory_, id)) {
+    names_.forget(id);
+    const std::lock_guard lock(mutex_);
+    excluded_.erase(id);
+    return;
+  }
+  if (triesLeft == 0) {
+    return;
+  }
+  const auto timer = std::make_shared<asio::steady_timer>(
+      *shared_->context, kFirstLook * (1U << (kLooksForLeftover - triesLeft)));
+  timer->async_wait([this, timer, id, triesLeft](asio::error_code error) {
+    if (!error && !closed_) {
+      lookForLeftover(id, triesLeft - 1);
+    }
+  });
+}
+
+}  // namespace zerva

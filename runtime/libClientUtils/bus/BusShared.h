@@ -1,0 +1,18 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace zerva {
+
+/** What all parts of a process's bus have in common. */
+struct BusShared {
+  const std::string ownId;
+  const std::shared_ptr<asio::io_context> context;
+  /** Requests of others are not taken any more. */
+  std::atomic<bool> closedToOutside{false};
+};
+
+}  // namespace zerva

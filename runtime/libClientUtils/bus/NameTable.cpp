@@ -1,0 +1,94 @@
+#include "runtime/libClientUtils/bus/NameTable.h"
+
+#include <utility>
+
+#include "runtime/libClientUtils/bus/BusId.h"
+#include "runtime/libClientUtils/bus/BusLog.h"
+#include "runtime/libClientUtils/bus/MonotonicStamp.h"
+
+namespace zerva {
+
+namespace {
+
+// Two processes that begin at nearly the same moment may be read in the wrong order, for so long.
+constexpr std::uint64_t kFreshFor = 1'000'000'000;
+
+constexpr std::string_view kSuffix = ".names";
+
+}  // namespace
+
+NameTable::NameTable(const BusDirectory& directory, std::string ownId)
+    : directory_(directory), ownId_(std::move(ownId)) {}
+
+std::optional<std::string> NameTable::find(const std::string& name,
+                                           const std::set<std::string>& except) {
+  std::vector<std::string> complaints;
+  std::optional<Best> found;
+  {
+    const std::lock_guard lock(mutex_);
+    found = best(name, except);
+    // Who began before all files were read last has served longer than anybody who is not known.
+    // Only whether it still does has to be asked then.
+    if (!found || !holdsStill(*found, name, complaints)) {
+      refreshAll(complaints);
+      found = best(name, except);
+    }
+  }
+  for (const std::string& complaint : complaints) {
+    BUS_LOG(3, "%s", complaint.c_str());
+  }
+  return found ? std::optional(std::move(found->id)) : std::nullopt;
+}
+
+void NameTable::forget(const std::string& id) {
+  const std::lock_guard lock(mutex_);
+  peers_.erase(id);
+}
+
+std::optional<NameTable::Best> NameTable::best(const std::string& name,
+                                               const std::set<std::string>& except) const {
+  std::optional<Best> best;
+  // In the order of their ids, which decides between two that began at the same moment.
+  for (const auto& [id, names] : peers_) {
+    const auto since = names.servedSince(name);
+    if (since && (!best || *since < best->since) && !except.contains(id)) {
+      best = {id, *since};
+    }
+  }
+  return best;
+}
+
+bool NameTable::holdsStill(const Best& best, const std::string& name,
+                           std::vector<std::string>& complaints) {
+  if (best.since >= refreshed_ || monotonicStamp() - refreshed_ > kFreshFor) {
+    return false;
+  }
+  PeerNames& names = peers_.at(best.id);
+  if (std::string complaint = names.refresh(); !complaint.empty()) {
+    complaints.push_back(std::move(complaint));
+  }
+  return names.servedSince(name) == best.since;
+}
+
+void NameTable::refreshAll(std::vector<std::string>& complaints) {
+  const std::uint64_t now = monotonicStamp();
+  std::set<std::string> there;
+  for (const std::string& file : directory_.list()) {
+    if (file.size() > kSuffix.size() && file.ends_with(kSuffix)) {
+      std::string id = file.substr(0, file.size() - kSuffix.size());
+      if (isBusId(id) && id != ownId_) {
+        there.insert(std::move(id));
+      }
+    }
+  }
+  std::erase_if(peers_, [&](const auto& peer) { return !there.contains(peer.first); });
+  for (const std::string& id : there) {
+    PeerNames& names = peers_.try_emplace(id, directory_, id).first->second;
+    if (std::string complaint = names.refresh(); !complaint.empty()) {
+      complaints.push_back(std::move(complaint));
+    }
+  }
+  refreshed_ = now;
+}
+
+}  // namespace zerva

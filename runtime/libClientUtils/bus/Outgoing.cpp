@@ -1,0 +1,113 @@
+#include "runtime/libClientUtils/bus/Outgoing.h"
+
+#include <sys/uio.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "runtime/libClientUtils/bus/Connection.h"
+
+namespace zerva {
+
+Outgoing::Result Outgoing::send(std::string head, Payload data, std::size_t limit) {
+  Frame frame{std::move(head), std::move(data)};
+  const std::lock_guard lock(mutex_);
+  if (ended_) {
+    return Result::Ended;
+  }
+  if (queue_.empty() && connection_ != nullptr) {
+    const bool whole = sendSome(frame);
+    if (ended_) {
+      return Result::Ended;
+    }
+    if (whole) {
+      return Result::Taken;
+    }
+    connection_->awaitWritable();
+  } else if (queued_ + frame.size() > limit) {
+    return Result::Full;
+  }
+  queued_ += frame.size();
+  queue_.push_back(std::move(frame));
+  return Result::Taken;
+}
+
+void Outgoing::open(std::shared_ptr<Connection> connection) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (ended_) {
+      return;
+    }
+    connection_ = std::move(connection);
+  }
+  flush();
+}
+
+void Outgoing::flush() {
+  const std::lock_guard lock(mutex_);
+  while (!queue_.empty() && !ended_) {
+    if (!sendSome(queue_.front())) {
+      if (!ended_) {
+        connection_->awaitWritable();
+      }
+      return;
+    }
+    queued_ -= queue_.front().size();
+    queue_.pop_front();
+  }
+  sent_.notify_all();
+}
+
+void Outgoing::end() {
+  const std::lock_guard lock(mutex_);
+  endLocked();
+}
+
+bool Outgoing::isEnded() const {
+  const std::lock_guard lock(mutex_);
+  return ended_;
+}
+
+bool Outgoing::waitUntilSent(Clock::time_point deadline) {
+  std::unique_lock lock(mutex_);
+  return sent_.wait_until(lock, deadline, [this] { return queue_.empty(); });
+}
+
+/** @returns whether the frame went out as a whole; if not, whether anything can is in `ended_`. */
+bool Outgoing::sendSome(Frame& frame) {
+  while (frame.sent < frame.size()) {
+    std::array<iovec, 2> parts{};
+    std::size_t count = 0;
+    const std::size_t ofHead = std::min(frame.sent, frame.head.size());
+    if (ofHead < frame.head.size()) {
+      parts.at(count++) = {frame.head.data() + ofHead, frame.head.size() - ofHead};
+    }
+    const std::size_t ofData = frame.sent - ofHead;
+    if (frame.data != nullptr && ofData < frame.data->size()) {
+      // The system only reads it.
+      parts.at(count++) = {const_cast<char*>(frame.data->data()) + ofData,
+                           frame.data->size() - ofData};
+    }
+    const ssize_t sent = connection_->send(parts.data(), count);
+    if (sent < 0) {
+      if (sent != -EAGAIN && sent != -ENOBUFS && sent != -EINTR) {
+        // Nothing reaches the other side any more. What came from it is still read to its end.
+        endLocked();
+      }
+      return false;
+    }
+    frame.sent += static_cast<std::size_t>(sent);
+  }
+  return true;
+}
+
+void Outgoing::endLocked() {
+  ended_ = true;
+  connection_.reset();
+  queue_.clear();
+  queued_ = 0;
+  sent_.notify_all();
+}
+
+}  // namespace zerva

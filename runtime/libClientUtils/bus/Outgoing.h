@@ -1,0 +1,71 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "runtime/libClientUtils/Envelope.h"
+#include "runtime/libClientUtils/Parker.h"
+
+namespace zerva {
+
+class Connection;
+
+/** Most bytes that wait for one process to read them. */
+inline constexpr std::size_t kMaximumQueued = std::size_t{64} * 1024 * 1024;
+
+/**
+ * What is sent to another process, in the order in which it was handed over. It goes out at once
+ * when nothing waits before it, else from the bus thread when there is room. Any thread.
+ */
+class Outgoing {
+ public:
+  enum class Result { Taken, Full, Ended };
+
+  /**
+   * Sends a frame, or keeps it until it can be sent.
+   *
+   * @param data behind the head; may be null.
+   * @param limit how many bytes may wait.
+   */
+  Result send(std::string head, Payload data, std::size_t limit);
+
+  /** From here on there is a connection that may be used. On the bus thread. */
+  void open(std::shared_ptr<Connection> connection);
+
+  /** Sends what waits. On the bus thread. */
+  void flush();
+
+  /** Nothing is sent any more. */
+  void end();
+
+  /** @returns whether nothing is sent any more, since it was ended or cannot be sent. */
+  bool isEnded() const;
+
+  /** @returns whether nothing waits any more. */
+  bool waitUntilSent(Clock::time_point deadline);
+
+ private:
+  struct Frame {
+    std::string head;
+    Payload data;
+    std::size_t sent = 0;
+    std::size_t size() const { return head.size() + (data != nullptr ? data->size() : 0); }
+  };
+
+  bool sendSome(Frame& frame);
+  void endLocked();
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::condition_variable sent_;
+  std::shared_ptr<Connection> connection_;
+  std::deque<Frame> queue_;
+  std::size_t queued_ = 0;
+  bool ended_ = false;
+};
+
+}  // namespace zerva

@@ -1,0 +1,301 @@
+#include "runtime/libClientUtils/bus/Peer.h"
+
+#include <asio/post.hpp>
+#include <chrono>
+#include <utility>
+#include <variant>
+
+#include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/bus/BusId.h"
+#include "runtime/libClientUtils/bus/BusLog.h"
+
+namespace zerva {
+
+namespace {
+
+// The connection that crossed this side's own is on its way already.
+constexpr std::chrono::seconds kCrossedPatience{5};
+
+// Failures still find room when nothing else does.
+constexpr std::size_t kRoomForFailures = std::size_t{1024} * 1024;
+constexpr std::size_t kLongestFailure = std::size_t{64} * 1024;
+
+std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() : 0; }
+
+/** @returns whether a frame that begins like this is one that the other side takes. */
+bool fits(const std::string& head, std::size_t data) {
+  return head.size() - sizeof(std::uint32_t) + data <= kMaximumFrame;
+}
+
+std::string tooLong(const char* what, std::size_t size) {
+  return std::string(what) + " of " + std::to_string(size) +
+         " bytes is too long for another process: with names it may have " +
+         std::to_string(kMaximumFrame);
+}
+
+}  // namespace
+
+Peer::Peer(std::string id, std::shared_ptr<const BusShared> bus, Ended ended)
+    : id_(std::move(id)),
+      bus_(std::move(bus)),
+      ended_(std::move(ended)),
+      patience_(*bus_->context) {}
+
+Peer::~Peer() = default;
+
+void Peer::begin(std::shared_ptr<Connection> connection) {
+  use(std::move(connection), kMaximumGreeting);
+  connection_->sendGreeting(encodeHead(HelloFrame{kWireVersion, bus_->ownId}));
+  connection_->postStart();
+}
+
+bool Peer::deliver(Envelope& envelope) {
+  if (envelope.from.size() > kMaximumName) {
+    envelope.refusal = "the sending channel's name has " + std::to_string(envelope.from.size()) +
+                       " bytes, too many for another process";
+    return false;
+  }
+  const MessageFrame message{
+      envelope.chain.id(), envelope.chain.links(), envelope.from, envelope.to,
+      envelope.data != nullptr ? std::string_view(*envelope.data) : std::string_view()};
+  if (envelope.ticket.requestId() != 0) {
+    return sendRequest(envelope, message);
+  }
+  std::string head = encodeHead(message);
+  if (!fits(head, message.data.size())) {
+    envelope.refusal = tooLong("a message", message.data.size());
+    return false;
+  }
+  return settle(envelope, outgoing_.send(std::move(head), envelope.data, kMaximumQueued));
+}
+
+bool Peer::sendRequest(Envelope& envelope, const MessageFrame& message) {
+  const std::uint32_t requestId = envelope.ticket.requestId();
+  // Kept before it is sent, since the reply may be there before this thread goes on.
+  const std::uint32_t wireId = asked_.add(envelope.ticket);
+  if (wireId == 0) {
+    return false;
+  }
+  std::string head = encodeHead(RequestFrame{wireId, requestId, message});
+  const bool fitting = fits(head, message.data.size());
+  const auto result = fitting ? outgoing_.send(std::move(head), envelope.data, kMaximumQueued)
+                              : Outgoing::Result::Full;
+  if (result == Outgoing::Result::Taken) {
+    return true;
+  }
+  envelope.ticket = asked_.take(wireId);
+  if (envelope.ticket.requestId() == 0) {
+    return true;  // it failed meanwhile with all others, and its sender was told
+  }
+  if (!fitting) {
+    envelope.refusal = tooLong("a request", message.data.size());
+    return false;
+  }
+  return settle(envelope, result);
+}
+
+bool Peer::settle(Envelope& envelope, Outgoing::Result result) {
+  if (result == Outgoing::Result::Full) {
+    envelope.refusal = describeProcess(id_) +
+                       " does not read what is sent to it: " + std::to_string(kMaximumQueued) +
+                       " bytes wait for it already";
+  }
+  return result == Outgoing::Result::Taken;
+}
+
+void Peer::receiveReply(std::uint32_t /*requestId*/, std::uint64_t answerer, Payload data,
+                        const std::string& error) {
+  const auto wireId = static_cast<std::uint32_t>(answerer);
+  if (!error.empty()) {
+    sendFailure(wireId, error);
+    return;
+  }
+  const std::size_t size = sizeOf(data);
+  const std::string_view view = size > 0 ? std::string_view(*data) : std::string_view();
+  std::string head = encodeHead(ReplyFrame{wireId, view});
+  if (!fits(head, size)) {
+    sendFailure(wireId, tooLong("a reply", size));
+  } else if (outgoing_.send(std::move(head), std::move(data), kMaximumQueued) ==
+             Outgoing::Result::Full) {
+    sendFailure(wireId, "there is no room for the reply: too much waits to be read");
+  }
+}
+
+void Peer::sendFailure(std::uint32_t wireId, const std::string& error) {
+  const auto text = std::make_shared<const std::string>(error.substr(0, kLongestFailure));
+  if (outgoing_.send(encodeHead(FailureFrame{wireId, *text}), text,
+                     kMaximumQueued + kRoomForFailures) == Outgoing::Result::Full) {
+    asio::post(*bus_->context, [self = shared_from_this()] {
+      self->connectionEnded("it does not read what is sent to it");
+    });
+  }
+}
+
+Peer::Offer Peer::considers() const {
+  switch (state_) {
+    case State::Connecting:
+      // Both have connected at once: the connection of the one with the smaller id is used.
+      return bus_->ownId < id_ ? Offer::Cross : Offer::Adopt;
+    case State::Crossed:
+      return Offer::Adopt;
+    case State::Open:
+      // Another one is wanted only by a process that has given the first up. Else it is the own
+      // crossing of the one that is used.
+      return outgoing_.isEnded() || connection_->hungUp() ? Offer::Replace : Offer::Cross;
+    case State::Ended:
+      break;
+  }
+  return Offer::Replace;
+}
+
+void Peer::adopt(std::shared_ptr<Connection> connection) {
+  if (connection_ != nullptr) {
+    connection_->close();
+  }
+  connection->sendGreeting(encodeHead(WelcomeFrame{kWireVersion, bus_->ownId}));
+  use(std::move(connection), kMaximumFrame);
+  open();
+}
+
+void Peer::end(const std::string& cause) {
+  if (state_ == State::Ended) {
+    return;
+  }
+  state_ = State::Ended;
+  const auto self = shared_from_this();
+  patience_.cancel();
+  if (connection_ != nullptr) {
+    connection_->close();
+  }
+  outgoing_.end();
+  std::vector<ReplyTicket> unanswered = asked_.end();
+  ended_(self, otherVersion_);
+  for (ReplyTicket& ticket : unanswered) {
+    ticket.fail(cause);
+  }
+}
+
+void Peer::use(std::shared_ptr<Connection> connection, std::size_t limit) {
+  connection_ = std::move(connection);
+  // It knows this peer, and this peer it, until it is closed.
+  const auto self = shared_from_this();
+  connection_->setHandler({[self](std::string_view body) { self->takeFrame(body); },
+                           [self](const std::string& why) { self->connectionEnded(why); },
+                           [self] { self->outgoing_.flush(); }},
+                          limit);
+}
+
+void Peer::open() {
+  state_ = State::Open;
+  patience_.cancel();
+  outgoing_.open(connection_);
+}
+
+void Peer::connectionEnded(const std::string& why) {
+  if (state_ == State::Ended) {
+    return;
+  }
+  if (why.empty()) {
+    end(describeProcess(id_) + " ended before it answered");
+    return;
+  }
+  BUS_LOG(3, "the connection to %s is ended: %s", describeProcess(id_).c_str(), why.c_str());
+  end("the connection to " + describeProcess(id_) + " was ended: " + why);
+}
+
+void Peer::takeFrame(std::string_view body) {
+  const Frame frame = decodeFrame(body);
+  const bool greeting =
+      std::holds_alternative<WelcomeFrame>(frame) || std::holds_alternative<CrossedFrame>(frame);
+  if (!std::holds_alternative<MalformedFrame>(frame) && greeting != (state_ != State::Open)) {
+    connectionEnded("it sent a frame that has no place there");
+    return;
+  }
+  std::visit([this](const auto& known) { take(known); }, frame);
+}
+
+void Peer::take(const WelcomeFrame& frame) {
+  if (frame.version != kWireVersion) {
+    otherVersion_ = true;
+    connectionEnded("it speaks version " + std::to_string(frame.version) + " of the bus, not " +
+                    std::to_string(kWireVersion));
+  } else if (frame.id != id_) {
+    connectionEnded("it is somebody else");
+  } else {
+    use(connection_, kMaximumFrame);
+    open();
+  }
+}
+
+void Peer::take(const CrossedFrame& /*frame*/) {
+  state_ = State::Crossed;
+  connection_->close();
+  connection_.reset();
+  patience_.expires_after(kCrossedPatience);
+  patience_.async_wait([self = shared_from_this()](asio::error_code error) {
+    if (!error && self->state_ == State::Crossed) {
+      self->connectionEnded("it did not connect");
+    }
+  });
+}
+
+void Peer::take(const MessageFrame& frame) {
+  Envelope envelope{std::string(frame.from),
+                    std::string(frame.to),
+                    std::make_shared<const std::string>(frame.data),
+                    CallChain::ofOtherProcess(frame.chain, frame.links),
+                    {},
+                    nullptr,
+                    {}};
+  takeEnvelope(envelope);
+}
+
+void Peer::take(const RequestFrame& frame) {
+  const MessageFrame& message = frame.message;
+  Envelope envelope{std::string(message.from),
+                    std::string(message.to),
+                    std::make_shared<const std::string>(message.data),
+                    CallChain::ofOtherProcess(message.chain, message.links),
+                    ReplyTicket(weak_from_this(), frame.requestId),
+                    nullptr,
+                    {}};
+  // Comes back with the answer, so that the request keeps the id that its sender knows.
+  envelope.ticket.answerAs(frame.wireId);
+  takeEnvelope(envelope);
+}
+
+void Peer::takeEnvelope(Envelope& envelope) {
+  if (bus_->closedToOutside) {
+    envelope.ticket.fail(describeProcess(bus_->ownId) + " is ending");
+    return;
+  }
+  const auto error = exceptionOf([&] {
+    // To a channel of this process only: nothing is passed on, so nothing goes round.
+    while (const auto channel = ChannelDirectory::instance().findHere(envelope.to)) {
+      if (channel->deliver(envelope)) {
+        return;
+      }
+    }
+    envelope.ticket.fail("nobody serves channel '" + envelope.to + "'");
+  });
+  if (error) {
+    BUS_LOG(2, "a message from %s to channel '%s' was lost: %s", describeProcess(id_).c_str(),
+            envelope.to.c_str(), error->c_str());
+  }
+}
+
+void Peer::take(const ReplyFrame& frame) {
+  // One that is not known any more came too late.
+  asked_.take(frame.wireId).answer(std::make_shared<const std::string>(frame.data));
+}
+
+void Peer::take(const FailureFrame& frame) {
+  asked_.take(frame.wireId).fail(std::string(frame.error));
+}
+
+void Peer::take(const HelloFrame& /*frame*/) { connectionEnded("it said hello twice"); }
+
+void Peer::take(const MalformedFrame& frame) { connectionEnded("it sent " + frame.why); }
+
+}  // namespace zerva

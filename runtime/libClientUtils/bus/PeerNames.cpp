@@ -1,0 +1,84 @@
+#include "runtime/libClientUtils/bus/PeerNames.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "runtime/libClientUtils/bus/BusId.h"
+
+namespace zerva {
+
+PeerNames::PeerNames(const BusDirectory& directory, std::string id)
+    : directory_(directory), id_(std::move(id)) {}
+
+std::string PeerNames::refresh() {
+  std::string complaint;
+  if (!openCurrent(complaint)) {
+    return complaint;
+  }
+  return readOn();
+}
+
+std::optional<std::uint64_t> PeerNames::servedSince(const std::string& name) const {
+  const auto found = parser_.names().find(name);
+  return found != parser_.names().end() ? std::optional(found->second) : std::nullopt;
+}
+
+/** Sees to it that the file which has the name now is open. @returns whether it can be read. */
+bool PeerNames::openCurrent(std::string& complaint) {
+  struct stat status {};
+  // The owner puts a new file into its place when much of the old one holds no more.
+  if (file_ && ::fstat(file_.get(), &status) == 0 && status.st_nlink > 0) {
+    return true;
+  }
+  const bool knewIt = static_cast<bool>(file_);
+  file_ = directory_.open(BusDirectory::journalName(id_), O_RDONLY);
+  offset_ = 0;
+  parser_ = {};
+  if (knewIt) {
+    complained_ = false;
+  }
+  std::string cause;
+  if (!file_) {
+    cause = errno == ENOENT ? "" : std::generic_category().message(errno);
+  } else if (::fstat(file_.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+             status.st_uid != ::geteuid()) {
+    cause = "it is no file of this user";
+    file_.reset();
+  }
+  if (!cause.empty() && !std::exchange(complained_, true)) {
+    complaint = "the names of " + describeProcess(id_) +
+                " are not known, its file cannot be read: " + cause;
+  }
+  return static_cast<bool>(file_);
+}
+
+std::string PeerNames::readOn() {
+  constexpr std::size_t kChunk = std::size_t{64} * 1024;
+  char first[256];
+  // Nearly always there is nothing new.
+  ssize_t got = ::pread(file_.get(), first, sizeof first, offset_);
+  if (got <= 0) {
+    return {};
+  }
+  bool good = parser_.feed({first, static_cast<std::size_t>(got)});
+  offset_ += got;
+  std::vector<char> chunk(good && got == sizeof first ? kChunk : 0);
+  while (good && !chunk.empty() &&
+         (got = ::pread(file_.get(), chunk.data(), chunk.size(), offset_)) > 0) {
+    good = parser_.feed({chunk.data(), static_cast<std::size_t>(got)});
+    offset_ += got;
+  }
+  offset_ -= static_cast<off_t>(parser_.takeBackPartial());
+  if (!good && !std::exchange(complained_, true)) {
+    return "the names of " + describeProcess(id_) + " are not known: its file is no list of names";
+  }
+  return {};
+}
+
+}  // namespace zerva

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "runtime/libClientUtils/bus/BusDirectory.h"
+#include "runtime/libClientUtils/bus/FileDescriptor.h"
+#include "runtime/libClientUtils/bus/NameRecords.h"
+
+namespace zerva {
+
+/** The names that another process serves, as far as its file was read. One thread at a time. */
+class PeerNames {
+ public:
+  /** @param directory lives longer. */
+  PeerNames(const BusDirectory& directory, std::string id);
+
+  /**
+   * Reads what is new. Does not wait for the other process.
+   *
+   * @returns what is wrong with the file, once for each file; else empty.
+   */
+  std::string refresh();
+
+  /** @returns since when a name is served; nothing when it is not. */
+  std::optional<std::uint64_t> servedSince(const std::string& name) const;
+
+ private:
+  bool openCurrent(std::string& complaint);
+  std::string readOn();
+
+  const BusDirectory& directory_;
+  const std::string id_;
+  FileDescriptor file_;
+  off_t offset_ = 0;
+  bool complained_ = false;
+  JournalParser parser_;
+};
+
+}  // namespace zerva

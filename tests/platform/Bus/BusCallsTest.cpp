@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "runtime/libClientUtils/bus/Frames.h"
+#include "tests/platform/Bus/BusWorld.h"
+#include "tests/support/Barrier.h"
+#include "tests/support/Concurrently.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using namespace zerva;
+using testing::HasSubstr;
+
+class TheBus : public BusWorld {
+ protected:
+  Bus sut{path};
+};
+
+TEST_F(TheBus, CarriesARequestToAnotherProcessAndTheReplyBack) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /echo");
+  const std::string bytes("a\0b\n\xff", 5);
+  const Answer answer = ask("/echo", bytes);
+  EXPECT_TRUE(answer.ok) << answer.error;
+  EXPECT_EQ(answer.data, bytes);
+}
+
+TEST_F(TheBus, CarriesRequestsOfTheOtherProcessToThisOne) {
+  serve("/here", Mode::ST, [](const std::string& request) { return request + "!"; });
+  const BusPartner partner(path, "/partner");
+  EXPECT_EQ(partner.tell("ask /here|hello"), "hello!");
+}
+
+TEST_F(TheBus, CarriesEmptyRequestsAndReplies) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /echo");
+  const Answer answer = ask("/echo", "");
+  EXPECT_TRUE(answer.ok) << answer.error;
+  EXPECT_EQ(answer.data, "");
+}
+
+TEST_F(TheBus, CarriesTheErrorOfAServiceToWhoeverAsked) {
+  serve("/fails", Mode::ST,
+        [](const std::string&) -> std::string { throw std::runtime_error("I am out of order"); });
+  const BusPartner partner(path, "/partner");
+  EXPECT_THAT(partner.tell("ask /fails|x"), HasSubstr("I am out of order"));
+}
+
+TEST_F(TheBus, TellsTheServiceTheRequestIdOfTheSender) {
+  const auto answers = std::make_shared<std::atomic<long>>(0);
+  class Service : public ScriptedService {
+   public:
+    explicit Service(std::shared_ptr<std::atomic<long>> id) : id_(std::move(id)) {}
+    void messageReceived(const CommsChannelDataContainerMessage& message,
+                         CommsChannelDataContainerMessage&) override {
+      *id_ = message.getRequestId();
+    }
+
+   private:
+    std::shared_ptr<std::atomic<long>> id_;
+  };
+  services.push_back(std::make_unique<Service>(answers));
+  world.run(services.back().get(), "/here", Mode::ST);
+  const BusPartner partner(path, "/partner");
+  partner.tell("ask /here|x");
+  partner.tell("ask /here|x");
+  EXPECT_EQ(*answers, 1);  // what the partner asks with
+}
+
+TEST_F(TheBus, KeepsTheOrderOfWhatOneThreadSends) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve record ST /record");
+  CommsChannel one("/test/one", nullptr);
+  CommsChannel two("/test/two", nullptr);
+  std::string expected;
+  for (int i = 0; i < 2000; ++i) {
+    const std::string text = std::to_string(i) + " ";
+    ASSERT_TRUE((i % 2 == 0 ? one : two).sendTo("/record", text));
+    expected += text;
+  }
+  EXPECT_EQ(ask("/record", "").data, expected);
+}
+
+TEST_F(TheBus, KeepsTheOrderWhenTheFirstOnesWaitForTheConnection) {
+  // The partner connects to nobody before it is told to; all is sent before it can answer.
+  const BusPartner partner(path, "/record");
+  CommsChannel channel("/test/one", nullptr);
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(channel.sendTo("/record", "descriptors"));
+  }
+  EXPECT_EQ(partner.tell("ask /nobody|"), "error: nobody serves channel '/nobody'");
+}
+
+TEST_F(TheBus, GivesEachOfAHundredThreadsItsOwnReply) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /echo");
+  CommsChannel channel("/test/caller", nullptr);
+  std::atomic<int> right{0};
+  concurrently(100, [&](std::size_t thread) {
+    for (int i = 0; i < 10; ++i) {
+      const std::string text = std::to_string(thread) + "/" + std::to_string(i);
+      const Answer answer = ask(channel, "/echo", text, static_cast<long>(thread) + 1);
+      right += answer.ok && answer.data == text ? 1 : 0;
+    }
+  });
+  EXPECT_EQ(right, 1000);
+}
+
+TEST_F(TheBus, LetsAServiceWithOneThreadBeCalledBackByWhomItWaitsFor) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve ask ST /there");
+  int depth = 0;
+  serve("/here", Mode::ST, [&](const std::string& request) {
+    ++depth;
+    return request == "inner" ? "served at depth " + std::to_string(depth)
+                              : ask("/there", "/here|inner").data;
+  });
+  EXPECT_EQ(ask("/here", "outer").data, "served at depth 2");
+}
+
+TEST_F(TheBus, LetsTwoServicesWithOneThreadCallEachOtherBackAndForth) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve ask ST /there");
+  serve("/here", Mode::ST, [&](const std::string& request) {
+    const int left = std::stoi(request);
+    return left == 0 ? std::string(".")
+                     : ask("/there", "/here|" + std::to_string(left - 1)).data + "+";
+  });
+  EXPECT_EQ(ask("/here", "6").data, ".++++++");
+}
+
+TEST_F(TheBus, LetsNobodyElseIntoAServiceWithOneThreadThatWaitsForAnotherProcess) {
+  const BusPartner partner(path, "/partner");
+  serve("/back", Mode::MT, [](const std::string& request) { return request; });
+  partner.tell("serve ask MT /there");
+  Journal journal;
+  serve("/here", Mode::ST, [&](const std::string& request) {
+    journal.add("begin " + request);
+    ask("/there", "/back|x");
+    journal.add("end " + request);
+    return request;
+  });
+  concurrently(4, [&](std::size_t thread) { ask("/here", std::to_string(thread)); });
+  const auto entries = journal.entries();
+  ASSERT_EQ(entries.size(), 8U);
+  for (std::size_t i = 0; i < entries.size(); i += 2) {
+    EXPECT_EQ(entries[i].substr(6), entries[i + 1].substr(4));
+  }
+}
+
+TEST_F(TheBus, EndsAChainThatGoesBackAndForthWithoutEnd) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve ask MT /there");
+  serve("/here", Mode::ST, [&](const std::string& request) {
+    const Answer answer = ask("/there", "/here|" + request);
+    return answer.ok ? answer.data : answer.error;
+  });
+  EXPECT_THAT(ask("/here", "x").data, HasSubstr("requests inside each other on the thread"));
+}
+
+TEST_F(TheBus, CarriesAMessageAsLongAsTheLimitAndNoneThatIsLonger) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /e");
+  // Type, two ids, chain with one link, and the two names with their lengths.
+  const std::string from = "/test/caller";
+  const std::size_t overhead = 1 + 4 + 4 + 8 + 2 + 8 + 2 + from.size() + 2 + 2;
+  const std::string longest(kMaximumFrame - overhead, 'x');
+
+  const Answer answer = ask("/e", longest);
+  EXPECT_TRUE(answer.ok) << answer.error;
+  EXPECT_TRUE(answer.data == longest);
+
+  const Answer refused = ask("/e", longest + "x");
+  EXPECT_FALSE(refused.ok);
+  EXPECT_THAT(refused.error, HasSubstr("too long for another process"));
+  EXPECT_EQ(ask("/e", "still there").data, "still there");
+}
+
+TEST_F(TheBus, FailsARequestWhoseReplyIsLongerThanTheLimit) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve size MT /size");
+  EXPECT_EQ(ask("/size", std::to_string(kMaximumFrame - 5)).data.size(), kMaximumFrame - 5);
+  const Answer refused = ask("/size", std::to_string(kMaximumFrame - 4));
+  EXPECT_FALSE(refused.ok);
+  EXPECT_THAT(refused.error, HasSubstr("too long for another process"));
+}
+
+TEST_F(TheBus, FailsWhatIsSentFromAChannelWhoseNameIsTooLong) {
+  const BusPartner partner(path, "/partner");
+  CommsChannel channel(std::string(kMaximumName + 1, 'n'), nullptr);
+  EXPECT_THAT(ask(channel, "/partner", "descriptors").error, HasSubstr("65536 bytes, too many"));
+}
+
+TEST_F(TheBus, JoinsTwoProcessesThatConnectToEachOtherAtTheSameMoment) {
+  // Which of the two ids is the smaller differs from round to round.
+  for (int round = 0; round < 15; ++round) {
+    const TempDirectory own;
+    const BusPartner one(path, "/one");
+    const BusPartner two(path, "/two");
+    one.tell("serve echo MT /echo1");
+    two.tell("serve echo MT /echo2");
+    Barrier together(2);
+    concurrently(2, [&](std::size_t thread) {
+      together.arriveAndWait();
+      for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(thread == 0 ? one.tell("ask /echo2|to two") : two.tell("ask /echo1|to one"),
+                  thread == 0 ? "to two" : "to one");
+      }
+    });
+  }
+}
+
+TEST_F(TheBus, ReachesAllOfManyProcesses) {
+  std::vector<std::unique_ptr<BusPartner>> partners;
+  for (int i = 0; i < 5; ++i) {
+    partners.push_back(std::make_unique<BusPartner>(path, "/partner" + std::to_string(i)));
+  }
+  serve("/here", Mode::MT, [](const std::string& request) { return request; });
+  concurrently(5, [&](std::size_t i) {
+    const std::size_t next = (i + 1) % 5;
+    EXPECT_EQ(partners[i]->tell("ask /partner" + std::to_string(next) + "|ask /here|round"),
+              "round");
+  });
+}
+
+}  // namespace

@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include "runtime/libClientUtils/bus/FrameBuffer.h"
+#include "runtime/libClientUtils/bus/Frames.h"
+
+namespace {
+
+using namespace zerva;
+using testing::HasSubstr;
+
+/** The bytes that hexadecimal digits stand for. */
+std::string bytes(const std::string& hex) {
+  std::string result;
+  std::string digits;
+  for (const char character : hex) {
+    if (character != ' ') digits += character;
+    if (digits.size() == 2) {
+      result += static_cast<char>(std::stoi(digits, nullptr, 16));
+      digits.clear();
+    }
+  }
+  return result;
+}
+
+/** A frame as it goes over the wire, without its length. */
+std::string body(const std::string& frame) { return frame.substr(4); }
+
+std::string whyMalformed(const std::string& frameBody) {
+  const Frame frame = decodeFrame(frameBody);
+  const auto* const malformed = std::get_if<MalformedFrame>(&frame);
+  return malformed != nullptr ? malformed->why : "it is a frame";
+}
+
+const MessageFrame kMessage{0x0102030405060708, {0x11, 0x22}, "/a", "/b", "hi"};
+
+// The example of docs/wire-format.md.
+const std::string kHelloBytes =
+    bytes("00 00 00 1f 01 5a 52 56 42 00 01 00 16") + "12345-0123456789abcdef";
+const std::string kRequestBytes = bytes(
+    "00 00 00 2d 05 00 00 00 01 00 00 00 07"
+    "01 02 03 04 05 06 07 08 00 02"
+    "00 00 00 00 00 00 00 11 00 00 00 00 00 00 00 22"
+    "00 02 2f 61 00 02 2f 62 68 69");
+const std::string kReplyBytes = bytes("00 00 00 07 06 00 00 00 01 6f 6b");
+
+TEST(TheWireFormat, HasTheBytesOfTheDocumentedExampleWhateverTheWordSize) {
+  EXPECT_EQ(encodeHead(HelloFrame{1, "12345-0123456789abcdef"}), kHelloBytes);
+  EXPECT_EQ(encodeHead(RequestFrame{1, 7, kMessage}) + "hi", kRequestBytes);
+  EXPECT_EQ(encodeHead(ReplyFrame{1, "ok"}) + "ok", kReplyBytes);
+}
+
+TEST(AFrame, OfTheDocumentedExample_IsRead) {
+  const Frame frame = decodeFrame(body(kRequestBytes));
+  const auto& request = std::get<RequestFrame>(frame);
+  EXPECT_EQ(request.wireId, 1U);
+  EXPECT_EQ(request.requestId, 7U);
+  EXPECT_EQ(request.message.chain, kMessage.chain);
+  EXPECT_EQ(request.message.links, kMessage.links);
+  EXPECT_EQ(request.message.from, "/a");
+  EXPECT_EQ(request.message.to, "/b");
+  EXPECT_EQ(request.message.data, "hi");
+}
+
+TEST(AFrame, OfEachKind_IsReadAsItWasWritten) {
+  const std::string welcome = body(encodeHead(WelcomeFrame{9, "id"}));
+  const std::string crossed = body(encodeHead(CrossedFrame{}));
+  const std::string message = body(encodeHead(kMessage)) + "hi";
+  const std::string failure = body(encodeHead(FailureFrame{3, "why"})) + "why";
+  const Frame welcomeRead = decodeFrame(welcome);
+  EXPECT_EQ(std::get<WelcomeFrame>(welcomeRead).version, 9);
+  EXPECT_EQ(std::get<WelcomeFrame>(welcomeRead).id, "id");
+  EXPECT_TRUE(std::holds_alternative<CrossedFrame>(decodeFrame(crossed)));
+  EXPECT_EQ(std::get<MessageFrame>(decodeFrame(message)).to, "/b");
+  EXPECT_EQ(std::get<FailureFrame>(decodeFrame(failure)).wireId, 3U);
+  EXPECT_EQ(std::get<FailureFrame>(decodeFrame(failure)).error, "why");
+}
+
+TEST(AFrame, ThatIsCutAnywhereBeforeItsData_IsMalformed) {
+  const std::string request = body(encodeHead(RequestFrame{1, 7, kMessage}));
+  const std::string hello = body(kHelloBytes);
+  for (std::size_t length = 0; length < request.size(); ++length) {
+    EXPECT_NE(whyMalformed(request.substr(0, length)), "it is a frame") << length;
+  }
+  for (std::size_t length = 0; length < hello.size(); ++length) {
+    EXPECT_NE(whyMalformed(hello.substr(0, length)), "it is a frame") << length;
+  }
+}
+
+TEST(AFrame, OfAnUnknownType_IsMalformed) {
+  EXPECT_THAT(whyMalformed("\x63whatever"), HasSubstr("unknown type 99"));
+  EXPECT_THAT(whyMalformed(std::string(1, '\0')), HasSubstr("unknown type 0"));
+  EXPECT_THAT(whyMalformed(""), HasSubstr("unknown type 0"));
+}
+
+TEST(AFrame, WithIdsThatNobodyGives_IsMalformed) {
+  MessageFrame noChain = kMessage;
+  noChain.chain = 0;
+  MessageFrame noLinks = kMessage;
+  noLinks.links.clear();
+  MessageFrame tooDeep = kMessage;
+  tooDeep.links.assign(257, 1);
+  for (const auto& message : {noChain, noLinks, tooDeep}) {
+    EXPECT_EQ(whyMalformed(body(encodeHead(message)) + "hi"), "a frame that is no message");
+  }
+  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{0, 7, kMessage})) + "hi"),
+            "a frame that is no request");
+  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{1, 0, kMessage})) + "hi"),
+            "a frame that is no request");
+  EXPECT_EQ(whyMalformed(body(encodeHead(FailureFrame{1, ""}))), "a frame that is no failure");
+}
+
+TEST(AHello, WithMoreBehindIt_IsMalformedUnlessItIsOfAnotherVersion) {
+  EXPECT_EQ(whyMalformed(body(kHelloBytes) + "x"), "a frame that is no hello");
+  const std::string later = body(encodeHead(HelloFrame{2, "id"})) + "something new";
+  EXPECT_EQ(std::get<HelloFrame>(decodeFrame(later)).version, 2);
+}
+
+TEST(AFrameBuffer, GivesEachFrameWhenItIsWholeHoweverItArrives) {
+  FrameBuffer sut(100);
+  std::vector<std::string> got;
+  for (const char byte : kHelloBytes + kReplyBytes) {
+    sut.append({&byte, 1});
+    std::string_view frame;
+    while (sut.next(frame) == FrameBuffer::Next::Whole) got.emplace_back(frame);
+  }
+  EXPECT_EQ(got, (std::vector<std::string>{body(kHelloBytes), body(kReplyBytes)}));
+  EXPECT_EQ(sut.held(), 0U);
+}
+
+TEST(AFrameBuffer, GivesAllFramesThatArriveAtOnce) {
+  FrameBuffer sut(100);
+  sut.append(kHelloBytes + kReplyBytes + kReplyBytes.substr(0, 5));
+  std::string_view frame;
+  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  EXPECT_EQ(frame, body(kHelloBytes));
+  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  EXPECT_EQ(frame, body(kReplyBytes));
+  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Incomplete);
+  EXPECT_EQ(sut.held(), 5U);
+}
+
+TEST(AFrameBuffer, TakesAFrameAsLongAsTheLimitAndNoneThatIsLonger) {
+  FrameBuffer sut(7);
+  std::string_view frame;
+  sut.append(kReplyBytes);
+  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  sut.append(kHelloBytes.substr(0, 4));
+  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::TooLong);
+}
+
+}  // namespace

@@ -1,0 +1,334 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "runtime/libClientUtils/bus/FileDescriptor.h"
+#include "runtime/libClientUtils/bus/FrameBuffer.h"
+#include "runtime/libClientUtils/bus/Frames.h"
+#include "runtime/libClientUtils/bus/NameRecords.h"
+#include "tests/platform/Bus/BusWorld.h"
+#include "tests/platform/RecordingSink.h"
+#include "tests/support/FileText.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using namespace zerva;
+using testing::AnyOf;
+using testing::HasSubstr;
+
+sockaddr_un addressOf(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  return address;
+}
+
+/** A process that talks to the bus in its own way. It is this one, under another bus name. */
+class Stranger {
+ public:
+  explicit Stranger(int socket) : socket_(socket) {}
+  explicit Stranger(const std::string& path) : socket_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
+    const sockaddr_un address = addressOf(path);
+    EXPECT_EQ(::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+  ~Stranger() { ::close(socket_); }
+  Stranger(const Stranger&) = delete;
+  Stranger& operator=(const Stranger&) = delete;
+
+  void say(const std::string& bytes) const {
+    ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+  }
+
+  /** The next frame, without its length; empty when the other side ends the connection. */
+  std::string hear() {
+    for (;;) {
+      std::string_view body;
+      if (frames_.next(body) == FrameBuffer::Next::Whole) return std::string(body);
+      pollfd ready{socket_, POLLIN, 0};
+      if (::poll(&ready, 1, static_cast<int>(patience().count())) != 1) return "nothing came";
+      char chunk[4096];
+      const ssize_t got = ::recv(socket_, chunk, sizeof chunk, 0);
+      if (got <= 0) return "";
+      frames_.append({chunk, static_cast<std::size_t>(got)});
+    }
+  }
+
+  /** Whether the other side ends the connection, whatever it says before. */
+  bool isDismissed() {
+    for (;;) {
+      const std::string heard = hear();
+      if (heard.empty() || heard == "nothing came") return heard.empty();
+    }
+  }
+
+ private:
+  const int socket_;
+  FrameBuffer frames_{kMaximumFrame};
+};
+
+class AStranger : public BusWorld {
+ protected:
+  AStranger() {
+    serve("/echo", Mode::MT, [](const std::string& request) { return request; });
+  }
+
+  std::string socketPath() const {
+    for (const auto& entry : std::filesystem::directory_iterator(path)) {
+      if (entry.path().extension() == ".sock" && entry.path().stem() != id) return entry.path();
+    }
+    return "no socket";
+  }
+
+  std::string hello(std::uint16_t version = kWireVersion) const {
+    return encodeHead(HelloFrame{version, id});
+  }
+
+  static std::string request(std::uint32_t wireId, const std::string& to, const std::string& data) {
+    return encodeHead(RequestFrame{wireId, 1, {1, {2}, "/stranger", to, data}}) + data;
+  }
+
+  /** The bus still does its work. */
+  void expectWorking() const {
+    Stranger friendly(socketPath());
+    friendly.say(encodeHead(HelloFrame{kWireVersion, otherId}));
+    friendly.hear();
+    friendly.say(request(1, "/echo", "well"));
+    EXPECT_EQ(friendly.hear(), (encodeHead(ReplyFrame{1, "well"}) + "well").substr(4));
+  }
+
+  /** A name of this process that others find, and whoever listens there. */
+  int listenAs(const std::string& name, const std::string& channel) {
+    const int listening = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const sockaddr_un address = addressOf(path / (name + ".sock"));
+    EXPECT_EQ(::bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::listen(listening, 16), 0);
+    const auto names =
+        writeFile(path / (name + ".names"), journalHeader() + servedRecord(channel, 1));
+    // As a process does that lives.
+    lock = FileDescriptor(::open(names.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+    return listening;
+  }
+
+  const std::string id = std::to_string(::getpid()) + "-0123456789abcdef";
+  const std::string otherId = std::to_string(::getpid()) + "-fedcba9876543210";
+  FileDescriptor lock;
+  Bus sut{path};
+};
+
+TEST_F(AStranger, ThatSaysHello_IsWelcomeAndServed) {
+  Stranger stranger(socketPath());
+  stranger.say(hello());
+  const std::string heard = stranger.hear();
+  const Frame frame = decodeFrame(heard);
+  const auto& welcome = std::get<WelcomeFrame>(frame);
+  EXPECT_EQ(welcome.version, kWireVersion);
+  EXPECT_EQ(std::string(welcome.id) + ".sock",
+            std::filesystem::path(socketPath()).filename().string());
+  stranger.say(request(5, "/echo", "hi"));
+  EXPECT_EQ(stranger.hear(), (encodeHead(ReplyFrame{5, "hi"}) + "hi").substr(4));
+}
+
+TEST_F(AStranger, ThatAsksForAChannelThatNobodyServes_IsToldSo) {
+  Stranger stranger(socketPath());
+  stranger.say(hello());
+  stranger.hear();
+  stranger.say(request(5, "/nobody", ""));
+  EXPECT_THAT(stranger.hear(), HasSubstr("nobody serves channel '/nobody'"));
+}
+
+TEST_F(AStranger, ThatAsksAProcessThatIsEnding_IsToldSo) {
+  Stranger stranger(socketPath());
+  stranger.say(hello());
+  stranger.hear();
+  sut.closeToOutside();
+  stranger.say(request(5, "/echo", ""));
+  EXPECT_THAT(stranger.hear(), HasSubstr("process " + std::to_string(::getpid()) + " is ending"));
+}
+
+TEST_F(AStranger, ThatTalksNonsense_IsDismissedWithOneLogLine) {
+  for (const std::string& nonsense :
+       {std::string("GET / HTTP/1.1\r\n\r\n"), std::string(4, '\0') + "x", std::string(100, '\xff'),
+        encodeHead(ReplyFrame{1, "x"}) + "x", std::string("\0\0\0\1\7", 5)}) {
+    const RecordingSink log("Bus");
+    Stranger stranger(socketPath());
+    stranger.say(nonsense);
+    EXPECT_TRUE(stranger.isDismissed());
+    EXPECT_TRUE(waitUntil([&] { return !log.texts().empty(); }));
+    EXPECT_EQ(log.texts().size(), 1U);
+  }
+  expectWorking();
+}
+
+TEST_F(AStranger, ThatTalksNonsenseAfterItsHello_IsDismissedWithOneLogLine) {
+  for (const std::string& nonsense :
+       {std::string("\xff\xff\xff\xff"), std::string("\0\0\0\1\x63", 5), hello(),
+        encodeHead(WelcomeFrame{1, id}), encodeHead(CrossedFrame{}),
+        std::string("\0\0\0\3\5ab", 7)}) {
+    const RecordingSink log("Bus");
+    Stranger stranger(socketPath());
+    stranger.say(hello());
+    stranger.hear();
+    stranger.say(nonsense);
+    EXPECT_TRUE(stranger.isDismissed());
+    EXPECT_TRUE(waitUntil([&] { return !log.texts().empty(); }));
+    EXPECT_EQ(log.texts().size(), 1U);
+  }
+  expectWorking();
+}
+
+TEST_F(AStranger, ThatSaysItIsSomebodyElse_IsDismissed) {
+  const std::string own = std::filesystem::path(socketPath()).stem();
+  for (const std::string& stolen : {std::string("1-0123456789abcdef"), own, std::string("../x"),
+                                    std::to_string(::getpid()), std::string()}) {
+    Stranger stranger(socketPath());
+    stranger.say(encodeHead(HelloFrame{kWireVersion, stolen}));
+    EXPECT_TRUE(stranger.isDismissed()) << stolen;
+  }
+  expectWorking();
+}
+
+TEST_F(AStranger, OfAnotherVersion_IsToldTheOwnOneAndDismissed) {
+  Stranger stranger(socketPath());
+  stranger.say(hello(kWireVersion + 1));
+  const std::string heard = stranger.hear();
+  EXPECT_EQ(std::get<WelcomeFrame>(decodeFrame(heard)).version, kWireVersion);
+  EXPECT_TRUE(stranger.isDismissed());
+}
+
+TEST_F(AStranger, ThatConnectsASecondTime_KeepsItsFirstConnection) {
+  Stranger first(socketPath());
+  first.say(hello());
+  first.hear();
+  Stranger second(socketPath());
+  second.say(hello());
+  EXPECT_TRUE(std::holds_alternative<CrossedFrame>(decodeFrame(second.hear())));
+  EXPECT_TRUE(second.isDismissed());
+  first.say(request(1, "/echo", "x"));
+  EXPECT_EQ(first.hear(), (encodeHead(ReplyFrame{1, "x"}) + "x").substr(4));
+}
+
+TEST_F(AStranger, ThatGaveItsFirstConnectionUp_IsTakenAgain) {
+  for (int i = 0; i < 20; ++i) {
+    Stranger stranger(socketPath());
+    stranger.say(hello());
+    EXPECT_TRUE(std::holds_alternative<WelcomeFrame>(decodeFrame(stranger.hear())));
+  }
+}
+
+TEST_F(AStranger, ThatSaysNothing_HoldsUpNobodyAndIsNotKeptForEver) {
+  std::vector<std::unique_ptr<Stranger>> silent;
+  for (int i = 0; i < 70; ++i) {
+    silent.push_back(std::make_unique<Stranger>(socketPath()));
+    silent.back()->say("\0\0");
+  }
+  EXPECT_TRUE(silent.front()->isDismissed());
+  expectWorking();
+}
+
+TEST_F(AStranger, ThatAnswersWhatItWasNotAsked_IsNotHeard) {
+  Stranger stranger(socketPath());
+  stranger.say(hello());
+  stranger.hear();
+  stranger.say(encodeHead(ReplyFrame{1, "forged"}) + "forged");
+  stranger.say(encodeHead(FailureFrame{2, "forged"}) + "forged");
+  stranger.say(request(1, "/echo", "x"));
+  EXPECT_EQ(stranger.hear(), (encodeHead(ReplyFrame{1, "x"}) + "x").substr(4));
+}
+
+TEST_F(AStranger, ThatIsFoundAndTakesNoConnection_IsGivenUpInTime) {
+  const int listening = listenAs(id, "/silent");
+  const ReplyTimeoutOf shortTime(std::chrono::milliseconds(30));
+  EXPECT_EQ(ask("/silent", "x").error, "channel '/silent' did not answer in time");
+  expectWorking();
+  ::close(listening);
+}
+
+TEST_F(AStranger, ThatIsFoundAndAnswersWithNonsense_FailsWhatWaits) {
+  const ReplyTimeoutOf longTime(std::chrono::hours(1));
+  const int listening = listenAs(id, "/mad");
+  std::string error;
+  std::thread asking([&] { error = ask("/mad", "x").error; });
+  Stranger stranger(::accept(listening, nullptr, nullptr));
+  stranger.hear();
+  stranger.say(encodeHead(WelcomeFrame{kWireVersion, id}));
+  stranger.hear();
+  stranger.say(std::string(100, '\xff'));
+  asking.join();
+  EXPECT_THAT(error, HasSubstr("the connection to process " + std::to_string(::getpid()) +
+                               " was ended: it sent a frame that is too long"));
+  ::close(listening);
+  expectWorking();
+}
+
+TEST_F(AStranger, ThatIsFoundAndSpeaksAnotherVersion_FailsWhatWaitsAndIsNotAskedAgain) {
+  const ReplyTimeoutOf longTime(std::chrono::hours(1));
+  const int listening = listenAs(id, "/later");
+  std::string error;
+  std::thread asking([&] { error = ask("/later", "x").error; });
+  Stranger stranger(::accept(listening, nullptr, nullptr));
+  stranger.say(encodeHead(WelcomeFrame{kWireVersion + 1, id}));
+  asking.join();
+  // It may be known already when the request is handed over.
+  EXPECT_THAT(error, AnyOf(HasSubstr("it speaks version 2 of the bus, not 1"),
+                           HasSubstr("speaks another version of the bus")));
+  EXPECT_EQ(ask("/later", "x").error,
+            "process " + std::to_string(::getpid()) + " speaks another version of the bus");
+  ::close(listening);
+}
+
+TEST_F(AStranger, WhoHasAnswered_IsHeardOnceAndForItsOwnRequestOnly) {
+  const ReplyTimeoutOf longTime(std::chrono::hours(1));
+  const int listening = listenAs(id, "/slow");
+  Answer answer{};
+  std::thread asking([&] { answer = ask("/slow", "question"); });
+  Stranger stranger(::accept(listening, nullptr, nullptr));
+  EXPECT_TRUE(std::holds_alternative<HelloFrame>(decodeFrame(stranger.hear())));
+  stranger.say(encodeHead(WelcomeFrame{kWireVersion, id}));
+  const std::string heard = stranger.hear();
+  const Frame frame = decodeFrame(heard);
+  const auto& asked = std::get<RequestFrame>(frame);
+  EXPECT_EQ(asked.message.data, "question");
+  EXPECT_EQ(asked.message.to, "/slow");
+  EXPECT_EQ(asked.message.from, "/test/caller");
+  stranger.say(encodeHead(ReplyFrame{asked.wireId + 1, "x"}) + "x");
+  stranger.say(encodeHead(ReplyFrame{asked.wireId, "right"}) + "right");
+  stranger.say(encodeHead(ReplyFrame{asked.wireId, "twice"}) + "twice");
+  asking.join();
+  EXPECT_EQ(answer.data, "right");
+  ::close(listening);
+}
+
+TEST_F(AStranger, WhenThereAreNoDescriptorsLeft_IsTakenLater) {
+  Stranger before(socketPath());
+  before.say(hello());
+  before.hear();
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const std::string where = socketPath();
+  std::vector<int> taken;
+  int one = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  // The next socket of this process, which is the one that the bus accepts, is one too many.
+  const rlimit none{static_cast<rlim_t>(one) + 1, limit.rlim_max};
+  const RecordingSink log("Bus");
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  for (int filler = ::dup(one); filler >= 0; filler = ::dup(one)) taken.push_back(filler);
+  const sockaddr_un address = addressOf(where);
+  EXPECT_EQ(::connect(one, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  EXPECT_TRUE(waitUntil([&] { return !log.texts().empty(); }));
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  for (const int filler : taken) ::close(filler);
+  Stranger late(one);
+  late.say(encodeHead(HelloFrame{kWireVersion, otherId}));
+  EXPECT_TRUE(std::holds_alternative<WelcomeFrame>(decodeFrame(late.hear())));
+}
+
+}  // namespace
