@@ -168,9 +168,10 @@ void Peer::end(const std::string& cause) {
   if (connection_ != nullptr) {
     connection_->close();
   }
+  // Known to be over before anybody finds out by trying, who would begin another stream at once.
+  ended_(self, otherVersion_);
   outgoing_.end();
   std::vector<ReplyTicket> unanswered = asked_.end();
-  ended_(self, otherVersion_);
   for (ReplyTicket& ticket : unanswered) {
     ticket.fail(cause);
   }

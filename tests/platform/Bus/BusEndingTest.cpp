@@ -84,7 +84,7 @@ TEST_F(AProcessOnTheBus, ThatIsStopped_HoldsUpNobodyElseAndIsGivenUpInTime) {
   BusPartner stopped(path, "/stopped");
   const BusPartner other(path, "/other");
   stopped.tell("descriptors");
-  stopped.process().signal(SIGSTOP);
+  stopped.stop();
   {
     const ReplyTimeoutOf shortTime(std::chrono::milliseconds(50));
     EXPECT_EQ(ask("/stopped", "x").error, "channel '/stopped' did not answer in time");
@@ -98,7 +98,7 @@ TEST_F(AProcessOnTheBus, ThatIsStopped_HoldsUpNobodyElseAndIsGivenUpInTime) {
 
 TEST_F(AProcessOnTheBus, ThatIsStoppedBeforeItIsConnectedTo_HoldsUpNobodyElse) {
   BusPartner stopped(path, "/stopped");
-  stopped.process().signal(SIGSTOP);
+  stopped.stop();
   {
     const ReplyTimeoutOf shortTime(std::chrono::milliseconds(50));
     EXPECT_EQ(ask("/stopped", "x").error, "channel '/stopped' did not answer in time");
@@ -113,7 +113,7 @@ TEST_F(AProcessOnTheBus, ThatIsStoppedBeforeItIsConnectedTo_HoldsUpNobodyElse) {
 TEST_F(AProcessOnTheBus, ThatReadsNothing_IsSentNoMoreThanTheLimitAndFailsWhatIsAskedThen) {
   BusPartner stopped(path, "/stopped");
   stopped.tell("descriptors");
-  stopped.process().signal(SIGSTOP);
+  stopped.stop();
   CommsChannel channel("/test/caller", nullptr);
   const std::string much(std::size_t{8} * 1024 * 1024, 'x');
   int sent = 0;

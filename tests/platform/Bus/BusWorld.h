@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <chrono>
 #include <filesystem>
@@ -13,7 +14,9 @@
 #include "tests/platform/Libraries.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ExecutorWorld.h"
+#include "tests/support/FileText.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/WaitUntil.h"
 
 namespace zerva {
 
@@ -33,6 +36,19 @@ class BusPartner {
     const Answer answer = ask(control_, command);
     EXPECT_TRUE(answer.ok) << answer.error;
     return answer.data;
+  }
+
+  /** Stops the process, and waits until none of its threads does anything any more. */
+  void stop() {
+    process_.signal(SIGSTOP);
+    const std::filesystem::path threads = "/proc/" + std::to_string(process_.id()) + "/task";
+    EXPECT_TRUE(waitUntil([&] {
+      for (const auto& thread : std::filesystem::directory_iterator(threads)) {
+        const std::string state = readFile(thread.path() / "stat");
+        if (state.find(") T ") == std::string::npos) return false;
+      }
+      return true;
+    }));
   }
 
   /** As the process is named in errors. */

@@ -50,7 +50,8 @@ TEST(TheWireFormat, HasTheBytesOfTheDocumentedExampleWhateverTheWordSize) {
 }
 
 TEST(AFrame, OfTheDocumentedExample_IsRead) {
-  const Frame frame = decodeFrame(body(kRequestBytes));
+  const std::string bytesOfFrame = body(kRequestBytes);
+  const Frame frame = decodeFrame(bytesOfFrame);
   const auto& request = std::get<RequestFrame>(frame);
   EXPECT_EQ(request.wireId, 1U);
   EXPECT_EQ(request.requestId, 7U);
