@@ -100,6 +100,7 @@ Frame decodeRequest(WireReader reader) {
   RequestFrame request{};
   const bool whole = reader.take(request.wireId) && request.wireId != 0 &&
                      reader.take(request.requestId) && request.requestId != 0 &&
+                     reader.takeText(request.interface) && reader.takeText(request.protocol) &&
                      takeMessage(reader, request.message);
   return whole ? Frame(std::move(request)) : malformed("request");
 }
@@ -145,6 +146,8 @@ std::string encodeHead(const RequestFrame& frame) {
   std::string fields;
   appendNumber(fields, frame.wireId);
   appendNumber(fields, frame.requestId);
+  appendText(fields, frame.interface);
+  appendText(fields, frame.protocol);
   appendMessage(fields, frame.message);
   return frameOf(Type::Request, fields, frame.message.data.size());
 }

@@ -21,7 +21,7 @@ inline constexpr std::size_t kMaximumFrame = std::size_t{16} * 1024 * 1024;
 /** Most bytes of a frame before the two processes know each other. */
 inline constexpr std::size_t kMaximumGreeting = 256;
 
-/** Most bytes of a channel's name. */
+/** Most bytes of a name: of a channel, an interface or a protocol. */
 inline constexpr std::size_t kMaximumName = 65535;
 
 /** The first frame of whoever connects. Its texts, as all below, point into somebody's bytes. */
@@ -53,6 +53,9 @@ struct RequestFrame {
   std::uint32_t wireId;
   /** What the sender knows the request by; told to whoever serves it. */
   std::uint32_t requestId;
+  /** What a call is made to, and in which protocol its data are; both empty when it is no call. */
+  std::string_view interface;
+  std::string_view protocol;
   MessageFrame message;
 };
 

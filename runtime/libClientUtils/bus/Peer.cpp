@@ -1,5 +1,6 @@
 #include "runtime/libClientUtils/bus/Peer.h"
 
+#include <algorithm>
 #include <asio/post.hpp>
 #include <chrono>
 #include <utility>
@@ -51,9 +52,11 @@ void Peer::begin(std::shared_ptr<Connection> connection) {
 }
 
 bool Peer::deliver(Envelope& envelope) {
-  if (envelope.from.size() > kMaximumName) {
-    envelope.refusal = "the sending channel's name has " + std::to_string(envelope.from.size()) +
-                       " bytes, too many for another process";
+  const std::size_t longest = std::max(
+      {envelope.from.size(), envelope.call.interface.size(), envelope.call.protocol.size()});
+  if (longest > kMaximumName) {
+    envelope.refusal = "the name of the sending channel, the interface or the protocol has " +
+                       std::to_string(longest) + " bytes, too many for another process";
     return false;
   }
   const MessageFrame message{
@@ -77,7 +80,8 @@ bool Peer::sendRequest(Envelope& envelope, const MessageFrame& message) {
   if (wireId == 0) {
     return false;
   }
-  std::string head = encodeHead(RequestFrame{wireId, requestId, message});
+  std::string head = encodeHead(
+      RequestFrame{wireId, requestId, envelope.call.interface, envelope.call.protocol, message});
   const bool fitting = fits(head, message.data.size());
   const auto result = fitting ? outgoing_.send(std::move(head), envelope.data, kMaximumQueued)
                               : Outgoing::Result::Full;
@@ -244,6 +248,7 @@ void Peer::take(const CrossedFrame& /*frame*/) {
 void Peer::take(const MessageFrame& frame) {
   Envelope envelope{std::string(frame.from),
                     std::string(frame.to),
+                    {},
                     std::make_shared<const std::string>(frame.data),
                     CallChain::ofOtherProcess(frame.chain, frame.links),
                     {},
@@ -256,6 +261,7 @@ void Peer::take(const RequestFrame& frame) {
   const MessageFrame& message = frame.message;
   Envelope envelope{std::string(message.from),
                     std::string(message.to),
+                    {std::string(frame.interface), std::string(frame.protocol)},
                     std::make_shared<const std::string>(message.data),
                     CallChain::ofOtherProcess(message.chain, message.links),
                     ReplyTicket(weak_from_this(), frame.requestId),

@@ -1,9 +1,14 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 
+#include "framework/CallException.h"
+#include "framework/ProxyRequestImpl.h"
+#include "runtime/libClientUtils/ProtocolRepository.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 #include "tests/platform/Bus/BusWorld.h"
+#include "tests/platform/Bus/WindSensor.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
 #include "tests/support/WaitUntil.h"
@@ -46,6 +51,57 @@ TEST_F(TheBus, CarriesTheErrorOfAServiceToWhoeverAsked) {
         [](const std::string&) -> std::string { throw std::runtime_error("I am out of order"); });
   const BusPartner partner(path, "/partner");
   EXPECT_THAT(partner.tell("ask /fails|x"), HasSubstr("I am out of order"));
+}
+
+/** A proxy for a wind sensor that is served in another process, in a protocol. */
+class ACallOnTheBus : public TheBus, public testing::WithParamInterface<const char*> {
+ protected:
+  ACallOnTheBus() {
+    partner.tell("wind /wind");
+    sut.initialise(&request);
+  }
+
+  const BusPartner partner{path, "/partner"};
+  ProtocolRepository protocols;
+  CommsChannel channel{"/wind_proxy", nullptr};
+  ProxyRequestImpl request{
+      &channel, "/wind",       "WindSensor", GetParam(), protocols.findProtocolAdapter(GetParam()),
+      "",       &world.context};
+  WindSensorProxy sut;
+};
+
+INSTANTIATE_TEST_SUITE_P(InEachProtocol, ACallOnTheBus,
+                         testing::Values("zerva_simple_rmi", "zerva_svc_xml"),
+                         [](const auto& param) { return std::string(param.param); });
+
+TEST_P(ACallOnTheBus, IsMadeInTheOtherProcessAndGivesItsResult) {
+  EXPECT_EQ(sut.speed("pier"), 2.0);
+}
+
+TEST_P(ACallOnTheBus, FailsWithWhatTheServiceOfTheOtherProcessThrew) {
+  try {
+    sut.speed("");
+    FAIL() << "nothing was thrown";
+  } catch (const CallException& error) {
+    EXPECT_EQ(error.getInterface(), "WindSensor");
+    EXPECT_EQ(error.getMethod(), "speed");
+    EXPECT_EQ(error.getChannel(), "/wind");
+    EXPECT_THAT(error.getCause(), HasSubstr("which station?"));
+  }
+}
+
+TEST_F(TheBus, FailsACallOfAnInterfaceWithAnEndlessName) {
+  const BusPartner partner(path, "/partner");
+  ProtocolRepository protocols;
+  CommsChannel channel("/proxy", nullptr);
+  ProxyRequestImpl request(&channel, "/partner", std::string(kMaximumName + 1, 'i'),
+                           "zerva_simple_rmi", protocols.findProtocolAdapter("zerva_simple_rmi"),
+                           "", &world.context);
+  WindSensorProxy proxy;
+  proxy.initialise(&request);
+  EXPECT_THAT([&] { proxy.speed("pier"); },
+              testing::Throws<CallException>(
+                  testing::Property(&CallException::getCause, HasSubstr("65536 bytes, too many"))));
 }
 
 TEST_F(TheBus, TellsTheServiceTheRequestIdOfTheSender) {
@@ -163,9 +219,9 @@ TEST_F(TheBus, EndsAChainThatGoesBackAndForthWithoutEnd) {
 TEST_F(TheBus, CarriesAMessageAsLongAsTheLimitAndNoneThatIsLonger) {
   const BusPartner partner(path, "/partner");
   partner.tell("serve echo MT /e");
-  // Type, two ids, chain with one link, and the two names with their lengths.
+  // Type, two ids, two empty texts, chain with one link, and the two names with their lengths.
   const std::string from = "/test/caller";
-  const std::size_t overhead = 1 + 4 + 4 + 8 + 2 + 8 + 2 + from.size() + 2 + 2;
+  const std::size_t overhead = 1 + 4 + 4 + 2 + 2 + 8 + 2 + 8 + 2 + from.size() + 2 + 2;
   const std::string longest(kMaximumFrame - overhead, 'x');
 
   const Answer answer = ask("/e", longest);

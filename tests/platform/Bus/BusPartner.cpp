@@ -2,6 +2,7 @@
 // until it is told to end. What follows a command may hold any bytes.
 //
 //   serve KIND MODE NAME     serves a channel: echo, hold (never answers), ask, record, size
+//   wind NAME                serves a wind sensor, that is called by its interface
 //   close NAME               serves it no more
 //   ask CHANNEL|DATA         asks a channel and answers with what comes back
 //   outside                  closes the bus to the outside
@@ -20,8 +21,10 @@
 #include <mutex>
 #include <string>
 
+#include "runtime/libClientUtils/ProtocolRepository.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/bus/Bus.h"
+#include "tests/platform/Bus/WindSensor.h"
 #include "tests/support/ExecutorWorld.h"
 
 namespace {
@@ -63,6 +66,12 @@ class Partner {
   Partner(const std::string& directory, const std::string& control) : bus_(directory) {
     services_.push_back(std::make_unique<ScriptedService>(
         [this](const std::string& request) { return command(request); }));
+    world_.context.invoker = [this](const std::string& interface, const std::string&) {
+      return interface == "WindSensor" ? &invoker_ : nullptr;
+    };
+    world_.context.adapter = [this](const std::string& protocol) {
+      return protocols_.findProtocolAdapter(protocol);
+    };
     world_.run(services_.back().get(), control, Mode::MT);
   }
 
@@ -87,6 +96,7 @@ class Partner {
     if (verb == "end") ending_.demand();
     const std::lock_guard lock(mutex_);
     if (verb == "serve") serve(text);
+    if (verb == "wind") world_.run(&sensor_, text, Mode::MT);
     if (verb == "close") executors_.at(text)->shutdown();
     return "done";
   }
@@ -114,6 +124,9 @@ class Partner {
   }
 
   zerva::Bus bus_;
+  zerva::WindSensorService sensor_;
+  zerva::WindSensorInvoker invoker_;
+  ProtocolRepository protocols_;
   std::vector<std::unique_ptr<ScriptedService>> services_;
   ExecutorWorld world_{16};
   std::mutex mutex_;

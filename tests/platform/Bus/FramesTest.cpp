@@ -37,7 +37,8 @@ const MessageFrame kMessage{0x0102030405060708, {0x11, 0x22}, "/a", "/b", "hi"};
 const std::string kHelloBytes =
     bytes("00 00 00 1f 01 5a 52 56 42 00 01 00 16") + "12345-0123456789abcdef";
 const std::string kRequestBytes = bytes(
-    "00 00 00 2d 05 00 00 00 01 00 00 00 07"
+    "00 00 00 38 05 00 00 00 01 00 00 00 07"
+    "00 04 57 69 6e 64 00 03 78 6d 6c"
     "01 02 03 04 05 06 07 08 00 02"
     "00 00 00 00 00 00 00 11 00 00 00 00 00 00 00 22"
     "00 02 2f 61 00 02 2f 62 68 69");
@@ -45,7 +46,7 @@ const std::string kReplyBytes = bytes("00 00 00 07 06 00 00 00 01 6f 6b");
 
 TEST(TheWireFormat, HasTheBytesOfTheDocumentedExampleWhateverTheWordSize) {
   EXPECT_EQ(encodeHead(HelloFrame{1, "12345-0123456789abcdef"}), kHelloBytes);
-  EXPECT_EQ(encodeHead(RequestFrame{1, 7, kMessage}) + "hi", kRequestBytes);
+  EXPECT_EQ(encodeHead(RequestFrame{1, 7, "Wind", "xml", kMessage}) + "hi", kRequestBytes);
   EXPECT_EQ(encodeHead(ReplyFrame{1, "ok"}) + "ok", kReplyBytes);
 }
 
@@ -55,6 +56,8 @@ TEST(AFrame, OfTheDocumentedExample_IsRead) {
   const auto& request = std::get<RequestFrame>(frame);
   EXPECT_EQ(request.wireId, 1U);
   EXPECT_EQ(request.requestId, 7U);
+  EXPECT_EQ(request.interface, "Wind");
+  EXPECT_EQ(request.protocol, "xml");
   EXPECT_EQ(request.message.chain, kMessage.chain);
   EXPECT_EQ(request.message.links, kMessage.links);
   EXPECT_EQ(request.message.from, "/a");
@@ -77,7 +80,7 @@ TEST(AFrame, OfEachKind_IsReadAsItWasWritten) {
 }
 
 TEST(AFrame, ThatIsCutAnywhereBeforeItsData_IsMalformed) {
-  const std::string request = body(encodeHead(RequestFrame{1, 7, kMessage}));
+  const std::string request = body(encodeHead(RequestFrame{1, 7, "Wind", "xml", kMessage}));
   const std::string hello = body(kHelloBytes);
   for (std::size_t length = 0; length < request.size(); ++length) {
     EXPECT_NE(whyMalformed(request.substr(0, length)), "it is a frame") << length;
@@ -103,9 +106,9 @@ TEST(AFrame, WithIdsThatNobodyGives_IsMalformed) {
   for (const auto& message : {noChain, noLinks, tooDeep}) {
     EXPECT_EQ(whyMalformed(body(encodeHead(message)) + "hi"), "a frame that is no message");
   }
-  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{0, 7, kMessage})) + "hi"),
+  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{0, 7, {}, {}, kMessage})) + "hi"),
             "a frame that is no request");
-  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{1, 0, kMessage})) + "hi"),
+  EXPECT_EQ(whyMalformed(body(encodeHead(RequestFrame{1, 0, {}, {}, kMessage})) + "hi"),
             "a frame that is no request");
   EXPECT_EQ(whyMalformed(body(encodeHead(FailureFrame{1, ""}))), "a frame that is no failure");
 }

@@ -92,7 +92,7 @@ class AStranger : public BusWorld {
   }
 
   static std::string request(std::uint32_t wireId, const std::string& to, const std::string& data) {
-    return encodeHead(RequestFrame{wireId, 1, {1, {2}, "/stranger", to, data}}) + data;
+    return encodeHead(RequestFrame{wireId, 1, {}, {}, {1, {2}, "/stranger", to, data}}) + data;
   }
 
   /** The bus still does its work. */
