@@ -39,6 +39,21 @@ LogLevel readLogLevel(const std::string& text) {
   return {equals == std::string::npos ? std::string() : text.substr(0, equals), number[0] - '0'};
 }
 
+constexpr std::chrono::seconds kDefaultAwait{30};
+
+/** Reads "CHANNEL" or "CHANNEL=SECONDS"; a channel's name may hold any character. */
+AwaitedChannel readAwaited(const std::string& text) {
+  const std::size_t equals = text.rfind('=');
+  if (equals == std::string::npos && !text.empty()) return {text, kDefaultAwait};
+  const std::string number = text.substr(equals + 1);
+  double value = 0;
+  if (text.empty() || equals == 0 || !seconds()(number).empty() ||
+      !CLI::detail::lexical_cast(number, value)) {
+    throw CLI::ValidationError("--await", "'" + text + "' is not CHANNEL or CHANNEL=SECONDS");
+  }
+  return {text.substr(0, equals), toMilliseconds(value)};
+}
+
 /** The verb `run`: its words, and where they go. */
 void addRun(CLI::App& app, RunOptions& options) {
   CLI::App* run = app.add_subcommand("run", "Bring up what a directive file says, until a signal");
@@ -70,6 +85,23 @@ void addRun(CLI::App& app, RunOptions& options) {
                   "Where libraries named without a slash are searched first; repeatable; default: "
                   "the directory lib beside the executable's own")
       ->type_name("DIR")
+      ->expected(1)
+      ->take_all();
+  run->add_option("--bus", options.bus,
+                  "Directory through which processes reach each other's channels; default: that of "
+                  "ZERVA_BUS in the environment, else a new one for this process and those that it "
+                  "starts")
+      ->type_name("DIR");
+  run->add_option_function<std::vector<std::string>>(
+         "--await",
+         [&](const std::vector<std::string>& channels) {
+           for (const std::string& channel : channels) {
+             options.awaited.push_back(readAwaited(channel));
+           }
+         },
+         "Wait before the start until another process serves this channel, at most so long, or 30 "
+         "seconds; repeatable")
+      ->type_name("CHANNEL[=SECONDS]")
       ->expected(1)
       ->take_all();
   run->add_flag_callback(

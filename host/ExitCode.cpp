@@ -15,7 +15,9 @@ std::string describeExitCodes() {
          "     and went down in order\n"
          "  7  requests were still under way when the stop time-out was over; nothing was deleted\n"
          "  8  a second signal ended a start or a stop that hung\n"
-         "  9  the log file could not be opened; nothing was started\n";
+         "  9  the log file could not be opened; nothing was started\n"
+         " 10  the bus that was asked for could not be opened; nothing was started\n"
+         " 11  a channel that was waited for was not served in time; nothing was started\n";
 }
 
 }  // namespace zerva

@@ -29,6 +29,10 @@ enum class ExitCode : int {
   Forced = 8,
   /** The log file could not be opened; nothing was started. */
   NoLogFile = 9,
+  /** The bus that was asked for could not be opened; nothing was started. */
+  NoBus = 10,
+  /** A channel that was waited for was not served in time; nothing was started. */
+  NotServed = 11,
 };
 
 /** @returns the part of the help that lists the codes, one a line. */

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "host/DirectiveFileCheck.h"
 #include "host/EndRequest.h"
 #include "host/Host.h"
+#include "host/HostBus.h"
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
@@ -31,7 +34,8 @@ void writeEverythingOut() {
   Console::flush();
 }
 
-[[noreturn]] void leave(ExitCode code) {
+[[noreturn]] void leave(ExitCode code, const HostBus& bus) {
+  bus.removeOwnDirectory();
   writeEverythingOut();
   // Threads are still at work in what an orderly exit would destroy.
   _exit(static_cast<int>(code));
@@ -77,9 +81,21 @@ bool lookOver(const RunOptions& options) {
   return findings.empty();
 }
 
+/** @returns null when the bus that was asked for cannot be opened; then it was told why. */
+std::unique_ptr<HostBus> openBus(const RunOptions& options) {
+  try {
+    auto bus = std::make_unique<HostBus>(options.bus);
+    if (!bus->whyNone().empty()) complain("other processes cannot be reached: " + bus->whyNone());
+    return bus;
+  } catch (const std::runtime_error& error) {
+    complain(error.what());
+    return nullptr;
+  }
+}
+
 /** A signal that asks to end came: the first ends in order, the second at once. */
 void endSignalled(int number, const sigset_t& signals, EndRequest& request, const Host& host,
-                  Report& report) {
+                  const HostBus& bus, Report& report) {
   const std::string name = signalName(number);
   if (!request.made()) {
     // Told first, so that it stands before what it leads to.
@@ -91,32 +107,51 @@ void endSignalled(int number, const sigset_t& signals, EndRequest& request, cons
   // Nothing that was started stays behind; what hangs here is ended by a third signal.
   pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
   StartedProcesses::terminateAll(shortestGrace);
-  leave(ExitCode::Forced);
+  leave(ExitCode::Forced, bus);
 }
 
-ExitCode startAndStop(const RunOptions& options, const sigset_t& signals) {
+/** @returns whether every channel that is waited for is served, or the end was asked for before. */
+bool awaitChannels(const RunOptions& options, EndRequest& request, Report& report) {
+  for (const AwaitedChannel& awaited : options.awaited) {
+    if (HostBus::await(awaited.name, std::chrono::milliseconds{0}, request)) continue;
+    report.remark("waits for channel " + awaited.name);
+    if (!HostBus::await(awaited.name, awaited.longest, request)) {
+      if (request.made()) return true;
+      complain("channel " + awaited.name + " is not served, so nothing was started");
+      return false;
+    }
+  }
+  return true;
+}
+
+ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBus& bus) {
   Console console;
   Report report(console);
   EndRequest request;
   Host host(report);
   const SignalThread signalThread(
-      signals, [&](int number) { endSignalled(number, signals, request, host, report); });
+      signals, [&](int number) { endSignalled(number, signals, request, host, bus, report); });
 
-  report.remark("starts " + options.file +
-                (options.version.empty() ? "" : ", for a host of version " + options.version));
-  const StartResult start = host.start(options.file);
+  if (!awaitChannels(options, request, report)) return ExitCode::NotServed;
+  StartResult start;
+  if (!request.made()) {
+    report.remark("starts " + options.file +
+                  (options.version.empty() ? "" : ", for a host of version " + options.version));
+    start = host.start(options.file);
+  }
   if (start.exception) {
     complain("the start was ended by an exception: " + *start.exception);
   } else if (!start.fileNotOpened) {
     request.wait(options.duration);
   }
+  bus.closeToOutside();
   const StopResult stop = host.stop(options.stopTimeout);
   report.summary(host.summary());
   if (!stop.complete) {
     for (const std::string& executor : stop.underWay) {
       complain("still under way, so nothing was deleted: " + executor);
     }
-    leave(ExitCode::StillBusy);
+    leave(ExitCode::StillBusy, bus);
   }
   if (start.exception) return ExitCode::StartFailed;
   if (start.fileNotOpened) return ExitCode::FileNotRead;
@@ -131,7 +166,9 @@ ExitCode run(const RunOptions& options, const sigset_t& signals) {
   setUpPlatform(options);
   // One buffer a line: what is printed while a service hangs is seen.
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
-  const ExitCode code = startAndStop(options, signals);
+  const auto bus = openBus(options);
+  if (bus == nullptr) return ExitCode::NoBus;
+  const ExitCode code = startAndStop(options, signals, *bus);
   writeEverythingOut();
   return code;
 }

@@ -14,6 +14,12 @@ struct LogLevel {
   int level;
 };
 
+/** A channel that has to be served before the start. */
+struct AwaitedChannel {
+  std::string name;
+  std::chrono::milliseconds longest;
+};
+
 /** What `zerva run` was asked to do. */
 struct RunOptions {
   /** The directive file. */
@@ -27,6 +33,10 @@ struct RunOptions {
   std::string logFile;
   /** Where libraries without a slash in their name are searched first; empty for the default. */
   std::vector<std::string> libraryDirectories;
+  /** The directory of the bus; empty for that of the environment or a new one. */
+  std::string bus;
+  /** What is waited for, in this order. */
+  std::vector<AwaitedChannel> awaited;
   /** Whether the file is looked over first. */
   bool check = true;
   /** How long the stop waits for requests under way, and for started processes to end. */

@@ -44,6 +44,29 @@ TEST(TheCommandLine, TakesTheVersionThatAHostAppends) {
   EXPECT_EQ(options({"run", "--no-check", "a", "0.1.0"}).version, "0.1.0");
 }
 
+TEST(TheCommandLine, TakesTheBusAndTheChannelsToWaitFor) {
+  const RunOptions sut = options({"run", "a", "--bus", "/run/bus", "--await", "/one", "--await",
+                                  "/a=b, with blanks=1.5", "--await", "/three=0"});
+  EXPECT_EQ(sut.bus, "/run/bus");
+  ASSERT_EQ(sut.awaited.size(), 3U);
+  EXPECT_EQ(sut.awaited[0].name, "/one");
+  EXPECT_EQ(sut.awaited[0].longest, milliseconds(30000));
+  EXPECT_EQ(sut.awaited[1].name, "/a=b, with blanks");
+  EXPECT_EQ(sut.awaited[1].longest, milliseconds(1500));
+  EXPECT_EQ(sut.awaited[2].longest, milliseconds(0));
+}
+
+TEST(TheCommandLine, TakesNoBusAndNothingToWaitForWhenNoneIsTold) {
+  EXPECT_EQ(options({"run", "a"}).bus, "");
+  EXPECT_TRUE(options({"run", "a"}).awaited.empty());
+}
+
+TEST(TheCommandLine, RefusesToWaitForWhatIsNoChannelOrNoTime) {
+  for (const char* text : {"", "=1", "/a=", "/a=x", "/a=-1", "/a=inf"}) {
+    EXPECT_EQ(code({"run", "a", "--await", text}), ExitCode::Usage) << text;
+  }
+}
+
 TEST(TheCommandLine, TakesFractionsOfSeconds) {
   const RunOptions sut =
       options({"run", "a", "--for", "1.25", "--stop-timeout", "0", "--reply-timeout", ".5"});

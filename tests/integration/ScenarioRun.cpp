@@ -116,6 +116,17 @@ void ScenarioRun::run() {
   checkOutput("stdout", program_->output());
   checkOutput("stderr", program_->errors());
   EXPECT_TRUE(program_->survivors().empty()) << "something is left running";
+  EXPECT_TRUE(ownBuses().empty()) << "a bus is left behind";
+}
+
+/** The directories that hosts have made for their buses. */
+std::vector<std::string> ScenarioRun::ownBuses() const {
+  std::vector<std::string> found;
+  for (const auto& entry : std::filesystem::directory_iterator(temporary_.path())) {
+    const std::string name = entry.path().filename();
+    if (name.starts_with("zerva-bus-")) found.push_back(name);
+  }
+  return found;
 }
 
 void ScenarioRun::perform(const ScenarioStep& step) {
@@ -171,6 +182,9 @@ void ScenarioRun::start(const std::string& arguments) {
   environment_["PATH"] = (buildDirectory() / "bin").string() + ":" +
                          (buildDirectory() / "tests/programs").string() +
                          ":/usr/sbin:/usr/bin:/sbin:/bin";
+  // No bus but the scenario's own, and none is left in the user's directory.
+  environment_.try_emplace("ZERVA_BUS", "");
+  environment_.try_emplace("XDG_RUNTIME_DIR", temporary_.path());
   program_ = std::make_unique<ChildProcess>(program, command, environment_, directory_);
 }
 

@@ -26,6 +26,7 @@ class ScenarioRun {
   void prepare(const ScenarioStep& step);
   void start(const std::string& arguments);
   void generate(const std::string& argument);
+  std::vector<std::string> ownBuses() const;
   void checkOutput(const std::string& file, const std::string& written) const;
 
   const TempDirectory temporary_;

@@ -1,5 +1,7 @@
 #include "runtime/libClientUtils/bus/Bus.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <stdexcept>
 #include <system_error>
@@ -7,6 +9,9 @@
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/bus/BusCore.h"
+#include "runtime/libClientUtils/bus/BusDirectory.h"
+#include "runtime/libClientUtils/bus/BusLog.h"
+#include "runtime/libClientUtils/bus/Leftovers.h"
 
 namespace zerva {
 
@@ -56,6 +61,9 @@ Bus::Bus(const std::string& directory) : core_(open(directory)) {
   for (const std::string& name : channels.servedHere()) {
     channels.servedMayHaveChanged(name);
   }
+  if (loggingOnAppUni("Bus", 6)) {
+    BUS_LOG(6, "the bus in %s is open", core_->directory().c_str());
+  }
 }
 
 Bus::~Bus() {
@@ -65,6 +73,13 @@ Bus::~Bus() {
 }
 
 void Bus::closeToOutside() { core_->closeToOutside(); }
+
+void Bus::removeIfAbandoned(const std::string& directory) {
+  const BusDirectory abandoned(directory);
+  removeLeftovers(abandoned);
+  // The system removes no directory that holds something.
+  ::rmdir(abandoned.path().c_str());
+}
 
 const std::string& Bus::directory() const { return core_->directory(); }
 

@@ -46,6 +46,14 @@ class ZERVA_EXPORT Bus {
    */
   void closeToOutside();
 
+  /**
+   * Removes a directory of a bus, and what processes that have ended have left in it, when no
+   * process is on the bus any more and nothing else lies there; else it stays.
+   *
+   * @throws std::runtime_error as the constructor, when it is no directory for a bus.
+   */
+  static void removeIfAbandoned(const std::string& directory);
+
   /** @returns the directory's absolute path. */
   const std::string& directory() const;
 

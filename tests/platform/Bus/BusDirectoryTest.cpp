@@ -135,4 +135,18 @@ TEST_F(TheBusDirectory, IsFreedOfWhatEndedProcessesLeftAndOfNothingElse) {
   EXPECT_TRUE(std::filesystem::exists(path / "somebody's notes"));
 }
 
+TEST_F(TheBusDirectory, IsRemovedWhenNoProcessIsOnTheBusAnyMore) {
+  { const Bus ended(path); }
+  directory.write("bus/77-0123456789abcdef.names", "");
+  Bus::removeIfAbandoned(path);
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(TheBusDirectory, IsNotRemovedWhileAProcessIsOnTheBus) {
+  const Bus sut(path);
+  Bus::removeIfAbandoned(path);
+  EXPECT_EQ(files(".names"), 1U);
+  EXPECT_EQ(files(".sock"), 1U);
+}
+
 }  // namespace
