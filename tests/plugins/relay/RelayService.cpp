@@ -1,0 +1,51 @@
+// A service that behaves: it hands calls on. In which order, the caller says.
+
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <stdexcept>
+
+#include "SvcRTEContext.h"
+#include "framework/Service.h"
+#include "tests/plugins/relay/Relay.h"
+
+class RelayService : public Service, public Relay {
+ public:
+  void init(SvcRTEContext* context) override { context_ = context; }
+
+  void stop() override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopped_ = true;
+    changed_.notify_all();
+  }
+
+  std::vector<int> pass(const std::vector<std::string>& way) override {
+    std::vector<int> processes{getpid()};
+    if (way.empty()) return processes;
+    if (way[0] == "hold") return hold();
+    if (way[0] == "throw") throw std::runtime_error("no way");
+    auto* const next = dynamic_cast<Relay*>(context_->findService(way[0]));
+    if (next == nullptr) throw std::runtime_error("nobody is " + way[0]);
+    const auto beyond = next->pass({way.begin() + 1, way.end()});
+    processes.insert(processes.end(), beyond.begin(), beyond.end());
+    return processes;
+  }
+
+ private:
+  std::vector<int> hold() {
+    std::puts("held");
+    std::fflush(stdout);
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [this] { return stopped_; });
+    throw std::runtime_error("held until it was stopped");
+  }
+
+  SvcRTEContext* context_ = nullptr;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool stopped_ = false;  // guarded by mutex_
+};
+
+extern "C" ZERVA_EXPORT Service* createRelay() { return new RelayService; }
