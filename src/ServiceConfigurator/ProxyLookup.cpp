@@ -7,8 +7,9 @@
 
 Executable* ServiceConfigurator::findService(const std::string& ifc) {
   CONFIGURATOR_LOG_PROGRESS("findService called for interface: %s", ifc.c_str());
-  std::string interfaceName = ifc;
-  if (Proxy* proxy = serviceRepository->findServiceProxy(interfaceName)) {
+  // A repository may write into the name that it is given; each gets a copy of its own.
+  std::string sought = ifc;
+  if (Proxy* proxy = serviceRepository->findServiceProxy(sought)) {
     CONFIGURATOR_LOG_PROGRESS("Service Configurator: Service proxy found locally, returning");
     return proxy;
   }
@@ -35,9 +36,9 @@ Executable* ServiceConfigurator::findService(const std::string& ifc) {
   if (reply.status != "found_proxy") {
     return nullptr;
   }
+  std::string recorded = ifc;
   std::string qualifier;
-  return initProxyAndAddToRepository(reply.lib, reply.creator, svcChannel, interfaceName,
-                                     qualifier);
+  return initProxyAndAddToRepository(reply.lib, reply.creator, svcChannel, recorded, qualifier);
 }
 
 Proxy* ServiceConfigurator::findProxy(std::string& ifc, std::string& svcChannel,

@@ -57,6 +57,28 @@ TEST_P(FindService, ThatTheRegistryKnows_MakesAndRecordsAProxy) {
   EXPECT_EQ(fakes::Objects::name(proxy), "Proxy#1");
 }
 
+TEST_P(FindService, InARepositoryThatWritesIntoTheName_RecordsTheProxyUnderTheNameThatWasAsked) {
+  class Scribbling : public fakes::RecordingRepository {
+   public:
+    using RecordingRepository::findServiceProxy;
+    using RecordingRepository::RecordingRepository;
+    Proxy* findServiceProxy(std::string& interfaceName) override {
+      Proxy* const found = RecordingRepository::findServiceProxy(interfaceName);
+      interfaceName = "scribbled";
+      return found;
+    }
+  } scribbling(repository);
+  plain =
+      make<OpenConfigurator>(&channel, &scribbling, &protocols, &interceptors, &invokeInterceptors);
+  Platform::reply("find:FooIfc,host", "found:/svc/a");
+  Platform::reply("find_proxy:FooIfc", "found_proxy:libA.so,createA");
+  offerProxy("libA.so", "createA");
+  find("FooIfc");
+  EXPECT_THAT(Trace::lines(), testing::Contains(testing::ContainsRegex(
+                                  "ProxyRequestImpl.*CommsChannel#1, \"/svc/a\", \"FooIfc\"")));
+  plain.reset();
+}
+
 TEST_P(FindService, AskedAgain_GivesTheProxyThatWasMade) {
   Platform::reply("find:FooIfc,host", "found:/svc/a");
   Platform::reply("find_proxy:FooIfc", "found_proxy:libA.so,createA");
