@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "framework/DecodeException.h"
+#include "rmi/Carried.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
 #include "tests/platform/Calls/Carrying.h"
 
@@ -238,6 +239,26 @@ TEST(SimpleRmi, IsMessagePack) {
 
   using namespace std::string_literals;
   EXPECT_EQ(call, "\xa5speed\x92\xfd\xcb\x3f\xf8\0\0\0\0\0\0"s);
+}
+
+/** The call and the reply that docs/call-protocols.md shows. */
+void expectTheDocumentedExample(ProtocolAdapter& sut, const std::string& call,
+                                const std::string& reply) {
+  std::string written;
+  sut.writeCall("speed", rmi::Sent<std::tuple<int>>{{3}}, written);
+  EXPECT_EQ(written, call);
+  sut.writeReply(rmi::Sent<double>{3.5}, written);
+  EXPECT_EQ(written, reply);
+}
+
+TEST(EachProtocol, HasTheBytesOfItsDocumentedExample) {
+  using namespace std::string_literals;
+  ProtocolRepository protocols;
+  expectTheDocumentedExample(*protocols.findProtocolAdapter("zerva_simple_rmi"),
+                             "\xa5\x73\x70\x65\x65\x64\x91\x03"s, "\xcb\x40\x0c\0\0\0\0\0\0"s);
+  expectTheDocumentedExample(*protocols.findProtocolAdapter("zerva_svc_xml"),
+                             "<call method=\"speed\"><list><integer>3</integer></list></call>",
+                             "<reply><real>3.5</real></reply>");
 }
 
 TEST(SimpleRmi, DoesNotBelieveAListThatIsLongerThanTheBytes) {
