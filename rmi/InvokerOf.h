@@ -11,6 +11,7 @@
 #include "framework/Executable.h"
 #include "framework/Invoker.h"
 #include "framework/ProtocolAdapter.h"
+#include "framework/ZervaException.h"
 #include "rmi/Carried.h"
 #include "rmi/Method.h"
 
@@ -59,8 +60,13 @@ class InvokerOf : public Invoker {
     } catch (const DecodeException& exception) {
       throw DecodeException(std::string("the arguments did not decode: ") + exception.what());
     }
-    const auto make = [&](auto&&... values) -> decltype(auto) {
-      return std::invoke(Pointer, service, std::forward<decltype(values)>(values)...);
+    const auto make = [&](auto&&... values) -> Result {
+      try {
+        return std::invoke(Pointer, service, std::forward<decltype(values)>(values)...);
+      } catch (const DecodeException& exception) {
+        // Of something that the service decoded; this call did get there.
+        throw ZervaException(exception.what());
+      }
     };
     if constexpr (std::is_void_v<Result>) {
       std::apply(make, std::move(arguments.value));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "FrameworkContext.h"
@@ -306,7 +307,7 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
   std::string interface = envelope.call.interface;
   std::string protocol = envelope.call.protocol;
   std::string reply;
-  std::string refusal;
+  std::optional<std::string> refusal;
   ProtocolAdapter* adapter = nullptr;
   Invoker* invoker = nullptr;
   if (const auto error = exceptionOf([&] {
@@ -332,8 +333,12 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
   if (error) {
     return "the service threw: " + *error;
   }
+  if (refusal && refusal->empty()) {
+    // Also a refusal without a text is one.
+    return "the call was refused without a reason";
+  }
   answer = std::make_shared<const std::string>(std::move(reply));
-  return refusal;
+  return refusal.value_or(std::string());
 }
 
 /** Hands the service a message that is no call. @returns why it failed, or "". */

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "framework/CallException.h"
+#include "framework/DecodeException.h"
 #include "framework/InvokeInterceptor.h"
 #include "framework/ProxyRequestImpl.h"
 #include "rmi/InvokerOf.h"
@@ -127,6 +128,26 @@ TEST_P(ACall, ToAServiceThatThrows_SaysWhatItThrew) {
   EXPECT_THAT([this] { sut.speed(-1); },
               ThrowsMessage<CallException>(StrEq("call of WindSensor.speed on channel '/wind' "
                                                  "failed: the service threw: no station -1")));
+}
+
+TEST_P(ACall, ToAServiceThatCannotDecodeSomethingItself_SaysThatTheServiceThrew) {
+  service.onSpeed = [] { throw DecodeException("a broken file"); };
+  run();
+  EXPECT_THAT([this] { sut.speed(1); },
+              ThrowsMessage<CallException>(HasSubstr("failed: the service threw: a broken file")));
+}
+
+TEST_P(ACall, ThatItsInvokerRefusesWithoutAText_HasFailedAllTheSame) {
+  class Refusing : public Invoker {
+    void invoke(Executable&, ProtocolAdapter&, const std::string&, std::string&) override {
+      throw DecodeException("");
+    }
+  } refusing;
+  world.context.invoker = [&](const std::string&, const std::string&) { return &refusing; };
+  run();
+  EXPECT_THAT([this] { sut.rename("a", "b"); },
+              ThrowsMessage<CallException>(HasSubstr("refused without a reason")));
+  world.end();
 }
 
 TEST_P(ACall, ThatFails_NamesItsPartsOneByOne) {
