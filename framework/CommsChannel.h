@@ -38,6 +38,15 @@ class ZERVA_EXPORT CommsChannel : public CommsChannelIfc {
   bool receiveReply(CommsChannelDataContainerMessage& message, long requestId) override;
   bool isServed(const std::string& channel) override;
 
+  /**
+   * Tells who serves a name now, so that it can be known later whether it is still the same one.
+   * Sends nothing, creates no lazy service and does not block.
+   *
+   * @returns a text that belongs to this serving of the name alone: another process, or the same
+   *     one serving the name anew, has another. Empty when nobody serves the name.
+   */
+  std::string whoServes(const std::string& channel);
+
   /** The implementation's state, for the platform's own libraries; opaque to everybody else. */
   struct State;
   State& state();

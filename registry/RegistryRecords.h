@@ -22,12 +22,15 @@ struct CodeRecord {
  */
 class RegistryRecords {
  public:
-  /** Tells whether a channel is served now. */
-  using IsServed = std::function<bool(const std::string& channel)>;
+  /** Tells who serves a channel now, as `CommsChannel::whoServes`. */
+  using WhoServes = std::function<std::string(const std::string& channel)>;
 
-  explicit RegistryRecords(IsServed isServed);
+  explicit RegistryRecords(WhoServes whoServes);
 
-  /** Notes that an interface is served on a channel, behind those that were noted before. */
+  /**
+   * Notes that an interface is served on a channel, behind those that were noted before. It holds
+   * as long as whoever serves the channel now does; when nobody does yet, from whoever is first.
+   */
   void announce(const std::string& ifc, const std::string& channel);
 
   /** Forgets that an interface is served on a channel; nothing happens when it is not known. */
@@ -35,7 +38,7 @@ class RegistryRecords {
 
   /**
    * @returns the channel on which an interface is served now, of several the one that was announced
-   *     first. What was announced on channels before it that are gone is forgotten.
+   *     first. When one before it is gone, all that was announced on that is forgotten.
    */
   std::optional<std::string> findChannel(const std::string& ifc);
 
@@ -48,12 +51,21 @@ class RegistryRecords {
   std::optional<CodeRecord> findInvoker(const std::string& ifc, const std::string& protocol) const;
 
  private:
-  const IsServed isServed_;
+  struct Announcement {
+    std::string channel;
+    /** Who serves it; empty as long as nobody did. */
+    std::string server;
+  };
+
+  bool holds(const std::string& ifc, const Announcement& announcement);
+  void forget(const Announcement& gone);
+
+  const WhoServes whoServes_;
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  std::map<std::string, std::vector<std::string>> channels_;  // by interface
-  std::map<std::string, CodeRecord> proxies_;                 // by interface
+  std::map<std::string, std::vector<Announcement>> announced_;  // by interface
+  std::map<std::string, CodeRecord> proxies_;                   // by interface
   std::map<std::pair<std::string, std::string>, CodeRecord> invokers_;
 };
 

@@ -47,6 +47,12 @@ RegistryText parseRegistryText(const std::string& text) {
     }
     start = comma + 1;
   }
+  // The last field of a question is the name of the asking process's channel, and nobody can keep
+  // that from having commas.
+  if (parsed.word == "find" && parsed.fields.size() > known->second) {
+    parsed.fields.resize(known->second);
+    parsed.fields.back() = text.substr(text.find(',', colon) + 1);
+  }
   if (parsed.fields.size() != known->second) {
     throw ZervaException(shown(text) + " has " + std::to_string(parsed.fields.size()) +
                          " fields where " + std::to_string(known->second) + " are expected");

@@ -45,7 +45,7 @@ void forEachName(const std::string& list, const Function& function) {
 
 ServiceRegistry::ServiceRegistry()
     : channel_(std::string(kOwnChannel) + "/asking", nullptr),
-      records_([this](const std::string& channel) { return channel_.isServed(channel); }) {
+      records_([this](const std::string& channel) { return channel_.whoServes(channel); }) {
   records_.announce(kOwnInterface, kOwnChannel);
   records_.recordProxy(kOwnInterface, {kOwnLibrary, "createServiceRegistryProxy"});
   for (const char* protocol : {"zerva_svc_xml", "zerva_simple_rmi"}) {
@@ -82,6 +82,7 @@ std::string ServiceRegistry::answer(const std::string& text) {
 }
 
 void ServiceRegistry::registerInterface(const std::string& ifc, const std::string& channel) {
+  refuseCommas("an interface", {ifc, channel});
   forEachName(ifc, [&](const std::string& name) {
     records_.announce(name, channel);
     if (loggingOnAppUni(kModule, 5)) {

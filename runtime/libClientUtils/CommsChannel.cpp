@@ -54,4 +54,9 @@ bool CommsChannel::isServed(const std::string& channel) {
   return ChannelDirectory::instance().find(channel) != nullptr;
 }
 
+std::string CommsChannel::whoServes(const std::string& channel) {
+  const auto destination = ChannelDirectory::instance().find(channel);
+  return destination != nullptr ? destination->server() : std::string();
+}
+
 CommsChannel::State& CommsChannel::state() { return *state_; }

@@ -17,6 +17,9 @@ class ZERVA_EXPORT Destination {
   /** @returns what tells this destination from all others, also from one of the same name. */
   virtual std::uint64_t instance() const = 0;
 
+  /** @returns as `CommsChannel::whoServes`. */
+  virtual std::string server() const = 0;
+
   /**
    * Takes a message. Does not wait for anybody and calls no service.
    *

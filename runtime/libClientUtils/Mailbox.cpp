@@ -155,6 +155,8 @@ bool Mailbox::deliver(Envelope& envelope) {
   return taker->receive(envelope);
 }
 
+std::string Mailbox::server() const { return "here " + std::to_string(instance_); }
+
 bool Mailbox::waitsForCaller() const {
   const auto serving = receiver();
   return serving != nullptr && serving->waitsForCaller();

@@ -93,6 +93,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   void waitForDeliveries();
 
   std::uint64_t instance() const override { return instance_; }
+  std::string server() const override;
   bool deliver(Envelope& envelope) override;
   bool waitsForCaller() const override;
   void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,

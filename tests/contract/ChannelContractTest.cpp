@@ -57,6 +57,22 @@ TEST_F(AChannel, BringsEachReplyToItsRequest) {
   EXPECT_EQ(two.getData(), "re: two");
 }
 
+TEST_F(AChannel, TellsWhetherANameIsStillServedByTheSame) {
+  ScriptedService service;
+  ExecutorWorld world;
+  CommsChannel sut("/caller", nullptr);
+  EXPECT_EQ(sut.whoServes("/svc"), "");
+  ServiceExecutor& executor = world.run(&service, "/svc", Mode::ST);
+  const std::string first = sut.whoServes("/svc");
+  EXPECT_NE(first, "");
+  EXPECT_EQ(sut.whoServes("/svc"), first);
+  executor.shutdown();
+  EXPECT_EQ(sut.whoServes("/svc"), "");
+  world.run(&service, "/svc", Mode::ST);
+  EXPECT_NE(sut.whoServes("/svc"), "");
+  EXPECT_NE(sut.whoServes("/svc"), first);
+}
+
 TEST_F(AChannel, RefusesAnIdThatIsOutstanding) {
   ScriptedService service;
   ExecutorWorld world;

@@ -18,7 +18,9 @@ Directory& directory() {
 }  // namespace
 
 void CommsChannel::State::serve() {
+  static int last = 0;
   served = true;
+  servedAs = ++last;
   directory().served.push_back(this);
 }
 

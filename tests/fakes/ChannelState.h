@@ -31,6 +31,8 @@ struct CommsChannel::State {
   bool closed = false;
   /** Set while an executor serves the channel. */
   bool served = false;
+  /** Tells this serving of the name from all others. */
+  int servedAs = 0;
   std::deque<Waiting> requests;
   std::map<std::uint32_t, Outcome> outstanding;
 

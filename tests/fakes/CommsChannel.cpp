@@ -110,4 +110,10 @@ bool CommsChannel::isServed(const std::string& channel) {
   return State::serving(channel) != nullptr;
 }
 
+std::string CommsChannel::whoServes(const std::string& channel) {
+  called(this, "whoServes", {inQuotes(channel)});
+  const State* const server = State::serving(channel);
+  return server != nullptr ? std::to_string(server->servedAs) : std::string();
+}
+
 CommsChannel::State& CommsChannel::state() { return *state_; }

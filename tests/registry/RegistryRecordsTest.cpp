@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
+#include <functional>
+#include <map>
+#include <utility>
 
 #include "registry/RegistryRecords.h"
 #include "tests/support/Concurrently.h"
@@ -14,11 +16,14 @@ using testing::Optional;
 
 class TheRecords : public testing::Test {
  protected:
-  std::set<std::string> gone;
-  std::vector<std::string> asked;
+  /** Who serves a channel; somebody does when it is not told otherwise, nobody when it is "". */
+  std::map<std::string, std::string> servers;
+  /** Is called, once, when somebody asks who serves a channel. */
+  std::function<void()> meanwhile;
   RegistryRecords sut{[this](const std::string& channel) {
-    asked.push_back(channel);
-    return gone.count(channel) == 0;
+    const std::string server = servers.try_emplace(channel, "somebody").first->second;
+    if (const auto now = std::exchange(meanwhile, nullptr)) now();
+    return server;
   }};
 };
 
@@ -43,23 +48,62 @@ TEST_F(TheRecords, GiveTheChannelThatWasAnnouncedFirst) {
 TEST_F(TheRecords, DoNotGiveOutAChannelThatIsGone) {
   sut.announce("AIfc", "/a");
   sut.announce("AIfc", "/b");
-  gone = {"/a"};
+  servers["/a"] = "";
   EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/b")));
+}
+
+TEST_F(TheRecords, DoNotGiveOutAChannelThatSomebodyElseServesByNow) {
+  sut.announce("AIfc", "/a");
+  servers["/a"] = "somebody else";
+  EXPECT_EQ(sut.findChannel("AIfc"), std::nullopt);
+}
+
+TEST_F(TheRecords, ForgetAllThatBelongedToAChannelThatIsGone) {
+  sut.announce("AIfc", "/a");
+  sut.announce("BIfc", "/a");
+  servers["/a"] = "";
+  sut.findChannel("AIfc");
+  servers["/a"] = "somebody";
+  EXPECT_EQ(sut.findChannel("BIfc"), std::nullopt);
+}
+
+TEST_F(TheRecords, HoldWhatIsAnnouncedBeforeAnybodyServesTheChannel) {
+  servers["/a"] = "";
+  sut.announce("AIfc", "/a");
+  sut.announce("AIfc", "/b");
+  EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/b")));
+  servers["/a"] = "somebody";
+  EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/a"))) << "it was announced first";
+  servers["/a"] = "somebody else";
+  EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/b")));
+}
+
+// A service that was started again announced itself just when somebody found its old channel gone,
+// and was taken for the old one and forgotten.
+TEST_F(TheRecords, KeepWhatIsAnnouncedAgainWhileTheOldIsFoundGone) {
+  sut.announce("AIfc", "/a");
+  servers["/a"] = "";
+  meanwhile = [this] {
+    servers["/a"] = "somebody new";
+    sut.announce("AIfc", "/a");
+  };
+  sut.findChannel("AIfc");
+  EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/a")));
 }
 
 TEST_F(TheRecords, ForgetAChannelThatIsGone) {
   sut.announce("AIfc", "/a");
-  gone = {"/a"};
+  servers["/a"] = "";
   sut.findChannel("AIfc");
-  gone.clear();
+  servers["/a"] = "somebody";
   EXPECT_EQ(sut.findChannel("AIfc"), std::nullopt);
 }
 
 TEST_F(TheRecords, KnowAnInterfaceAgainThatIsAnnouncedAgain) {
   sut.announce("AIfc", "/a");
-  gone = {"/a"};
+  servers["/a"] = "";
   sut.findChannel("AIfc");
-  gone.clear();
+  servers["/a"] = "somebody";
   sut.announce("AIfc", "/a");
   EXPECT_THAT(sut.findChannel("AIfc"), Optional(Eq("/a")));
 }
@@ -96,7 +140,7 @@ TEST_F(TheRecords, HoldTheLatestInvokerOfAnInterfaceAndProtocol) {
 }
 
 TEST(RecordsOfManyThreads, LoseNothing) {
-  RegistryRecords sut{[](const std::string&) { return true; }};
+  RegistryRecords sut{[](const std::string&) { return std::string("somebody"); }};
   concurrently(8, [&](std::size_t thread) {
     for (int i = 0; i < 100; ++i) {
       const std::string name = std::to_string(thread) + "/" + std::to_string(i);

@@ -30,6 +30,11 @@ TEST(ARegistryText, OfEachKindHasItsNumberOfFields) {
   EXPECT_EQ(parseRegistryText("find_invoker:AIfc,p").fields.size(), 2U);
 }
 
+TEST(ARegistryText, ThatAsksForAService_LeavesTheNameOfTheAskersChannelWhole) {
+  EXPECT_THAT(parseRegistryText("find:AIfc,/a, b,").fields, ElementsAre("AIfc", "/a, b,"));
+  EXPECT_THROW(parseRegistryText("find:AIfc"), ZervaException);
+}
+
 TEST(ARegistryText, WithAnotherNumberOfFieldsIsRefusedWithBothNumbers) {
   EXPECT_THAT([] { parseRegistryText("reg_proxy:libA.so,createA,AIfc"); },
               ThrowsMessage<ZervaException>(HasSubstr("has 3 fields where 4 are expected")));

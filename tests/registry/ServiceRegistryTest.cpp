@@ -4,6 +4,7 @@
 #include "framework/CommsChannelDataContainerMessage.h"
 #include "framework/ZervaException.h"
 #include "registry/ServiceRegistry.h"
+#include "tests/support/ExecutorWorld.h"
 
 namespace zerva {
 namespace {
@@ -41,6 +42,33 @@ TEST_F(TheRegistry, DoesNotGiveOutAChannelThatNobodyServes) {
   EXPECT_EQ(ask("find:AIfc,/host"), "unknown:");
 }
 
+TEST_F(TheRegistry, AnnouncesEachNameOfAListAndTakesThemBack) {
+  ScriptedService service;
+  ExecutorWorld world;
+  world.run(&service, "/served", Mode::MT);
+  sut.registerInterface("AIfc BIfc  CIfc", "/served");
+  for (const char* const ifc : {"AIfc", "BIfc", "CIfc"}) {
+    EXPECT_EQ(ask(std::string("find:") + ifc + ",/host"), "found:/served");
+  }
+  sut.unregisterInterface("AIfc CIfc", "/served");
+  EXPECT_EQ(ask("find:AIfc,/host"), "unknown:");
+  EXPECT_EQ(ask("find:BIfc,/host"), "found:/served");
+  EXPECT_EQ(ask("find:CIfc,/host"), "unknown:");
+  EXPECT_EQ(ask("find:AIfc BIfc  CIfc,/host"), "unknown:") << "the list is no name";
+}
+
+TEST_F(TheRegistry, ForgetsWhatWasServedByAnExecutorThatIsGone) {
+  ScriptedService service;
+  ExecutorWorld world;
+  ServiceExecutor& first = world.run(&service, "/served", Mode::MT);
+  sut.registerInterface("AIfc", "/served");
+  world.remove(first);
+  world.run(&service, "/served", Mode::MT);
+  EXPECT_EQ(ask("find:AIfc,/host"), "unknown:") << "it is served by another one";
+  sut.registerInterface("AIfc", "/served");
+  EXPECT_EQ(ask("find:AIfc,/host"), "found:/served");
+}
+
 TEST_F(TheRegistry, TakesRecordsAsTextAndAsCallsToTheSamePlace) {
   EXPECT_EQ(ask("reg_proxy:libA.so,createA,AIfc,zerva_simple_rmi"), "");
   EXPECT_EQ(ask("find_proxy:AIfc"), "found_proxy:libA.so,createA");
@@ -69,6 +97,7 @@ TEST_F(TheRegistry, RefusesATextThatIsMalformedAndChangesNothing) {
 TEST_F(TheRegistry, RefusesACommaThatWouldBeReadAsTheEndOfAField) {
   EXPECT_THROW(sut.registerProxy("lib,A.so", "createA", "AIfc", "p"), ZervaException);
   EXPECT_THROW(sut.registerInvoker("libA.so", "create,A", "AIfc", "p"), ZervaException);
+  EXPECT_THROW(sut.registerInterface("AIfc", "/a,b"), ZervaException);
   EXPECT_EQ(ask("find_proxy:AIfc"), "unknown:");
   EXPECT_EQ(ask("find_invoker:AIfc,p"), "unknown:");
 }

@@ -101,18 +101,18 @@ void BusDirectory::remove(const std::string& name) const {
   ::unlinkat(directory_.get(), name.c_str(), 0);
 }
 
-std::vector<std::string> BusDirectory::list() const {
-  std::vector<std::string> names;
+std::optional<std::vector<std::string>> BusDirectory::list() const {
   // Opened anew, since a position is kept with each.
   FileDescriptor again = open(".", O_RDONLY | O_DIRECTORY);
   if (!again) {
-    return names;
+    return std::nullopt;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(again.get()), &::closedir);
   if (entries == nullptr) {
-    return names;
+    return std::nullopt;
   }
   again.release();
+  std::vector<std::string> names;
   while (const dirent* entry = ::readdir(entries.get())) {
     names.emplace_back(entry->d_name);
   }

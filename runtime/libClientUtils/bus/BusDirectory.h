@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,8 @@ class BusDirectory {
 
   void remove(const std::string& name) const;
 
-  /** @returns the names in it. */
-  std::vector<std::string> list() const;
+  /** @returns the names in it, or nothing when it cannot be read. Sets `errno`. */
+  std::optional<std::vector<std::string>> list() const;
 
   /** @returns an error's text with the directory before it. */
   std::string describe(const std::string& cause) const;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <set>
 #include <string_view>
+#include <vector>
 
 #include "runtime/libClientUtils/bus/BusId.h"
 #include "runtime/libClientUtils/bus/FileDescriptor.h"
@@ -59,7 +60,7 @@ bool removeLeftover(const BusDirectory& directory, const std::string& id) {
 
 void removeLeftovers(const BusDirectory& directory) {
   std::set<std::string> ids;
-  for (const std::string& name : directory.list()) {
+  for (const std::string& name : directory.list().value_or(std::vector<std::string>())) {
     const std::string id = name.substr(0, name.find('.'));
     if (!isBusId(id)) {
       continue;  // not ours, whatever it is

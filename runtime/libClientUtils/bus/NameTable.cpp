@@ -1,5 +1,7 @@
 #include "runtime/libClientUtils/bus/NameTable.h"
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "runtime/libClientUtils/bus/BusId.h"
@@ -20,10 +22,10 @@ constexpr std::string_view kSuffix = ".names";
 NameTable::NameTable(const BusDirectory& directory, std::string ownId)
     : directory_(directory), ownId_(std::move(ownId)) {}
 
-std::optional<std::string> NameTable::find(const std::string& name,
-                                           const std::set<std::string>& except) {
+std::optional<NameTable::Server> NameTable::find(const std::string& name,
+                                                 const std::set<std::string>& except) {
   std::vector<std::string> complaints;
-  std::optional<Best> found;
+  std::optional<Server> found;
   {
     const std::lock_guard lock(mutex_);
     found = best(name, except);
@@ -37,7 +39,7 @@ std::optional<std::string> NameTable::find(const std::string& name,
   for (const std::string& complaint : complaints) {
     BUS_LOG(3, "%s", complaint.c_str());
   }
-  return found ? std::optional(std::move(found->id)) : std::nullopt;
+  return found;
 }
 
 void NameTable::forget(const std::string& id) {
@@ -45,9 +47,9 @@ void NameTable::forget(const std::string& id) {
   peers_.erase(id);
 }
 
-std::optional<NameTable::Best> NameTable::best(const std::string& name,
-                                               const std::set<std::string>& except) const {
-  std::optional<Best> best;
+std::optional<NameTable::Server> NameTable::best(const std::string& name,
+                                                 const std::set<std::string>& except) const {
+  std::optional<Server> best;
   // In the order of their ids, which decides between two that began at the same moment.
   for (const auto& [id, names] : peers_) {
     const auto since = names.servedSince(name);
@@ -58,7 +60,7 @@ std::optional<NameTable::Best> NameTable::best(const std::string& name,
   return best;
 }
 
-bool NameTable::holdsStill(const Best& best, const std::string& name,
+bool NameTable::holdsStill(const Server& best, const std::string& name,
                            std::vector<std::string>& complaints) {
   if (best.since >= refreshed_ || monotonicStamp() - refreshed_ > kFreshFor) {
     return false;
@@ -72,8 +74,15 @@ bool NameTable::holdsStill(const Best& best, const std::string& name,
 
 void NameTable::refreshAll(std::vector<std::string>& complaints) {
   const std::uint64_t now = monotonicStamp();
+  const auto files = directory_.list();
+  if (!files) {
+    // For lack of descriptors, for instance: what was known is better than nothing.
+    complaints.push_back("the processes on the bus cannot be looked up: " +
+                         std::generic_category().message(errno));
+    return;
+  }
   std::set<std::string> there;
-  for (const std::string& file : directory_.list()) {
+  for (const std::string& file : *files) {
     if (file.size() > kSuffix.size() && file.ends_with(kSuffix)) {
       std::string id = file.substr(0, file.size() - kSuffix.size());
       if (isBusId(id) && id != ownId_) {

@@ -22,23 +22,26 @@ class NameTable {
    */
   NameTable(const BusDirectory& directory, std::string ownId);
 
+  /** A process that serves a name, and since when, in nanoseconds of the monotonic clock. */
+  struct Server {
+    std::string id;
+    std::uint64_t since;
+  };
+
   /**
    * @param except processes that are not looked at.
    * @returns the process that has served the name longest; when it returns nothing, nobody served
    *     it at some moment of the call. Does not wait for anybody.
    */
-  std::optional<std::string> find(const std::string& name, const std::set<std::string>& except);
+  std::optional<Server> find(const std::string& name, const std::set<std::string>& except);
 
   /** Forgets what was read of a process that has ended. */
   void forget(const std::string& id);
 
  private:
-  struct Best {
-    std::string id;
-    std::uint64_t since;
-  };
-  std::optional<Best> best(const std::string& name, const std::set<std::string>& except) const;
-  bool holdsStill(const Best& best, const std::string& name, std::vector<std::string>& complaints);
+  std::optional<Server> best(const std::string& name, const std::set<std::string>& except) const;
+  bool holdsStill(const Server& best, const std::string& name,
+                  std::vector<std::string>& complaints);
   void refreshAll(std::vector<std::string>& complaints);
 
   const BusDirectory& directory_;

@@ -36,26 +36,33 @@ bool PeerNames::openCurrent(std::string& complaint) {
   if (file_ && ::fstat(file_.get(), &status) == 0 && status.st_nlink > 0) {
     return true;
   }
+  FileDescriptor current = directory_.open(BusDirectory::journalName(id_), O_RDONLY);
+  if (!current && errno != ENOENT) {
+    // For lack of descriptors, for instance: what was known is better than nothing.
+    complaint = complain("its file cannot be read: " + std::generic_category().message(errno));
+    return false;
+  }
   const bool knewIt = static_cast<bool>(file_);
-  file_ = directory_.open(BusDirectory::journalName(id_), O_RDONLY);
+  file_ = std::move(current);
   offset_ = 0;
   parser_ = {};
   if (knewIt) {
     complained_ = false;
   }
-  std::string cause;
-  if (!file_) {
-    cause = errno == ENOENT ? "" : std::generic_category().message(errno);
-  } else if (::fstat(file_.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-             status.st_uid != ::geteuid()) {
-    cause = "it is no file of this user";
+  if (file_ && (::fstat(file_.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+                status.st_uid != ::geteuid())) {
+    complaint = complain("its file cannot be read: it is no file of this user");
     file_.reset();
   }
-  if (!cause.empty() && !std::exchange(complained_, true)) {
-    complaint = "the names of " + describeProcess(id_) +
-                " are not known, its file cannot be read: " + cause;
-  }
   return static_cast<bool>(file_);
+}
+
+/** @returns the text of a complaint, once for each file. */
+std::string PeerNames::complain(const std::string& cause) {
+  if (std::exchange(complained_, true)) {
+    return {};
+  }
+  return "the names of " + describeProcess(id_) + " are not known, " + cause;
 }
 
 std::string PeerNames::readOn() {
@@ -75,10 +82,7 @@ std::string PeerNames::readOn() {
     offset_ += got;
   }
   offset_ -= static_cast<off_t>(parser_.takeBackPartial());
-  if (!good && !std::exchange(complained_, true)) {
-    return "the names of " + describeProcess(id_) + " are not known: its file is no list of names";
-  }
-  return {};
+  return good ? std::string() : complain("its file is no list of names");
 }
 
 }  // namespace zerva

@@ -31,6 +31,7 @@ class PeerNames {
  private:
   bool openCurrent(std::string& complaint);
   std::string readOn();
+  std::string complain(const std::string& cause);
 
   const BusDirectory& directory_;
   const std::string id_;

@@ -12,28 +12,37 @@ namespace zerva {
 /** The way to a channel of another process, for whoever has just looked it up. */
 class RemoteChannel final : public Destination {
  public:
-  explicit RemoteChannel(std::shared_ptr<Peer> peer) : peer_(std::move(peer)) {}
+  /** @param server as `Destination::server` tells it. */
+  RemoteChannel(std::shared_ptr<Peer> peer, std::string server)
+      : peer_(std::move(peer)), server_(std::move(server)) {}
   virtual ~RemoteChannel() = default;
 
   /** Another one for each look-up, so that a late reply is not taken for that of a later request.
    */
   std::uint64_t instance() const override { return instance_; }
+  std::string server() const override { return server_; }
   bool deliver(Envelope& envelope) override { return peer_->deliver(envelope); }
   bool waitsForCaller() const override { return false; }
 
  private:
   const std::shared_ptr<Peer> peer_;
+  const std::string server_;
   const std::uint64_t instance_ = newDestinationInstance();
 };
 
 /** The way to a channel that is served, but cannot be reached now. */
 class UnreachableChannel final : public Destination {
  public:
-  /** @param cause what a sender is told. */
-  explicit UnreachableChannel(std::string cause) : cause_(std::move(cause)) {}
+  /**
+   * @param cause what a sender is told.
+   * @param server as `Destination::server` tells it.
+   */
+  UnreachableChannel(std::string cause, std::string server)
+      : cause_(std::move(cause)), server_(std::move(server)) {}
   virtual ~UnreachableChannel() = default;
 
   std::uint64_t instance() const override { return instance_; }
+  std::string server() const override { return server_; }
   bool deliver(Envelope& envelope) override {
     envelope.refusal = cause_;
     return false;
@@ -42,6 +51,7 @@ class UnreachableChannel final : public Destination {
 
  private:
   const std::string cause_;
+  const std::string server_;
   const std::uint64_t instance_ = newDestinationInstance();
 };
 

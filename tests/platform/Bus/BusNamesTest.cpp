@@ -1,6 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include "runtime/libClientUtils/bus/FileDescriptor.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 #include "tests/platform/Bus/BusWorld.h"
 #include "tests/platform/RecordingSink.h"
@@ -58,6 +60,37 @@ TEST_F(NamesOnTheBus, AreKnownToOthersWhenServingThemHasBegunAndNotBefore) {
     EXPECT_FALSE(channel.isServed(name));
     EXPECT_EQ(ask(name, "x").error, "nobody serves channel '" + name + "'");
   }
+}
+
+TEST_F(NamesOnTheBus, TellWhetherTheyAreStillServedByTheSame) {
+  BusPartner partner(path, "/partner");
+  CommsChannel channel("/test/caller", nullptr);
+  EXPECT_EQ(channel.whoServes("/name"), "");
+  partner.tell("serve echo MT /name");
+  const std::string first = channel.whoServes("/name");
+  EXPECT_NE(first, "");
+  EXPECT_EQ(channel.whoServes("/name"), first);
+  partner.tell("close /name");
+  EXPECT_EQ(channel.whoServes("/name"), "");
+  partner.tell("serve echo MT /name");
+  EXPECT_NE(channel.whoServes("/name"), "");
+  EXPECT_NE(channel.whoServes("/name"), first);
+}
+
+TEST_F(NamesOnTheBus, AreKnownAsBeforeWhileThereAreNoDescriptors) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /name");
+  const RecordingSink log("Bus");
+  CommsChannel channel("/test/caller", nullptr);
+  const std::string before = channel.whoServes("/name");
+  std::vector<FileDescriptor> all;
+  while (all.empty() || all.back()) all.emplace_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  EXPECT_FALSE(channel.isServed("/nobody"));
+  EXPECT_EQ(channel.whoServes("/name"), before);
+  EXPECT_EQ(ask("/name", "x").data, "x");
+  all.clear();
+  EXPECT_THAT(log.texts(), Contains(HasSubstr("cannot be looked up: Too many open files")));
+  EXPECT_EQ(channel.whoServes("/name"), before);
 }
 
 TEST_F(NamesOnTheBus, ServedBeforeTheBusWasOpened_AreKnownToOthers) {
@@ -135,7 +168,7 @@ TEST_F(NamesOnTheBus, OfAFileThatIsNoList_AreLeftOutWithOneLogLine) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_FALSE(ask("/nobody", "x").ok);
   }
-  EXPECT_EQ(log.texts(), std::vector<std::string>{"the names of process 77 are not known: its file "
+  EXPECT_EQ(log.texts(), std::vector<std::string>{"the names of process 77 are not known, its file "
                                                   "is no list of names"});
   EXPECT_EQ(partner.tell("ask /partner|ask /nobody|x"), "error: nobody serves channel '/nobody'");
 }
