@@ -54,6 +54,11 @@ AwaitedChannel readAwaited(const std::string& text) {
   return {text.substr(0, equals), toMilliseconds(value)};
 }
 
+/** For an option that may come again, with one word each time: the next may be the file already. */
+void repeatable(CLI::Option* option, const char* type) {
+  option->type_name(type)->expected(1)->take_all()->allow_extra_args(false);
+}
+
 /** The verb `run`: its words, and where they go. */
 void addRun(CLI::App& app, RunOptions& options) {
   CLI::App* run = app.add_subcommand("run", "Bring up what a directive file says, until a signal");
@@ -68,42 +73,37 @@ void addRun(CLI::App& app, RunOptions& options) {
          "--for", [&](double value) { options.duration = toMilliseconds(value); },
          "End in order after this time, fractions allowed")
       ->check(seconds());
-  run->add_option_function<std::vector<std::string>>(
-         "--log",
-         [&](const std::vector<std::string>& levels) {
-           for (const std::string& level : levels) {
-             options.logLevels.push_back(readLogLevel(level));
-           }
-         },
-         "Log level, 0 to 9, of a module or, without MODULE=, of all; repeatable")
-      ->type_name("[MODULE=]LEVEL")
-      ->expected(1)
-      ->take_all();
+  repeatable(run->add_option_function<std::vector<std::string>>(
+                 "--log",
+                 [&](const std::vector<std::string>& levels) {
+                   for (const std::string& level : levels) {
+                     options.logLevels.push_back(readLogLevel(level));
+                   }
+                 },
+                 "Log level, 0 to 9, of a module or, without MODULE=, of all; repeatable"),
+             "[MODULE=]LEVEL");
   run->add_option("--log-file", options.logFile, "Write the log to this file too")
       ->type_name("PATH");
-  run->add_option("--lib-dir", options.libraryDirectories,
-                  "Where libraries named without a slash are searched first; repeatable; default: "
-                  "the directory lib beside the executable's own")
-      ->type_name("DIR")
-      ->expected(1)
-      ->take_all();
+  repeatable(
+      run->add_option("--lib-dir", options.libraryDirectories,
+                      "Where libraries named without a slash are searched first; repeatable; "
+                      "default: the directory lib beside the executable's own"),
+      "DIR");
   run->add_option("--bus", options.bus,
                   "Directory through which processes reach each other's channels; default: that of "
                   "ZERVA_BUS in the environment, else a new one for this process and those that it "
                   "starts")
       ->type_name("DIR");
-  run->add_option_function<std::vector<std::string>>(
-         "--await",
-         [&](const std::vector<std::string>& channels) {
-           for (const std::string& channel : channels) {
-             options.awaited.push_back(readAwaited(channel));
-           }
-         },
-         "Wait before the start until another process serves this channel, at most so long, or 30 "
-         "seconds; repeatable")
-      ->type_name("CHANNEL[=SECONDS]")
-      ->expected(1)
-      ->take_all();
+  repeatable(run->add_option_function<std::vector<std::string>>(
+                 "--await",
+                 [&](const std::vector<std::string>& channels) {
+                   for (const std::string& channel : channels) {
+                     options.awaited.push_back(readAwaited(channel));
+                   }
+                 },
+                 "Wait before the start until another process serves this channel, at most so "
+                 "long, or 30 seconds; repeatable"),
+             "CHANNEL[=SECONDS]");
   run->add_flag_callback(
       "--no-check", [&] { options.check = false; }, "Do not look the file over first");
   run->add_option_function<double>(

@@ -61,6 +61,17 @@ TEST(TheCommandLine, TakesNoBusAndNothingToWaitForWhenNoneIsTold) {
   EXPECT_TRUE(options({"run", "a"}).awaited.empty());
 }
 
+// A started host gets its version as one more word. An option in front of the file, of those that
+// may come again, took the file as well, and the version became the file.
+TEST(TheCommandLine, TakesOneWordForAnOptionThatMayComeAgain) {
+  for (const char* option : {"--await", "--lib-dir", "--log"}) {
+    const RunOptions sut = options({"run", option, "4", "services.directives", "0.1.0"});
+    EXPECT_EQ(sut.file, "services.directives") << option;
+    EXPECT_EQ(sut.version, "0.1.0") << option;
+    EXPECT_EQ(sut.awaited.size() + sut.libraryDirectories.size() + sut.logLevels.size(), 1U);
+  }
+}
+
 TEST(TheCommandLine, RefusesToWaitForWhatIsNoChannelOrNoTime) {
   for (const char* text : {"", "=1", "/a=", "/a=x", "/a=-1", "/a=inf"}) {
     EXPECT_EQ(code({"run", "a", "--await", text}), ExitCode::Usage) << text;
