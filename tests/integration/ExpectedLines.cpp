@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cctype>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -57,42 +58,77 @@ bool matches(std::string_view pattern, std::string_view line) {
   return line.empty();
 }
 
-/** How far the patterns were matched at the best, for the message. */
-struct Furthest {
+/** Where the two part: how far the patterns were matched at the best. */
+struct Parting {
   std::size_t pattern = 0;
   std::size_t line = 0;
 };
 
-bool agree(const std::vector<std::string>& patterns, std::size_t pattern,
-           const std::vector<std::string>& lines, std::size_t line, Furthest& furthest) {
-  for (; pattern < patterns.size(); ++pattern, ++line) {
-    if (pattern >= furthest.pattern) furthest = {pattern, line};
-    if (patterns[pattern] == anyLines) {
-      for (std::size_t next = line; next <= lines.size(); ++next) {
-        if (agree(patterns, pattern + 1, lines, next, furthest)) return true;
-      }
-      return false;
+/**
+ * Matches from the first line on. What stands behind dots is taken where it comes first: that
+ * leaves the most for the rest, so only the last dots ever need to reach further.
+ */
+std::optional<Parting> compare(const std::vector<std::string>& patterns,
+                               const std::vector<std::string>& lines) {
+  Parting furthest;
+  Parting now;
+  std::optional<Parting> afterDots;
+  while (now.line < lines.size() || now.pattern < patterns.size()) {
+    if (now.pattern >= furthest.pattern) furthest = now;
+    if (now.pattern < patterns.size() && patterns[now.pattern] == anyLines) {
+      ++now.pattern;
+      afterDots = now;
+    } else if (now.pattern < patterns.size() && now.line < lines.size() &&
+               matches(patterns[now.pattern], lines[now.line])) {
+      ++now.pattern;
+      ++now.line;
+    } else if (afterDots && afterDots->line < lines.size()) {
+      ++afterDots->line;
+      now = *afterDots;
+    } else {
+      return furthest;
     }
-    if (line == lines.size() || !matches(expand(patterns[pattern]), lines[line])) return false;
   }
-  if (line < lines.size()) furthest = {pattern, line};
-  return line == lines.size();
+  return std::nullopt;
+}
+
+/** The same lines with any others between them. */
+std::vector<std::string> apart(const std::vector<std::string>& lines) {
+  std::vector<std::string> all{std::string(anyLines)};
+  for (const std::string& line : lines) {
+    all.push_back(line);
+    all.emplace_back(anyLines);
+  }
+  return all;
+}
+
+std::vector<std::string> expanded(const std::vector<std::string>& lines) {
+  std::vector<std::string> all;
+  for (const std::string& line : lines) all.push_back(expand(line));
+  return all;
 }
 
 }  // namespace
 
 std::string compareLines(const std::vector<std::string>& expected, const std::string& written) {
   const std::vector<std::string> lines = split(written);
-  Furthest furthest;
-  if (agree(expected, 0, lines, 0, furthest)) return {};
+  const std::optional<Parting> parting = compare(expanded(expected), lines);
+  if (!parting) return {};
   std::ostringstream text;
-  text << "expected line " << furthest.pattern + 1 << ": "
-       << (furthest.pattern < expected.size() ? expected[furthest.pattern] : "(the end)") << "\n"
-       << "written line " << furthest.line + 1 << ": "
-       << (furthest.line < lines.size() ? lines[furthest.line] : "(the end)") << "\n"
+  text << "expected line " << parting->pattern + 1 << ": "
+       << (parting->pattern < expected.size() ? expected[parting->pattern] : "(the end)") << "\n"
+       << "written line " << parting->line + 1 << ": "
+       << (parting->line < lines.size() ? lines[parting->line] : "(the end)") << "\n"
        << "all that was written:\n"
        << written;
   return text.str();
+}
+
+std::string lookForLines(const std::vector<std::string>& expected, const std::string& written) {
+  const std::vector<std::string> patterns = apart(expected);
+  const std::optional<Parting> parting = compare(expanded(patterns), split(written));
+  if (!parting) return {};
+  return "missing: " + patterns[parting->pattern] + "\nall that was written:\n" + written;
 }
 
 }  // namespace zerva

@@ -16,4 +16,12 @@ namespace zerva {
  */
 std::string compareLines(const std::vector<std::string>& expected, const std::string& written);
 
+/**
+ * Looks whether a program wrote these lines, in this order, whatever else it wrote before, between
+ * and after them: for one of several processes that write to the same place.
+ *
+ * @returns an empty text when it did; otherwise the first that is missing.
+ */
+std::string lookForLines(const std::vector<std::string>& expected, const std::string& written);
+
 }  // namespace zerva

@@ -26,6 +26,15 @@ bool Scenario::expects(const std::string& file) const {
   return std::filesystem::exists(folder_ / file);
 }
 
+std::vector<std::string> Scenario::inBetween(const std::string& file) const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    const std::string name = entry.path().filename();
+    if (name.rfind(file + ".", 0) == 0) names.push_back(name);
+  }
+  return names;
+}
+
 std::vector<std::string> Scenario::expected(const std::string& file) const {
   std::vector<std::string> expected;
   if (!expects(file)) return expected;

@@ -16,7 +16,8 @@ struct ScenarioStep {
 /**
  * A run of a whole program, as its folder describes it. The file `scenario` has a line a step, in
  * the form "verb: argument", in the order in which they are done; the files `stdout` and `stderr`,
- * where they are there, say what the program must have written.
+ * where they are there, say what the program must have written. Files with a name behind that, as
+ * `stdout.buoy`, say what one of several processes must have written in between.
  *
  * Names in angle brackets stand for paths and numbers that differ from machine to machine.
  */
@@ -32,6 +33,9 @@ class Scenario {
 
   /** Whether the folder says what is to be written there. */
   bool expects(const std::string& file) const;
+
+  /** @returns the files of the folder that are called that, a point and something more. */
+  std::vector<std::string> inBetween(const std::string& file) const;
 
   /** @returns the words of a text; those with blanks stand in double quotes. */
   static std::vector<std::string> words(const std::string& text);

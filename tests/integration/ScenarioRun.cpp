@@ -136,6 +136,8 @@ void ScenarioRun::perform(const ScenarioStep& step) {
     ASSERT_TRUE(program_->waitForOutput(step.argument)) << program_->output() << program_->errors();
   } else if (step.verb == "wait-errors") {
     ASSERT_TRUE(program_->waitForErrors(step.argument)) << program_->output() << program_->errors();
+  } else if (step.verb == "errors-without") {
+    EXPECT_EQ(program_->errors().find(step.argument), std::string::npos) << program_->errors();
   } else if (step.verb == "wait-until-it-hangs") {
     ASSERT_TRUE(waitUntilItHangs(program_->id())) << step.argument;
   } else if (step.verb == "signal") {
@@ -204,10 +206,15 @@ void ScenarioRun::generate(const std::string& argument) {
 }
 
 void ScenarioRun::checkOutput(const std::string& file, const std::string& written) const {
-  if (!scenario_.expects(file)) return;
   const std::string rest = showsRegistry_ ? written : withoutRegistryLines(written);
-  const std::string difference = compareLines(scenario_.expected(file), rest);
-  EXPECT_TRUE(difference.empty()) << file << ", " << difference;
+  if (scenario_.expects(file)) {
+    const std::string difference = compareLines(scenario_.expected(file), rest);
+    EXPECT_TRUE(difference.empty()) << file << ", " << difference;
+  }
+  for (const std::string& among : scenario_.inBetween(file)) {
+    const std::string difference = lookForLines(scenario_.expected(among), rest);
+    EXPECT_TRUE(difference.empty()) << among << ", " << difference;
+  }
 }
 
 }  // namespace zerva
