@@ -61,14 +61,15 @@ done
 globbed=$(grep -nE 'file\((GLOB|GLOB_RECURSE)\b' "${lists[@]}" cmake/*.cmake || true)
 [ -z "$globbed" ] || complain "sources are listed, not globbed: $globbed"
 
-# Documents name files that are there.
+# Documents name files that are there; what looks like a link in code is none.
 mapfile -t documents < <(sources '*.md')
 for document in "${documents[@]}"; do
   while IFS= read -r link; do
     link=${link%%#*}
     [ -z "$link" ] || [ -e "$(dirname "$document")/$link" ] ||
       complain "$document: links to $link, which is not there"
-  done < <(grep -oE '\]\([^)]+\)' "$document" | sed 's/^](//; s/)$//' | grep -vE '^[a-z]+:' || true)
+  done < <(awk '/^```/ { code = !code } !code' "$document" | grep -oE '\]\([^)]+\)' |
+    sed 's/^](//; s/)$//' | grep -vE '^[a-z]+:' || true)
 done
 
 # Code in documents is code of the file that the line before it names.
