@@ -1,6 +1,6 @@
-// Beats by a timer. With each beat it sends a message to two other services, on a channel of its
-// own, and waits for their answers. That its interface is called a heartbeat makes the configurator
-// have its thread monitored.
+// Beats by a timer. With each beat it sends a message to the forecast, on a channel of its own, and
+// waits for the answer. That its interface is called a heartbeat makes the configurator have its
+// thread monitored.
 
 #include <memory>
 #include <string>
@@ -16,18 +16,12 @@ class HeartbeatService : public Service {
   void init(SvcRTEContext* context) override {
     // Replies come back to it; nobody sends requests there, so it needs no executor.
     channel_ = std::make_unique<CommsChannel>("/example/heartbeat/questions", nullptr);
-    const int timer = context->createTimer(this, periodInMilliseconds);
-    context->startTimer(timer);
+    context->startTimer(context->createTimer(this, 1000));
   }
 
-  void timerExpired(int /*timer*/) override {
-    ask("/example/greeter", "heartbeat");
-    ask("/example/echo", "beat " + std::to_string(++beats_));
-  }
+  void timerExpired(int /*timer*/) override { ask("/example/forecast", "what comes?"); }
 
  private:
-  static constexpr int periodInMilliseconds = 500;
-
   void ask(const std::string& channel, const std::string& question) {
     CommsChannelDataContainerMessage message;
     message.setChannel(channel);
@@ -46,7 +40,6 @@ class HeartbeatService : public Service {
 
   std::unique_ptr<CommsChannel> channel_;
   long requestId_ = 0;
-  int beats_ = 0;
 };
 
 extern "C" ZERVA_EXPORT Service* createHeartbeat() { return new HeartbeatService; }

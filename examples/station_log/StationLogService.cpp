@@ -1,9 +1,8 @@
-// Notes the wind every second. It knows the interface of the sensor only: neither where the sensor
-// runs nor which library its proxy comes from.
-
-#include <exception>
+// Notes wind and water, driven by a timer. Where the two are measured is no matter of its own.
 
 #include "SvcRTEContext.h"
+#include "examples/FoundService.h"
+#include "examples/water/WaterThermometer.h"
 #include "examples/wind/WindSensor.h"
 #include "framework/Logging.h"
 #include "framework/Service.h"
@@ -16,25 +15,23 @@ class StationLogService : public Service {
   }
 
   void timerExpired(int /*timer*/) override {
-    // Looked up when it is needed, and again as long as there is none.
-    if (wind_ == nullptr) {
-      wind_ = dynamic_cast<WindSensor*>(context_->findService("ExampleWindSensorIfc"));
-    }
-    if (wind_ == nullptr) {
-      logAppUni("Example", "StationLogService", 3, __LINE__, "station log: no wind sensor yet");
-      return;
-    }
-    try {
-      logAppUni("Example", "StationLogService", 4, __LINE__, "station log: %.1f m/s at %s",
-                wind_->speed(1), wind_->station().c_str());
-    } catch (const std::exception& exception) {
-      logAppUni("Example", "StationLogService", 3, __LINE__, "station log: %s", exception.what());
-    }
+    wind_.use(*context_, [](WindSensor& wind) {
+      const WindReading reading = wind.mean(1);
+      logAppUni("Example", "StationLogService", 4, __LINE__,
+                "station log: %.1f m/s at %s, measured in process %d", reading.speed,
+                reading.station.c_str(), reading.process);
+    });
+    water_.use(*context_, [](WaterThermometer& water) {
+      logAppUni("Example", "StationLogService", 4, __LINE__,
+                "station log: water %.1f degrees at %s, measured in process %d", water.degrees(),
+                water.station().c_str(), water.process());
+    });
   }
 
  private:
   SvcRTEContext* context_ = nullptr;
-  WindSensor* wind_ = nullptr;  // the proxy; the configurator's
+  FoundService<WindSensor> wind_{"station log", "ExampleWindSensorIfc"};
+  FoundService<WaterThermometer> water_{"station log", "ExampleWaterThermometerIfc"};
 };
 
 extern "C" ZERVA_EXPORT Service* createStationLog() { return new StationLogService; }

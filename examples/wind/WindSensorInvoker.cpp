@@ -5,9 +5,7 @@
 
 class WindSensorInvoker : public zerva::rmi::InvokerOf<WindSensor> {
  public:
-  WindSensorInvoker()
-      : InvokerOf(ZERVA_METHOD(WindSensor::speed),  //
-                  ZERVA_METHOD(WindSensor::station)) {}
+  WindSensorInvoker() : InvokerOf(ZERVA_METHOD(WindSensor::mean)) {}
 };
 
 extern "C" ZERVA_EXPORT Invoker* createWindSensorInvoker() { return new WindSensorInvoker; }

@@ -5,8 +5,7 @@
 
 class WindSensorProxy : public zerva::rmi::ProxyOf<WindSensor> {
  public:
-  double speed(int seconds) override { return call(ZERVA_METHOD(WindSensor::speed), seconds); }
-  std::string station() const override { return call(ZERVA_METHOD(WindSensor::station)); }
+  WindReading mean(int seconds) override { return call(ZERVA_METHOD(WindSensor::mean), seconds); }
 };
 
 extern "C" ZERVA_EXPORT Proxy* createWindSensorProxy() { return new WindSensorProxy; }

@@ -1,41 +1,48 @@
-// Measures the wind, driven by a timer, and answers calls of its interface.
+// Measures the wind, driven by a timer, and answers calls of its interface. Made to be run
+// multi-threaded: any number of calls, and the timer, may come at once, so it locks its data.
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <deque>
+#include <mutex>
+#include <numeric>
 
 #include "SvcRTEContext.h"
 #include "examples/wind/WindSensor.h"
 #include "framework/Service.h"
-#include "framework/ZervaException.h"
 
 class WindSensorService : public Service, public WindSensor {
  public:
   void init(SvcRTEContext* context) override {
-    context->startTimer(context->createTimer(this, periodInMilliseconds));
+    measure();  // so that whoever calls first gets something
+    context->startTimer(context->createTimer(this, 1000 / measuresASecond));
   }
 
-  void timerExpired(int /*timer*/) override {
-    measured_.push_back(8.0 + 4.0 * std::sin(static_cast<double>(measured_.size()) / 5));
-  }
+  void timerExpired(int /*timer*/) override { measure(); }
 
-  double speed(int seconds) override {
-    const std::size_t wanted = static_cast<std::size_t>(seconds) * 1000 / periodInMilliseconds;
-    const std::size_t count = std::min(wanted, measured_.size());
-    if (count == 0) throw ZervaException("nothing was measured yet");
-    double sum = 0;
-    for (auto value = measured_.rbegin(); value != measured_.rbegin() + static_cast<long>(count);
-         ++value) {
-      sum += *value;
-    }
-    return sum / static_cast<double>(count);
+  WindReading mean(int seconds) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const int wanted = std::clamp(seconds, 1, keptSeconds) * measuresASecond;
+    const int count = std::min(wanted, static_cast<int>(measured_.size()));
+    const double sum = std::accumulate(measured_.end() - count, measured_.end(), 0.0);
+    return {sum / count, "the pier", getpid()};
   }
-
-  std::string station() const override { return "the pier"; }
 
  private:
-  static constexpr int periodInMilliseconds = 250;
-  std::vector<double> measured_;
+  static constexpr int measuresASecond = 4;
+  static constexpr int keptSeconds = 60;
+
+  void measure() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    measured_.push_back(8.0 + 4.0 * std::sin(++measures_ / 5.0));
+    if (measured_.size() > std::size_t{keptSeconds * measuresASecond}) measured_.pop_front();
+  }
+
+  std::mutex mutex_;
+  std::deque<double> measured_;  // guarded by mutex_
+  int measures_ = 0;             // guarded by mutex_
 };
 
 extern "C" ZERVA_EXPORT Service* createWindSensor() { return new WindSensorService; }
