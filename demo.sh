@@ -8,7 +8,8 @@
 
 readonly zerva=build/linux32/bin/zerva
 readonly directives=examples/demo.directives
-readonly seconds=5
+# Between two beats of the services, so that the end comes into no call.
+readonly seconds=5.5
 
 scripts/install-dependencies.sh demo
 scripts/build.sh --no-tests linux32 zerva zerva_examples
