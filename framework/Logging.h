@@ -17,9 +17,11 @@ ZERVA_EXPORT void logAppUni(const char* module, const char* file, int level, int
                             const char* format, ...) __attribute__((format(printf, 5, 6)));
 
 /**
- * Tells whether a level is on for a module. Cheap enough to ask before every line.
+ * Tells whether a level is on for a module. Cheap enough to ask before every line. Any thread may
+ * ask, at any time; a level that was changed before the question counts for it, on threads that run
+ * already too.
  *
- * @param module as for `logAppUni`.
+ * @param module as for `logAppUni`; only its text matters, not where that is.
  * @param level as for `logAppUni`.
  */
 ZERVA_EXPORT bool loggingOnAppUni(const char* module, int level);

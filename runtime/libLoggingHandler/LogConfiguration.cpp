@@ -5,6 +5,8 @@
 #include <mutex>
 #include <utility>
 
+#include "runtime/libLoggingHandler/KnownLevels.h"
+
 namespace zerva {
 namespace {
 
@@ -14,17 +16,18 @@ constexpr int kErrorLevel = 2;
 }  // namespace
 
 std::atomic<int> LogConfiguration::highest_{kDefaultLevel};
+std::atomic<unsigned> LogConfiguration::generation_{1};
 
 LogConfiguration& LogConfiguration::instance() {
   static auto* const configuration = new LogConfiguration;
   return *configuration;
 }
 
-bool LogConfiguration::isOn(std::string_view module, int level) const {
-  const std::shared_lock lock(mutex_);
-  return level <= ordinaryLevel(module) ||
-         std::any_of(sinks_.begin(), sinks_.end(),
-                     [&](const auto& sink) { return sink->takes(module, level); });
+bool LogConfiguration::isOn(const char* module, int level) {
+  if (level > highest_.load(std::memory_order_relaxed)) return false;
+  const unsigned generation = generation_.load(std::memory_order_relaxed);
+  const auto known = KnownLevels::ofThisThread().find(module, generation);
+  return known ? level <= *known : instance().lookUp(module, level);
 }
 
 LogConfiguration::Receivers LogConfiguration::receivers(std::string_view module, int level) const {
@@ -41,19 +44,19 @@ LogConfiguration::Receivers LogConfiguration::receivers(std::string_view module,
 void LogConfiguration::setDefaultLevel(int level) {
   const std::lock_guard lock(mutex_);
   defaultLevel_ = level;
-  updateHighest();
+  changed();
 }
 
 void LogConfiguration::setLevel(const std::string& module, int level) {
   const std::lock_guard lock(mutex_);
   levels_[module] = level;
-  updateHighest();
+  changed();
 }
 
 void LogConfiguration::add(std::shared_ptr<SuppliedSink> sink) {
   const std::lock_guard lock(mutex_);
   sinks_.push_back(std::move(sink));
-  updateHighest();
+  changed();
 }
 
 std::vector<std::shared_ptr<SuppliedSink>> LogConfiguration::remove(const LogSink& sink) {
@@ -62,7 +65,7 @@ std::vector<std::shared_ptr<SuppliedSink>> LogConfiguration::remove(const LogSin
       sinks_.begin(), sinks_.end(), [&](const auto& supplied) { return !supplied->is(sink); });
   leaving_.insert(leaving_.end(), removed, sinks_.end());
   sinks_.erase(removed, sinks_.end());
-  updateHighest();
+  changed();
   std::vector<std::shared_ptr<SuppliedSink>> taken;
   std::copy_if(leaving_.begin(), leaving_.end(), std::back_inserter(taken),
                [&](const auto& supplied) { return supplied->is(sink); });
@@ -79,16 +82,34 @@ void LogConfiguration::forget(const std::vector<std::shared_ptr<SuppliedSink>>& 
                  leaving_.end());
 }
 
+bool LogConfiguration::lookUp(const char* module, int level) const {
+  const std::shared_lock lock(mutex_);
+  const int highest = highestLevel(module);
+  // Under the lock, so that the level is one of this generation.
+  const unsigned generation = generation_.load(std::memory_order_relaxed);
+  KnownLevels::ofThisThread().keep(module, generation, highest);
+  return level <= highest;
+}
+
 int LogConfiguration::ordinaryLevel(std::string_view module) const {
   const auto found = levels_.find(module);
   return found == levels_.end() ? defaultLevel_ : found->second;
 }
 
-void LogConfiguration::updateHighest() {
+int LogConfiguration::highestLevel(std::string_view module) const {
+  int highest = ordinaryLevel(module);
+  for (const auto& sink : sinks_) {
+    if (sink->takes(module, sink->level())) highest = std::max(highest, sink->level());
+  }
+  return highest;
+}
+
+void LogConfiguration::changed() {
   int highest = defaultLevel_;
   for (const auto& [module, level] : levels_) highest = std::max(highest, level);
   for (const auto& sink : sinks_) highest = std::max(highest, sink->level());
   highest_.store(highest, std::memory_order_relaxed);
+  generation_.fetch_add(1, std::memory_order_relaxed);
 }
 
 }  // namespace zerva

@@ -13,7 +13,10 @@
 
 namespace zerva {
 
-/** Which lines are on, and for whom. One object a process, never destroyed. */
+/**
+ * Which lines are on, and for whom. One object a process, never destroyed. Any thread may call any
+ * operation; none blocks for longer than another one of them takes.
+ */
 class LogConfiguration {
  public:
   /** Who gets a line. */
@@ -24,10 +27,12 @@ class LogConfiguration {
 
   static LogConfiguration& instance();
 
-  /** Whether anybody may want a level, whatever the module: one relaxed read. */
-  static bool mayBeOn(int level) { return level <= highest_.load(std::memory_order_relaxed); }
-
-  bool isOn(std::string_view module, int level) const;
+  /**
+   * Whether anybody wants a level of a module. Nothing but a relaxed read when nobody wants it of
+   * any module; else one more, and the lock only when this thread has not asked for the module
+   * since the last change. A change counts for every question that comes after it.
+   */
+  static bool isOn(const char* module, int level);
   Receivers receivers(std::string_view module, int level) const;
 
   void setDefaultLevel(int level);
@@ -46,10 +51,14 @@ class LogConfiguration {
  private:
   static constexpr int kDefaultLevel = 4;
 
+  bool lookUp(const char* module, int level) const;
   int ordinaryLevel(std::string_view module) const;
-  void updateHighest();
+  int highestLevel(std::string_view module) const;
+  void changed();
 
+  // Read without the lock, written under it.
   static std::atomic<int> highest_;
+  static std::atomic<unsigned> generation_;  // of the answers that threads keep
 
   mutable std::shared_mutex mutex_;
   // Guarded by mutex_.

@@ -73,6 +73,5 @@ void logAppUni(const char* module, const char* file, int level, int line, const 
 }
 
 bool loggingOnAppUni(const char* module, int level) {
-  if (!zerva::LogConfiguration::mayBeOn(level)) return false;
-  return zerva::LogConfiguration::instance().isOn(orEmpty(module), level);
+  return zerva::LogConfiguration::isOn(orEmpty(module), level);
 }
