@@ -45,7 +45,7 @@ class ZERVA_EXPORT CommsChannelIfc {
   /**
    * Waits for the reply to a request that was sent from this channel. Many threads may wait on one
    * channel, each for an id of its own; each gets its own reply, only from the channel that it
-   * asked.
+   * asked. A reply that comes when its wait is over is dropped, also when its id is used again.
    *
    * A thread that serves a service with one thread, or makes a lazy one, serves nested, while it
    * waits, the requests of its own call chain.

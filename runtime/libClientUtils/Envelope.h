@@ -25,7 +25,8 @@ class ZERVA_EXPORT ReplyReceiver {
  public:
   /**
    * @param requestId of the request.
-   * @param answerer the instance that answers; another than the one that was asked is not heard.
+   * @param answerer what the receiver said, when it asked, that the reply is to be known by; a
+   *     reply with another is not heard.
    * @param data the reply; null when the request failed.
    * @param error why it failed; empty when it did not.
    */
@@ -51,7 +52,7 @@ class ZERVA_EXPORT ReplyTicket {
   ReplyTicket(ReplyTicket&& other) noexcept;
   ReplyTicket& operator=(ReplyTicket&& other) noexcept;
 
-  /** Says which instance is going to answer; the one that the request was delivered to. */
+  /** Says what the receiver knows the reply by. */
   void answerAs(std::uint64_t answerer) { answerer_ = answerer; }
 
   void answer(Payload data);

@@ -124,9 +124,8 @@ std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
   // One that closes at this moment is not found again; a younger one of the name may be.
   while (const auto destination = ChannelDirectory::instance().find(envelope.to)) {
     if (requestId != 0) {
-      aimAt(requestId, destination);
       envelope.ticket = ReplyTicket(weak_from_this(), requestId);
-      envelope.ticket.answerAs(destination->instance());
+      envelope.ticket.answerAs(aimAt(requestId, destination));
     }
     if (destination->deliver(envelope)) {
       return {};
@@ -181,7 +180,8 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
                            const std::string& error) {
   std::unique_lock lock(mutex_);
   const auto found = outstanding_.find(requestId);
-  // Nobody waits any more, or somebody answers who was not asked.
+  // Nobody waits any more, or this is the reply to an earlier request with that id, or to nothing
+  // that was asked.
   if (found == outstanding_.end() || found->second.ended || found->second.answerer != answerer) {
     return;
   }
@@ -253,14 +253,21 @@ std::string Mailbox::expect(std::uint32_t requestId, const std::string& to) {
   return {};
 }
 
-/** Notes who is asked, and so whose answer is heard. */
-void Mailbox::aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
+/**
+ * Notes who is asked.
+ *
+ * @returns what only the reply to this very request can know: its id may be used again before a
+ *     late reply comes, which whoever is asked now may have been asked for, too.
+ */
+std::uint64_t Mailbox::aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
   const std::lock_guard lock(mutex_);
+  const std::uint64_t answerer = ++lastAnswerer_;
   const auto found = outstanding_.find(requestId);
   if (found != outstanding_.end()) {
     found->second.asked = asked;
-    found->second.answerer = asked->instance();
+    found->second.answerer = answerer;
   }
+  return answerer;
 }
 
 /** Ends a request that could not be delivered, if there is an error; the waiter finds the same. */

@@ -116,7 +116,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
 
   std::shared_ptr<RequestReceiver> receiver() const;
   std::string expect(std::uint32_t requestId, const std::string& to);
-  void aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
+  std::uint64_t aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
   std::string deliverTo(Envelope& envelope, std::uint32_t requestId);
   std::string endWith(std::uint32_t requestId, const std::string& error);
   std::string startWaiting(std::uint32_t requestId, Outstanding& copy);
@@ -134,6 +134,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   bool closed_ = false;
   unsigned deliveries_ = 0;
   std::condition_variable delivered_;
+  std::uint64_t lastAnswerer_ = 0;
   std::unordered_map<std::uint32_t, Outstanding> outstanding_;
 };
 

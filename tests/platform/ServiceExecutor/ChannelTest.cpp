@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "runtime/libClientUtils/Mailbox.h"
-#include "runtime/libClientUtils/ReplyTimeout.h"
+#include "tests/platform/ServiceExecutor/ReplyTimeoutIs.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
 #include "tests/support/ExecutorWorld.h"
@@ -14,19 +14,8 @@ namespace {
 
 using testing::HasSubstr;
 using zerva::concurrently;
+using zerva::ReplyTimeoutIs;
 using zerva::waitUntil;
-
-/** Sets the reply time-out for one test. */
-class ReplyTimeoutIs {
- public:
-  explicit ReplyTimeoutIs(std::chrono::milliseconds timeout) { zerva::setReplyTimeout(timeout); }
-  ~ReplyTimeoutIs() { zerva::setReplyTimeout(before_); }
-  ReplyTimeoutIs(const ReplyTimeoutIs&) = delete;
-  ReplyTimeoutIs& operator=(const ReplyTimeoutIs&) = delete;
-
- private:
-  const std::chrono::milliseconds before_ = zerva::replyTimeout();
-};
 
 TEST(ARequest, ToANameThatNobodyServes_FailsAtOnceAndKeepsItsData) {
   CommsChannel sut("/test/caller", nullptr);
