@@ -6,45 +6,15 @@
 #include <thread>
 
 #include "framework/FwkTimer.h"
-#include "runtime/libClientUtils/ChannelState.h"
+#include "tests/platform/FwkTimer/BusyReceiver.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
 
+using zerva::BusyReceiver;
 using zerva::waitUntil;
-
-/** What serves a channel and never gets to its messages. */
-class BusyReceiver final : public zerva::RequestReceiver {
- public:
-  explicit BusyReceiver(const Executable* object) : object_(object) {}
-
-  bool receive(zerva::Envelope& envelope) override {
-    const std::lock_guard lock(mutex_);
-    envelopes_.push_back(std::move(envelope));
-    return true;
-  }
-  bool waitsForCaller() const override { return false; }
-  const Executable* object() const override { return object_; }
-  bool isMaking() const override { return false; }
-
-  std::size_t waiting() const {
-    const std::lock_guard lock(mutex_);
-    return envelopes_.size();
-  }
-
-  void drop() {
-    std::vector<zerva::Envelope> dropped;
-    const std::lock_guard lock(mutex_);
-    dropped.swap(envelopes_);
-  }
-
- private:
-  const Executable* const object_;
-  mutable std::mutex mutex_;
-  std::vector<zerva::Envelope> envelopes_;  // guarded by mutex_
-};
 
 class ATimer : public testing::Test {
  protected:
@@ -136,7 +106,7 @@ TEST_F(ATimer, WhoseExpiryStillWaitsForItsTurn_IsNotDoubled) {
   ASSERT_TRUE(waitUntil([&] { return expiries >= 20; }));
   EXPECT_EQ(busy->waiting(), 1U);
 
-  busy->drop();
+  busy->take();
 
   EXPECT_TRUE(waitUntil([&] { return busy->waiting() == 1; })) << "one that is gone is followed";
   sut.shutdown();
