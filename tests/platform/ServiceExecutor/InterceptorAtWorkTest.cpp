@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "framework/CCInterceptorDispatcher.h"
+#include "tests/support/ExecutorWorld.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/** Notes what it sees, and then does what the test wants. */
+class Messages final : public CCInterceptor {
+ public:
+  void messageSent(const InterceptedMessage& message) override { note("sent", message); }
+  void messageReceived(const InterceptedMessage& message) override { note("received", message); }
+
+  std::function<void()> then = [] {};
+  Journal journal;
+
+ private:
+  void note(const std::string& what, const InterceptedMessage& message) {
+    journal.add(what + (message.reply ? " reply to " : " message to ") + message.to + " id " +
+                std::to_string(message.requestId) + " size " + std::to_string(message.size));
+    then();
+  }
+};
+
+class Invocations final : public InvokeInterceptor {
+ public:
+  void invoked(const Invocation& invocation) override {
+    journal.add(invocation.caller);
+    then();
+  }
+
+  std::function<void()> then = [] {};
+  Journal journal;
+};
+
+TEST(AnInterceptor, SeesMessagesThatNobodyAnswersAtBothEnds) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  dispatcher.addInterceptor(&sut);
+  ScriptedService service;
+  ExecutorWorld world;
+  ServiceExecutor executor(&service, new CommsChannel("/svc", &dispatcher), "Ifc", &world.context,
+                           &world.pool, nullptr, false);
+  ExecutorWorld::start(executor);
+  CommsChannel caller("/test/caller", &dispatcher);
+
+  ASSERT_TRUE(caller.sendTo("/svc", "four"));
+  CommsChannelDataContainerMessage message;
+  message.setChannel("/svc");
+  message.setData("12345");
+  ASSERT_TRUE(caller.send(message));
+  ask("/svc", "ends what is under way");
+
+  auto seen = sut.journal.entries();
+  ASSERT_GE(seen.size(), 4U);
+  seen.resize(4);
+  EXPECT_THAT(
+      seen,
+      ElementsAre("sent message to /svc id 0 size 4", "received message to /svc id 0 size 4",
+                  "sent message to /svc id 0 size 5", "received message to /svc id 0 size 5"));
+}
+
+TEST(AnInterceptor, SeesAMessageThatNobodyServesAsSentOnly) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  dispatcher.addInterceptor(&sut);
+  CommsChannel caller("/test/caller", &dispatcher);
+  EXPECT_FALSE(caller.sendTo("/nobody", "x"));
+  EXPECT_THAT(sut.journal.entries(), ElementsAre("sent message to /nobody id 0 size 1"));
+}
+
+TEST(AnInterceptor, OfMessages_MayRemoveItselfWhileItIsCalled) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  Messages next;
+  dispatcher.addInterceptor(&sut);
+  dispatcher.addInterceptor(&next);
+  sut.then = [&] { dispatcher.removeInterceptor(&sut); };
+  ScriptedService service;
+  ExecutorWorld world;
+  world.run(&service, "/svc", Mode::ST);
+  CommsChannel caller("/test/caller", &dispatcher);
+
+  EXPECT_TRUE(ask(caller, "/svc", "x").ok);
+  EXPECT_TRUE(ask(caller, "/svc", "x").ok);
+
+  EXPECT_EQ(sut.journal.entries().size(), 1U);
+  EXPECT_EQ(next.journal.entries().size(), 4U) << "the one behind it misses nothing";
+  world.end();
+}
+
+TEST(AnInterceptor, OfMessages_MayAddAnotherWhileItIsCalled) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  Messages added;
+  dispatcher.addInterceptor(&sut);
+  sut.then = [&] {
+    if (sut.journal.entries().size() == 1) {
+      dispatcher.addInterceptor(&added);
+    }
+  };
+  CommsChannel caller("/test/caller", &dispatcher);
+  caller.sendTo("/nobody", "1");
+  EXPECT_THAT(added.journal.entries(), ElementsAre());
+  caller.sendTo("/nobody", "22");
+  EXPECT_THAT(added.journal.entries(), ElementsAre("sent message to /nobody id 0 size 2"));
+}
+
+TEST(AnInterceptor, OfInvocations_SeesMessagesThatNobodyAnswers) {
+  InvokeInterceptorDispatcher dispatcher;
+  Invocations sut;
+  dispatcher.addInterceptor(&sut);
+  ScriptedService service;
+  ExecutorWorld world;
+  world.run(&service, "/svc", Mode::ST, &dispatcher);
+  CommsChannel caller("/one way", nullptr);
+  caller.sendTo("/svc", "x");
+  ask("/svc", "x");
+  EXPECT_THAT(sut.journal.entries(), ElementsAre("/one way", "/test/caller"));
+  world.end();
+}
+
+TEST(AnInterceptor, OfInvocations_MayRemoveItselfWhileItIsCalled) {
+  InvokeInterceptorDispatcher dispatcher;
+  Invocations sut;
+  Invocations next;
+  dispatcher.addInterceptor(&sut);
+  dispatcher.addInterceptor(&next);
+  sut.then = [&] { dispatcher.removeInterceptor(&sut); };
+  ScriptedService service;
+  ExecutorWorld world;
+  world.run(&service, "/svc", Mode::MT, &dispatcher);
+  EXPECT_TRUE(ask("/svc", "x").ok);
+  EXPECT_TRUE(ask("/svc", "x").ok);
+  EXPECT_EQ(sut.journal.entries().size(), 1U);
+  EXPECT_EQ(next.journal.entries().size(), 2U);
+  world.end();
+}
+
+}  // namespace
