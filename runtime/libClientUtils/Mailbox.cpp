@@ -179,26 +179,40 @@ void Mailbox::answer(Envelope& request, Payload data, const std::string& error) 
 void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                            const std::string& error) {
   std::unique_lock lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  // Nobody waits any more, or this is the reply to an earlier request with that id, or to nothing
-  // that was asked.
-  if (found == outstanding_.end() || found->second.ended || found->second.answerer != answerer) {
+  Outstanding* request = awaited(requestId, answerer);
+  if (request == nullptr) {
     return;
   }
-  const std::size_t size = sizeOf(data);
-  Outstanding& request = found->second;
-  request.outcome = {std::move(data), error};
-  request.ended = true;
-  const std::shared_ptr<Parker> waiter = request.waiter;
-  const std::string from = dispatcher_ != nullptr ? request.to : std::string();
   const Delivery delivery(*this);
-  lock.unlock();
   if (dispatcher_ != nullptr) {
-    dispatcher_->dispatchReceived({from, name_, size, requestId, true, error});
+    const std::string from = request->to;
+    lock.unlock();
+    // Told before the reply is handed over, so that whoever gets it finds it counted.
+    dispatcher_->dispatchReceived({from, name_, sizeOf(data), requestId, true, error});
+    lock.lock();
+    request = awaited(requestId, answerer);  // it may have been given up meanwhile
   }
+  std::shared_ptr<Parker> waiter;
+  if (request != nullptr) {
+    request->outcome = {std::move(data), error};
+    request->ended = true;
+    waiter = request->waiter;
+  }
+  lock.unlock();
   if (waiter != nullptr) {
     waiter->unpark();
   }
+}
+
+/**
+ * @returns, under the lock, the request that a reply is for; null when nobody waits any more, or
+ *     when it is the reply to an earlier request with that id, or to nothing that was asked.
+ */
+Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t answerer) {
+  const auto found = outstanding_.find(requestId);
+  const bool waitsForIt =
+      found != outstanding_.end() && !found->second.ended && found->second.answerer == answerer;
+  return waitsForIt ? &found->second : nullptr;
 }
 
 Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "framework/FwkTimer.h"
-#include "tests/platform/FwkTimer/BusyReceiver.h"
+#include "tests/platform/BusyReceiver.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"

@@ -7,6 +7,7 @@
 
 #include "framework/CCInterceptorDispatcher.h"
 #include "runtime/libClientUtils/ChannelState.h"
+#include "tests/platform/BusyReceiver.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
@@ -45,18 +46,14 @@ TEST(AChannelThatIsDeleted, WaitsForARequestThatIsBeingHandedOver) {
   CCInterceptorDispatcher dispatcher;
   HoldsReceived held(false);
   dispatcher.addInterceptor(&held);
-  ScriptedService service;
-  ExecutorWorld world;
-  auto executor =
-      std::make_unique<ServiceExecutor>(&service, new CommsChannel("/svc", &dispatcher), "Ifc",
-                                        &world.context, &world.pool, nullptr, false);
-  ExecutorWorld::start(*executor);
+  auto sut = std::make_unique<CommsChannel>("/svc", &dispatcher);
+  sut->state().mailbox->serveWith(std::make_shared<zerva::BusyReceiver>(nullptr));
   CommsChannel caller("/test/caller", nullptr);
   std::thread sending([&] { caller.sendTo("/svc", "x"); });
   ASSERT_TRUE(waitUntil([&] { return held.gate.waiting() == 1; }));
   std::thread opening([&] { openWhen(held, [&] { return !caller.isServed("/svc"); }); });
 
-  executor.reset();  // deletes its channel
+  sut.reset();
 
   EXPECT_TRUE(held.finished);
   opening.join();

@@ -1,14 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
+#include <thread>
 
 #include "framework/CCInterceptorDispatcher.h"
+#include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
 using testing::ElementsAre;
+using zerva::waitUntil;
 
 /** Notes what it sees, and then does what the test wants. */
 class Messages final : public CCInterceptor {
@@ -72,6 +77,37 @@ TEST(AnInterceptor, SeesAMessageThatNobodyServesAsSentOnly) {
   CommsChannel caller("/test/caller", &dispatcher);
   EXPECT_FALSE(caller.sendTo("/nobody", "x"));
   EXPECT_THAT(sut.journal.entries(), ElementsAre("sent message to /nobody id 0 size 1"));
+}
+
+// A caller who looked when its reply was there already was once not kept waiting for this.
+TEST(AnInterceptor, HasSeenAReplyBeforeItsCallerGoesOn) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  dispatcher.addInterceptor(&sut);
+  zerva::Gate gate;
+  std::atomic<bool> seen{false};
+  sut.then = [&] {
+    if (sut.journal.entries().size() == 2) {
+      gate.wait();
+      seen = true;
+    }
+  };
+  ScriptedService service;
+  ExecutorWorld world;
+  world.run(&service, "/svc", Mode::ST);
+  CommsChannel caller("/test/caller", &dispatcher);
+  CommsChannelDataContainerMessage message;
+  message.setChannel("/svc");
+  message.setRequestId(1);
+  ASSERT_TRUE(caller.send(message));
+  ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+  std::thread opening([&] { gate.open(); });
+
+  EXPECT_TRUE(caller.receiveReply(message, 1));
+
+  EXPECT_TRUE(seen);
+  opening.join();
+  world.end();
 }
 
 TEST(AnInterceptor, OfMessages_MayRemoveItselfWhileItIsCalled) {
