@@ -13,34 +13,48 @@ namespace {
 
 using zerva::waitUntil;
 
-TEST(TimersWhoseContextBlocks, DoAllThatDoesNotNeedIt) {
+/** The start of one timer is held in the context. */
+class TimersWhoseContextBlocks : public testing::Test {
+ protected:
+  TimersWhoseContextBlocks() {
+    context.channelOf = [this](Executable* owner) {
+      if (owner == &blocked) gate.wait();
+      return std::string();
+    };
+    other.onTimer = [this](int) { ++expiries; };
+    starting = std::thread([this] { sut.startTimer(held); });
+    EXPECT_TRUE(waitUntil([this] { return gate.waiting() == 1; }));
+  }
+
+  ~TimersWhoseContextBlocks() override {
+    gate.open();
+    starting.join();
+  }
+
   zerva::Gate gate;
   ScriptedService blocked;
   ScriptedService other;
   std::atomic<int> expiries{0};
-  other.onTimer = [&](int) { ++expiries; };
   ScriptedContext context;
-  context.channelOf = [&](Executable* owner) {
-    if (owner == &blocked) gate.wait();
-    return std::string();
-  };
-  FwkTimer sut(&context);
+  FwkTimer sut{&context};
   const int held = sut.createTimer(&blocked, 1);
-  std::thread starting([&] { sut.startTimer(held); });
-  ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+  std::thread starting;
+};
 
+TEST_F(TimersWhoseContextBlocks, ServeTheirOtherOwners) {
   const int id = sut.createTimer(&other, 1);
   EXPECT_TRUE(sut.startTimer(id));
   EXPECT_TRUE(waitUntil([&] { return expiries >= 2; }));
   EXPECT_TRUE(sut.resetTimer(id));
   EXPECT_TRUE(sut.timerRunning(id));
   EXPECT_TRUE(sut.stopTimer(id));
+}
+
+TEST_F(TimersWhoseContextBlocks, CanDeleteTheOneThatIsHeld) {
   EXPECT_FALSE(sut.timerRunning(held));
   EXPECT_TRUE(sut.deleteTimer(held));
-
   gate.open();
-  starting.join();
-  EXPECT_FALSE(sut.timerRunning(held));
+  EXPECT_FALSE(sut.startTimer(held));
 }
 
 TEST(TimersWhoseOwnerBlocks, CanBeUsedByEverybodyElse) {
