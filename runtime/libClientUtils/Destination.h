@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 #include "framework/Export.h"
@@ -8,15 +7,9 @@
 
 namespace zerva {
 
-/** @returns a number for `Destination::instance` that was given to none yet. Any thread. */
-ZERVA_EXPORT std::uint64_t newDestinationInstance();
-
 /** Where messages to a name can be handed: a mailbox of this process or a way to another one. */
 class ZERVA_EXPORT Destination {
  public:
-  /** @returns what tells this destination from all others, also from one of the same name. */
-  virtual std::uint64_t instance() const = 0;
-
   /** @returns as `CommsChannel::whoServes`. */
   virtual std::string server() const = 0;
 

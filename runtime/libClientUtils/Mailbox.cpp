@@ -17,12 +17,12 @@ constexpr std::size_t kManyOutstanding = 64;
 
 std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() : 0; }
 
-}  // namespace
-
-std::uint64_t newDestinationInstance() {
+std::uint64_t newNumber() {
   static std::atomic<std::uint64_t> last{0};
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
 }
+
+}  // namespace
 
 /** While it lives, a delivery to the mailbox is under way. Made under the lock. */
 class Mailbox::Delivery {
@@ -59,7 +59,7 @@ class Mailbox::Forgetting {
 };
 
 Mailbox::Mailbox(std::string name, CCInterceptorDispatcher* dispatcher)
-    : name_(std::move(name)), instance_(newDestinationInstance()), dispatcher_(dispatcher) {}
+    : name_(std::move(name)), number_(newNumber()), dispatcher_(dispatcher) {}
 
 Mailbox::~Mailbox() = default;
 
@@ -154,7 +154,7 @@ bool Mailbox::deliver(Envelope& envelope) {
   return taker->receive(envelope);
 }
 
-std::string Mailbox::server() const { return "here " + std::to_string(instance_); }
+std::string Mailbox::server() const { return "here " + std::to_string(number_); }
 
 bool Mailbox::waitsForCaller() const {
   const auto serving = receiver();

@@ -92,7 +92,6 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   /** Waits until no delivery is under way any more. Called after `close`. */
   void waitForDeliveries();
 
-  std::uint64_t instance() const override { return instance_; }
   std::string server() const override;
   bool deliver(Envelope& envelope) override;
   bool waitsForCaller() const override;
@@ -125,7 +124,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   void dropForgotten(Clock::time_point now);
 
   const std::string name_;
-  const std::uint64_t instance_;
+  const std::uint64_t number_;  // no other of this process ever has it
   CCInterceptorDispatcher* const dispatcher_;
   std::atomic<bool> served_{false};
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -17,9 +16,6 @@ class RemoteChannel final : public Destination {
       : peer_(std::move(peer)), server_(std::move(server)) {}
   virtual ~RemoteChannel() = default;
 
-  /** Another one for each look-up, so that a late reply is not taken for that of a later request.
-   */
-  std::uint64_t instance() const override { return instance_; }
   std::string server() const override { return server_; }
   bool deliver(Envelope& envelope) override { return peer_->deliver(envelope); }
   bool waitsForCaller() const override { return false; }
@@ -27,7 +23,6 @@ class RemoteChannel final : public Destination {
  private:
   const std::shared_ptr<Peer> peer_;
   const std::string server_;
-  const std::uint64_t instance_ = newDestinationInstance();
 };
 
 /** The way to a channel that is served, but cannot be reached now. */
@@ -41,7 +36,6 @@ class UnreachableChannel final : public Destination {
       : cause_(std::move(cause)), server_(std::move(server)) {}
   virtual ~UnreachableChannel() = default;
 
-  std::uint64_t instance() const override { return instance_; }
   std::string server() const override { return server_; }
   bool deliver(Envelope& envelope) override {
     envelope.refusal = cause_;
@@ -52,7 +46,6 @@ class UnreachableChannel final : public Destination {
  private:
   const std::string cause_;
   const std::string server_;
-  const std::uint64_t instance_ = newDestinationInstance();
 };
 
 }  // namespace zerva
