@@ -29,12 +29,15 @@ function(zerva_service_library name)
 endfunction()
 
 # zerva_test(NAME SOURCES... [LIBRARIES target...] [TIMEOUT seconds] [LABELS label...]
-#            [ENVIRONMENT name=value...])
+#            [ENVIRONMENT name=value...] [ON_ONE_PROCESSOR_TOO])
 #
 # A GoogleTest program; each of its tests is a test of ctest. TIMEOUT is for one test, 120 if not
 # given, and three times as long where the program is instrumented.
+#
+# ON_ONE_PROCESSOR_TOO: the whole program is one more test, with one processor for all its threads
+# and for the programs that it starts.
 function(zerva_test name)
-  cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "ON_ONE_PROCESSOR_TOO" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -60,4 +63,12 @@ foreach(test IN LISTS @name@_TESTS)
 endforeach()
 ]=])
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${lists}")
+
+  if(arg_ON_ONE_PROCESSOR_TOO)
+    math(EXPR arg_TIMEOUT "${arg_TIMEOUT} * 5")
+    list(APPEND arg_ENVIRONMENT "ZERVA_TEST_ON_ONE_PROCESSOR=1")
+    add_test(NAME "${name}/on_one_processor" COMMAND ${name})
+    set_tests_properties("${name}/on_one_processor" PROPERTIES
+      TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}" LABELS "${arg_LABELS}")
+  endif()
 endfunction()

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -15,6 +16,18 @@ namespace {
 std::chrono::seconds limitOfATest() {
   const char* seconds = std::getenv("ZERVA_TEST_SECONDS");
   return std::chrono::seconds{seconds == nullptr ? 100 : std::atoi(seconds)};
+}
+
+/** From here on this thread, and the threads and processes that it starts, have one processor. */
+void stayOnOneProcessor() {
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  sched_getaffinity(0, sizeof allowed, &allowed);
+  int first = 0;
+  while (first < CPU_SETSIZE && !CPU_ISSET(first, &allowed)) ++first;
+  CPU_ZERO(&allowed);
+  CPU_SET(first, &allowed);
+  if (sched_setaffinity(0, sizeof allowed, &allowed) != 0) std::abort();
 }
 
 class WatchEachTest : public testing::EmptyTestEventListener {
@@ -32,6 +45,7 @@ class WatchEachTest : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
+  if (std::getenv("ZERVA_TEST_ON_ONE_PROCESSOR") != nullptr) stayOnOneProcessor();
   // Nothing is watched where tests are only listed; GoogleTest deletes the listener at the end.
   testing::UnitTest::GetInstance()->listeners().Append(new WatchEachTest);
   return RUN_ALL_TESTS();

@@ -19,22 +19,21 @@ std::vector<std::string> wayThrough(int first, int last, int times = 1) {
   return way;
 }
 
-class ACallAcrossServices : public SystemWorld {};
-ZERVA_ON_ALL_PROCESSORS_AND_ON_ONE(ACallAcrossServices);
+class ACallAcrossServices : public testing::Test, protected SystemWorld {};
 
-TEST_P(ACallAcrossServices, ThroughMoreServicesThanThePoolHasThreads_ComesBack) {
+TEST_F(ACallAcrossServices, ThroughMoreServicesThanThePoolHasThreads_ComesBack) {
   constexpr int kServices = 60;  // the configurator's pool has 50
   start(relays("service_instance: MT", kServices));
   EXPECT_THAT(find("RelayIfc1")->pass(wayThrough(2, kServices)), SizeIs(kServices));
 }
 
-TEST_P(ACallAcrossServices, ThroughManyServicesWithAThreadEach_ComesBack) {
+TEST_F(ACallAcrossServices, ThroughManyServicesWithAThreadEach_ComesBack) {
   constexpr int kServices = 60;
   start(relays("service_instance: ST", kServices));
   EXPECT_THAT(find("RelayIfc1")->pass(wayThrough(2, kServices)), SizeIs(kServices));
 }
 
-TEST_P(ACallAcrossServices, BackToServicesThatAreThemselvesWaiting_ComesBack) {
+TEST_F(ACallAcrossServices, BackToServicesThatAreThemselvesWaiting_ComesBack) {
   for (const char* const keyword : {"service_instance: ST", "service_instance: MT"}) {
     start(relays(keyword, 3));
     EXPECT_THAT(find("RelayIfc1")->pass(wayThrough(1, 3, 10)), SizeIs(31)) << keyword;
@@ -42,19 +41,19 @@ TEST_P(ACallAcrossServices, BackToServicesThatAreThemselvesWaiting_ComesBack) {
   }
 }
 
-TEST_P(ACallAcrossServices, ThroughLazyServicesThatAreMadeOnTheWay_ComesBack) {
+TEST_F(ACallAcrossServices, ThroughLazyServicesThatAreMadeOnTheWay_ComesBack) {
   start(relays("service_info: ST", 4) + relay("service_info: MT", "RelayIfc5"));
   EXPECT_THAT(find("RelayIfc1")->pass(wayThrough(2, 5)), SizeIs(5));
 }
 
-TEST_P(ACallAcrossServices, WithoutEnd_EndsWithAnErrorAndNotWithAHang) {
+TEST_F(ACallAcrossServices, WithoutEnd_EndsWithAnErrorAndNotWithAHang) {
   start(relays("service_instance: ST", 2));
   EXPECT_THAT([&] { find("RelayIfc1")->pass(wayThrough(1, 2, 200)); },
               testing::ThrowsMessage<CallException>(HasSubstr("requests inside each other")));
   EXPECT_THAT(find("RelayIfc1")->pass(wayThrough(2, 2)), SizeIs(2)) << "it serves no longer";
 }
 
-TEST_P(ACallAcrossServices, ThatFailsFarAway_SaysWhereAndWhy) {
+TEST_F(ACallAcrossServices, ThatFailsFarAway_SaysWhereAndWhy) {
   start(relays("service_instance: MT", 3));
   auto way = wayThrough(2, 3);
   way.emplace_back("throw");
@@ -63,7 +62,7 @@ TEST_P(ACallAcrossServices, ThatFailsFarAway_SaysWhereAndWhy) {
                   testing::AllOf(HasSubstr("RelayIfc3"), HasSubstr("no way"))));
 }
 
-TEST_P(ACallAcrossServices, MadeByManyAtOnceInBothDirections_ComesBackToEach) {
+TEST_F(ACallAcrossServices, MadeByManyAtOnceInBothDirections_ComesBackToEach) {
   start(relays("service_instance: MT", 4));
   concurrently(20, [&](std::size_t thread) {
     Relay* const first = find(thread % 2 == 0 ? "RelayIfc1" : "RelayIfc4");

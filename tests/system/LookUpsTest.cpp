@@ -12,10 +12,9 @@ using testing::SizeIs;
 
 constexpr std::size_t kThreads = 100;
 
-class ALookUp : public SystemWorld {};
-ZERVA_ON_ALL_PROCESSORS_AND_ON_ONE(ALookUp);
+class ALookUp : public testing::Test, protected SystemWorld {};
 
-TEST_P(ALookUp, OfAnUnknownInvokerByAHundredThreads_MakesExactlyOne) {
+TEST_F(ALookUp, OfAnUnknownInvokerByAHundredThreads_MakesExactlyOne) {
   start(relay("service_instance: MT", "RelayIfc"));
   std::mutex mutex;
   std::set<Invoker*> found;
@@ -31,7 +30,7 @@ TEST_P(ALookUp, OfAnUnknownInvokerByAHundredThreads_MakesExactlyOne) {
   EXPECT_EQ(invokersMade(), 1);
 }
 
-TEST_P(ALookUp, OfAnUnknownServiceByAHundredThreads_GivesEachAWorkingProxy) {
+TEST_F(ALookUp, OfAnUnknownServiceByAHundredThreads_GivesEachAWorkingProxy) {
   start(relay("service_instance: MT", "RelayIfc"));
   std::atomic<std::size_t> working{0};
   concurrently(kThreads, [&](std::size_t) {
@@ -45,7 +44,7 @@ TEST_P(ALookUp, OfAnUnknownServiceByAHundredThreads_GivesEachAWorkingProxy) {
   EXPECT_EQ(invokersMade(), 1);
 }
 
-TEST_P(ALookUp, OfAnUnknownLazyServiceByAHundredThreads_GivesEachAWorkingProxy) {
+TEST_F(ALookUp, OfAnUnknownLazyServiceByAHundredThreads_GivesEachAWorkingProxy) {
   start(relay("service_info: ST", "RelayIfc"));
   concurrently(kThreads, [&](std::size_t) {
     Relay* const proxy = find("RelayIfc");
@@ -54,12 +53,12 @@ TEST_P(ALookUp, OfAnUnknownLazyServiceByAHundredThreads_GivesEachAWorkingProxy) 
   });
 }
 
-TEST_P(ALookUp, OfAnInterfaceThatNobodyServes_GivesNothing) {
+TEST_F(ALookUp, OfAnInterfaceThatNobodyServes_GivesNothing) {
   start("");
   EXPECT_EQ(find("RelayIfc"), nullptr);
 }
 
-TEST_P(ALookUp, OfAServiceWhoseProxyNobodyRecorded_GivesNothing) {
+TEST_F(ALookUp, OfAServiceWhoseProxyNobodyRecorded_GivesNothing) {
   start("service_instance: MT libRelay.so createRelay /test/relay RelayIfc\n");
   EXPECT_EQ(find("RelayIfc"), nullptr);
 }

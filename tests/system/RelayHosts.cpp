@@ -2,6 +2,9 @@
 
 #include <signal.h>
 
+#include <iterator>
+#include <sstream>
+
 #include "framework/CallException.h"
 #include "tests/support/WaitUntil.h"
 
@@ -17,14 +20,14 @@ std::filesystem::path ownBuild() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
 }
 
-std::string directivesFor(const std::string& name) {
-  const std::string registry =
-      "service_instance: MT libServiceRegistry.so createServiceRegistry /zerva/serviceregistry "
-      "ServiceRegistryIfc\n";
-  return (name == "First" ? registry : "") + "proxy_info: libRelayAccess.so createRelayProxy " +
-         name + " zerva_simple_rmi\n" + "invoker_info: libRelayAccess.so createRelayInvoker " +
-         name + " zerva_simple_rmi\n" + "service_instance: MT libRelay.so createRelay /test/" +
-         name + " " + name + "\n";
+std::string directivesFor(const std::string& name, const std::string& registry) {
+  const std::string line =
+      registry +
+      " libServiceRegistry.so createServiceRegistry /zerva/serviceregistry ServiceRegistryIfc\n";
+  return (name == "First" ? line : "") + "proxy_info: libRelayAccess.so createRelayProxy " + name +
+         " zerva_simple_rmi\n" + "invoker_info: libRelayAccess.so createRelayInvoker " + name +
+         " zerva_simple_rmi\n" + "service_instance: MT libRelay.so createRelay /test/" + name +
+         " " + name + "\n";
 }
 
 }  // namespace
@@ -37,19 +40,28 @@ RelayCaller::RelayCaller(const std::string& ifc)
 
 RelayHosts::RelayHosts() = default;
 
-void RelayHosts::start(const std::string& name, const std::string& more) {
+std::string RelayHosts::commandFor(const std::string& name, const std::string& more) const {
   const auto chosen = builds.find(name);
-  const std::filesystem::path build = chosen != builds.end() ? chosen->second : ownBuild();
-  const auto file = directory_.write(name + ".directives", directivesFor(name) + more);
-  std::vector<std::string> arguments{
-      "run",       file,          "--bus",           busDirectory_, "--lib-dir", build / "plugins",
-      "--lib-dir", build / "lib", "--reply-timeout", "3600"};
-  if (name != "First") {
-    arguments.insert(arguments.end(), {"--await", "/zerva/serviceregistry"});
-  }
-  auto& host = hosts_[name];
-  host = std::make_unique<ChildProcess>(build / "bin/zerva", arguments);
-  ASSERT_TRUE(host->waitForOutput("up       " + name)) << host->output() << host->errors();
+  const std::string build = chosen != builds.end() ? chosen->second : ownBuild();
+  const std::string file =
+      directory_.write(name + ".directives", directivesFor(name, registry) + more);
+  return build + "/bin/zerva run " + file + " --bus " + busDirectory_.string() + " --lib-dir " +
+         build + "/plugins --lib-dir " + build + "/lib --reply-timeout 3600" +
+         (name == "First" ? "" : " --await /zerva/serviceregistry");
+}
+
+void RelayHosts::launch(const std::string& name, const std::string& more) {
+  std::istringstream words(commandFor(name, more));
+  std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+  const std::string program = arguments.front();
+  arguments.erase(arguments.begin());
+  hosts_[name] = std::make_unique<ChildProcess>(program, arguments);
+}
+
+void RelayHosts::start(const std::string& name, const std::string& more) {
+  launch(name, more);
+  ASSERT_TRUE(host(name).waitForOutput("up       " + name))
+      << host(name).output() << host(name).errors();
 }
 
 void RelayHosts::startAll() {

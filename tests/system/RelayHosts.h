@@ -49,8 +49,14 @@ class RelayHosts : public testing::Test {
  protected:
   RelayHosts();
 
-  /** Starts a host, and waits until its relay is up. @param more directives of its own. */
+  /** Starts a host. @param more directives of its own. */
+  void launch(const std::string& name, const std::string& more = "");
+
+  /** Starts a host, and waits until its relay is up. */
   void start(const std::string& name, const std::string& more = "");
+
+  /** @returns what starts a host that has directives of its own, as words of a command line. */
+  std::string commandFor(const std::string& name, const std::string& more = "") const;
 
   /** Starts all three, and has each call each, so that all proxies are there. */
   void startAll();
@@ -83,6 +89,9 @@ class RelayHosts : public testing::Test {
   std::string process(const std::string& name) const;
 
   ChildProcess& host(const std::string& name) { return *hosts_.at(name); }
+
+  /** The keyword of the registry. */
+  std::string registry = "service_instance: MT";
 
   /** Where programs and libraries of the hosts are; those of this build unless it is set. */
   std::map<std::string, std::filesystem::path> builds;

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 /** Whether so many requests are being served now. */
 bool underWay(std::size_t count) { return executorsUnderWay().size() == count; }
 
-class AStop : public SystemWorld {
+class AStop : public testing::Test, protected SystemWorld {
  protected:
   AStop() { setReplyTimeout(std::chrono::hours(1)); }
   ~AStop() override { setReplyTimeout(before_); }
@@ -30,9 +30,8 @@ class AStop : public SystemWorld {
  private:
   const std::chrono::milliseconds before_ = replyTimeout();
 };
-ZERVA_ON_ALL_PROCESSORS_AND_ON_ONE(AStop);
 
-TEST_P(AStop, EndsACallUnderWayWithAnError) {
+TEST_F(AStop, EndsACallUnderWayWithAnError) {
   for (const char* const keyword : {"service_instance: ST", "service_instance: MT"}) {
     start(relays(keyword, 1));
     std::thread caller = calling({"hold"});
@@ -43,7 +42,7 @@ TEST_P(AStop, EndsACallUnderWayWithAnError) {
   }
 }
 
-TEST_P(AStop, EndsCallsThatWaitForEachOther) {
+TEST_F(AStop, EndsCallsThatWaitForEachOther) {
   for (const char* const keyword : {"service_instance: ST", "service_instance: MT"}) {
     start(relays(keyword, 4));
     std::thread caller = calling({"RelayIfc2", "RelayIfc3", "RelayIfc4", "hold"});
@@ -54,7 +53,7 @@ TEST_P(AStop, EndsCallsThatWaitForEachOther) {
   }
 }
 
-TEST_P(AStop, IsFollowedByErrorsInsteadOfCalls) {
+TEST_F(AStop, IsFollowedByErrorsInsteadOfCalls) {
   start(relays("service_instance: MT", 2));
   Relay* const known = find("RelayIfc1");
   ASSERT_NE(known, nullptr);
@@ -63,7 +62,7 @@ TEST_P(AStop, IsFollowedByErrorsInsteadOfCalls) {
   EXPECT_EQ(find("RelayIfc2"), nullptr) << "the registry is stopped too";
 }
 
-TEST_P(AStop, LeavesNoTimerRunning) {
+TEST_F(AStop, LeavesNoTimerRunning) {
   class Owner : public Executable {
     void init(SvcRTEContext* /*context*/) override {}
   } owner;

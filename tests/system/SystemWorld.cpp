@@ -17,6 +17,9 @@ std::filesystem::path buildDirectory() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
 }
 
+constexpr const char* kRegistryLine =
+    " libServiceRegistry.so createServiceRegistry /zerva/serviceregistry ServiceRegistryIfc\n";
+
 }  // namespace
 
 SystemWorld::SystemWorld() {
@@ -25,15 +28,14 @@ SystemWorld::SystemWorld() {
 
 SystemWorld::~SystemWorld() { end(); }
 
-void SystemWorld::start(const std::string& directives) {
-  runOn(GetParam());
+void SystemWorld::start(const std::string& directives, const std::string& registry) {
   sut = std::make_unique<OpenConfigurator>(&channel, &repository, &protocols, &channelInterceptors,
                                            &invokeInterceptors);
-  sut->processDirectives(directory.write(
-      "services.directives",
-      "service_instance: MT libServiceRegistry.so createServiceRegistry /zerva/serviceregistry "
-      "ServiceRegistryIfc\n" +
-          directives));
+  process((registry.empty() ? "" : registry + kRegistryLine) + directives);
+}
+
+void SystemWorld::process(const std::string& directives) {
+  sut->processDirectives(directory.write("services.directives", directives));
 }
 
 void SystemWorld::end() {

@@ -15,7 +15,6 @@
 #include "runtime/libClientUtils/ProtocolRepository.h"
 #include "tests/plugins/relay/Relay.h"
 #include "tests/support/TempDirectory.h"
-#include "tests/system/Processors.h"
 
 namespace zerva {
 
@@ -28,15 +27,23 @@ class OpenConfigurator : public ServiceConfigurator {
 
 /**
  * A host by hand: a configurator with the registry, and relays that call each other through proxies
- * and invokers which the registry knows. Each test runs on all processors and on one.
+ * and invokers which the registry knows.
  */
-class SystemWorld : public testing::TestWithParam<Processors> {
- protected:
+class SystemWorld {
+ public:
+  /** The keyword that the registry is started with; none when it is in another process. */
+  static constexpr const char* kRegistry = "service_instance: MT";
+
   SystemWorld();
-  ~SystemWorld() override;
+  ~SystemWorld();
+  SystemWorld(const SystemWorld&) = delete;
+  SystemWorld& operator=(const SystemWorld&) = delete;
 
   /** Starts the registry and what further directives say. */
-  void start(const std::string& directives);
+  void start(const std::string& directives, const std::string& registry = kRegistry);
+
+  /** Does what a further directive file says. */
+  void process(const std::string& directives);
 
   /** Stops, waits and deletes as a host does. */
   void end();
@@ -61,10 +68,5 @@ class SystemWorld : public testing::TestWithParam<Processors> {
   CommsChannel channel{"/test/host", nullptr};
   std::unique_ptr<OpenConfigurator> sut;
 };
-
-/** The tests of a class, with both numbers of processors. */
-#define ZERVA_ON_ALL_PROCESSORS_AND_ON_ONE(suite)                                        \
-  INSTANTIATE_TEST_SUITE_P(On, suite, testing::Values(Processors::All, Processors::One), \
-                           testing::PrintToStringParamName())
 
 }  // namespace zerva

@@ -104,6 +104,25 @@ TEST_F(TheBus, FailsACallOfAnInterfaceWithAnEndlessName) {
                   testing::Property(&CallException::getCause, HasSubstr("65536 bytes, too many"))));
 }
 
+TEST_F(TheBus, BringsEachOfTwoChannelsOfOneNameItsOwnReplies) {
+  serve("/here", Mode::MT, [](const std::string& request) { return "here: " + request; });
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo MT /echo");
+  // The partner asks from a channel of that name, too.
+  CommsChannel one("/test/caller", nullptr);
+  CommsChannel two("/test/caller", nullptr);
+  concurrently(3, [&](std::size_t thread) {
+    for (int i = 0; i < 100; ++i) {
+      const std::string text = std::to_string(thread) + "/" + std::to_string(i);
+      if (thread == 2) {
+        EXPECT_EQ(partner.tell("ask /here|" + text), "here: " + text);
+      } else {
+        EXPECT_EQ(ask(thread == 0 ? one : two, "/echo", text).data, text);
+      }
+    }
+  });
+}
+
 TEST_F(TheBus, TellsTheServiceTheRequestIdOfTheSender) {
   const auto answers = std::make_shared<std::atomic<long>>(0);
   class Service : public ScriptedService {

@@ -4,9 +4,12 @@
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <functional>
 #include <thread>
 
 #include "runtime/libClientUtils/bus/FileDescriptor.h"
@@ -192,6 +195,48 @@ TEST_F(AStranger, ThatSaysItIsSomebodyElse_IsDismissed) {
     Stranger stranger(socketPath());
     stranger.say(encodeHead(HelloFrame{kWireVersion, stolen}));
     EXPECT_TRUE(stranger.isDismissed()) << stolen;
+  }
+  expectWorking();
+}
+
+/** Does something as another user; only root can, everybody else stays who he is. */
+void asAnotherUser(const std::function<void()>& something) {
+  std::thread([&] {
+    constexpr int kNobody = 65534;
+    // Of this thread alone, which ends with it.
+    if (::geteuid() == 0) {
+      EXPECT_EQ(::syscall(SYS_setresuid, kNobody, kNobody, kNobody), 0);
+    }
+    something();
+  }).join();
+}
+
+TEST_F(AStranger, OfAnotherUser_DoesNotGetAsFarAsTheSocket) {
+  const sockaddr_un address = addressOf(socketPath());
+  const bool another = ::geteuid() == 0;
+  ::chmod(directory.path().c_str(), 0755);
+  asAnotherUser([&] {
+    const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+    EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+              another ? -1 : 0);
+  });
+  expectWorking();
+}
+
+TEST_F(AStranger, OfAnotherUser_IsDismissedEvenWhereTheDirectoryIsOpen) {
+  const RecordingSink log("Bus");
+  const std::string socket = socketPath();
+  ::chmod(directory.path().c_str(), 0755);
+  ::chmod(path.c_str(), 0755);
+  ::chmod(socket.c_str(), 0777);
+  const bool another = ::geteuid() == 0;
+  asAnotherUser([&] {
+    Stranger stranger(socket);
+    stranger.say(hello());
+    EXPECT_EQ(stranger.hear().empty(), another);
+  });
+  if (another) {
+    EXPECT_THAT(log.texts(), testing::Contains("a connection of another user is refused"));
   }
   expectWorking();
 }

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "SvcRTEContext.h"
+#include "framework/Logging.h"
 #include "framework/Service.h"
 #include "tests/plugins/relay/Relay.h"
 
@@ -24,7 +25,7 @@ class RelayService : public Service, public Relay {
   std::vector<int> pass(const std::vector<std::string>& way) override {
     std::vector<int> processes{getpid()};
     if (way.empty()) return processes;
-    if (way[0] == "hold") return hold();
+    if (way[0] == "hold") return hold(way);
     if (way[0] == "throw") throw std::runtime_error("no way");
     auto* const next = dynamic_cast<Relay*>(context_->findService(way[0]));
     if (next == nullptr) throw std::runtime_error("nobody is " + way[0]);
@@ -34,11 +35,19 @@ class RelayService : public Service, public Relay {
   }
 
  private:
-  std::vector<int> hold() {
+  std::vector<int> hold(const std::vector<std::string>& way) {
     std::puts("held");
     std::fflush(stdout);
     std::unique_lock<std::mutex> lock(mutex_);
     changed_.wait(lock, [this] { return stopped_; });
+    lock.unlock();
+    for (std::size_t i = 1; i < way.size(); ++i) {
+      const bool found = context_->findService(way[i]) != nullptr;
+      const bool started = context_->startTimer(context_->createTimer(this, 1000));
+      logAppUni("Test", "RelayService", 4, __LINE__, "after the stop: %s %s, a timer %s",
+                way[i].c_str(), found ? "is found" : "is not found",
+                started ? "starts" : "does not start");
+    }
     throw std::runtime_error("held until it was stopped");
   }
 
