@@ -22,6 +22,7 @@ namespace zerva {
 class OpenConfigurator : public ServiceConfigurator {
  public:
   using ServiceConfigurator::findInvoker;
+  using ServiceConfigurator::findProxy;
   using ServiceConfigurator::ServiceConfigurator;
 };
 

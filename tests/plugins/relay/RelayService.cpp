@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <stdexcept>
 
@@ -58,3 +59,12 @@ class RelayService : public Service, public Relay {
 };
 
 extern "C" ZERVA_EXPORT Service* createRelay() { return new RelayService; }
+
+/** Makes nothing the first two times. */
+extern "C" ZERVA_EXPORT Service* createReluctantRelay() {
+  // In the environment, since the library may be closed and opened between two times.
+  const char* const before = std::getenv("ZERVA_TEST_RELUCTANT");
+  const int times = before != nullptr ? std::atoi(before) + 1 : 1;
+  setenv("ZERVA_TEST_RELUCTANT", std::to_string(times).c_str(), 1);
+  return times > 2 ? new RelayService : nullptr;
+}
