@@ -5,9 +5,12 @@
 
 namespace zerva {
 
-/** What this process holds of the machine. */
+/** What a process holds of the machine. */
 struct Footprint {
-  /** Bytes that were allocated and not freed; 0 under a sanitizer, which has its own allocator. */
+  /**
+   * Bytes that were allocated and not freed; 0 under a sanitizer, which has its own allocator, and
+   * for another process.
+   */
   std::size_t heap;
   /** Bytes of memory that are really there. */
   std::size_t resident;
@@ -16,8 +19,11 @@ struct Footprint {
   std::size_t mappings;
 };
 
-/** Looks now. Reads /proc; any thread. */
+/** Looks at this process now. Reads /proc; any thread. */
 Footprint measureFootprint();
+
+/** Looks at another process of this user now. */
+Footprint measureFootprintOf(int process);
 
 /** @returns one line for people. */
 std::string describe(const Footprint& footprint);
