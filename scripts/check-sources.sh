@@ -95,4 +95,16 @@ for document in "${documents[@]}"; do
   done <"$document"
 done
 
+# A promise is held by tests that are there.
+while IFS= read -r test; do
+  suite=${test%%.*} name=${test#*.}
+  grep -qE "^TEST(_F|_P)?\($suite, ${name/\*/[A-Za-z0-9_]+}\)" "${tests[@]}" ||
+    complain "docs/reliability.md: there is no test $test"
+done < <(grep -oE '`[A-Z][A-Za-z0-9]*\.([A-Za-z0-9_]+|\*)`' docs/reliability.md | tr -d '`' |
+  grep -vE '\.(md|json|txt)$' || true)
+
+# What the document says a service with its proxy and invoker takes.
+lines=$(cat examples/water/* | wc -l)
+[ "$lines" -lt 80 ] || complain "examples/water: $lines lines, the document promises fewer than 80"
+
 [ $failed -eq 0 ] || fail "a rule for sources is broken"
