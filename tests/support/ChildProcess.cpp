@@ -128,6 +128,17 @@ void ChildProcess::signal(int number) {
   if (running()) kill(process, number);
 }
 
+bool ChildProcess::stop() {
+  signal(SIGSTOP);
+  const std::filesystem::path threads = "/proc/" + std::to_string(process) + "/task";
+  return waitUntil([&] {
+    for (const auto& thread : std::filesystem::directory_iterator(threads)) {
+      if (readFile(thread.path() / "stat").find(") T ") == std::string::npos) return false;
+    }
+    return true;
+  });
+}
+
 void ChildProcess::signalGroup(int number) {
   if (running()) kill(-process, number);
 }

@@ -49,6 +49,12 @@ class ChildProcess {
   /** Sends a signal to the program alone; nothing happens after its end. */
   void signal(int number);
 
+  /**
+   * Stops the program, and waits until none of its threads does anything any more; SIGCONT makes it
+   * go on. @returns false when they still ran at the deadline.
+   */
+  bool stop();
+
   /** Sends a signal to the program's whole group, as a terminal does; nothing after its end. */
   void signalGroup(int number);
 

@@ -11,7 +11,7 @@ class AStoppedProcess : public RelayHosts {};
 
 TEST_F(AStoppedProcess, HoldsUpNobodyButThoseWhoWaitForIt) {
   ASSERT_NO_FATAL_FAILURE(startAll());
-  host("Second").signal(SIGSTOP);
+  ASSERT_TRUE(host("Second").stop());
   CallEnd waiting = call({"Third", "Second"});
   expectCallsBetween("First", "Third");
   EXPECT_EQ(waiting.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
@@ -22,7 +22,7 @@ TEST_F(AStoppedProcess, HoldsUpNobodyButThoseWhoWaitForIt) {
 
 TEST_F(AStoppedProcess, ThatIsKilled_FailsThoseWhoWaitForIt) {
   ASSERT_NO_FATAL_FAILURE(startAll());
-  host("Second").signal(SIGSTOP);
+  ASSERT_TRUE(host("Second").stop());
   CallEnd waiting = call({"Third", "Second"});
   ASSERT_NO_FATAL_FAILURE(kill("Second"));
   EXPECT_THAT(waiting.get(), HasSubstr("failed"));

@@ -39,17 +39,7 @@ class BusPartner {
   }
 
   /** Stops the process, and waits until none of its threads does anything any more. */
-  void stop() {
-    process_.signal(SIGSTOP);
-    const std::filesystem::path threads = "/proc/" + std::to_string(process_.id()) + "/task";
-    EXPECT_TRUE(waitUntil([&] {
-      for (const auto& thread : std::filesystem::directory_iterator(threads)) {
-        const std::string state = readFile(thread.path() / "stat");
-        if (state.find(") T ") == std::string::npos) return false;
-      }
-      return true;
-    }));
-  }
+  void stop() { EXPECT_TRUE(process_.stop()); }
 
   /** As the process is named in errors. */
   std::string name() const { return "process " + std::to_string(process_.id()); }
