@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "FrameworkException.h"
 #include "framework/Dll.h"
 #include "framework/ProxyRequestImpl.h"
@@ -228,6 +230,17 @@ TEST_F(RemovingAProxy, OfAnotherInterface_DeletesNothing) {
                                                  " [proxySem, proxyMapSem]"));
   expectTrace({locked("proxySem", {"repository.deleteOneServiceProxy(Proxy#1, \"BarIfc\")"})});
   EXPECT_TRUE(fakes::Objects::isAlive(proxy));
+}
+
+TEST_F(RemovingAProxy, ThatThrows_LeavesTheSemaphoreFree) {
+  Proxy* proxy = recordProxy("FooIfc", "/svc/a", "");
+  std::string ifc = "FooIfc";
+  Platform::once("repository.deleteOneServiceProxy(", [] { throw std::runtime_error("in use"); });
+  const auto remove = [&] { sut->removeAndDeleteProxyFromRepository(proxy, ifc); };
+  EXPECT_EQ(messageOf<std::runtime_error>(remove), "in use");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  remove();
+  EXPECT_EQ(inner.findServiceProxy(ifc), nullptr);
 }
 
 }  // namespace

@@ -177,6 +177,26 @@ TEST_F(AReply, WithoutACreator_ResolvesAnEmptyName) {
   EXPECT_THAT(Trace::lines(), testing::Contains("Dll#1.symbol(\"\") [proxySem]"));
 }
 
+TEST_F(AReply, WithAZeroByteInTheChannel_KeepsWhatFollows) {
+  offerProxy("libA.so", "createA");
+  findWith(std::string("found:/svc/a\0b,more", 19), "found_proxy:libA.so,createA");
+  EXPECT_THAT(
+      Trace::lines(),
+      testing::Contains(testing::HasSubstr(
+          "CommsChannel#1 = CommsChannel(" +
+          fakes::inQuotes(std::string("/svc/a\0b_proxy-", 15) + "2026-11-15.08:51:55.  4217"))));
+}
+
+TEST_F(AReply, WithAZeroByteInTheNames_KeepsWhatFollows) {
+  offerProxy("libA.so", "createA");
+  findWith("found:/svc/a", std::string("found_proxy:libA.so\0x,createA\0y", 31));
+  EXPECT_THAT(Trace::lines(),
+              testing::Contains("Dll#1 = Dll(" + fakes::inQuotes(std::string("libA.so\0x", 9)) +
+                                ") [proxySem]"));
+  EXPECT_THAT(Trace::lines(),
+              testing::Contains("Proxy#1.initialise(ProxyRequestImpl#1) [proxySem]"));
+}
+
 /** At level 5 the progress is seen, at 4 it is not. */
 class FindProxy : public ProxyLookup, public testing::WithParamInterface<int> {
  protected:
@@ -250,6 +270,12 @@ TEST_P(FindProxy, WithAReplyThatBeginsWithAHash_ThrowsOutOfRange) {
               outOfRange(1, 1));
   }
   EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("proxySem"))));
+}
+
+TEST_P(FindProxy, WithAZeroByteInTheNames_KeepsWhatFollows) {
+  Platform::reply("find_proxy:FooIfc", std::string("found_proxy:libA.so\0x,createA\0y", 31));
+  offerProxy("libA.so", "createA");
+  EXPECT_NE(find("FooIfc", "/svc/a", ""), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(AtLevel, FindProxy, testing::Values(4, 5));

@@ -1,3 +1,4 @@
+#include "framework/ServiceExecutor.h"
 #include "tests/conformance/ProxyLookupTest.h"
 
 namespace zerva::conformance {
@@ -139,6 +140,38 @@ TEST_F(ARegistryRecord, SaidTwice_IsHandedOnTwice) {
   sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "x");
   expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x"),
                sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x")});
+}
+
+/** Sending succeeds, since somebody serves the registry's channel. */
+class ARecordOfTheRegistryItself : public ARegistryRecord {
+ protected:
+  ARecordOfTheRegistryItself() {
+    sut->services["ServiceRegistryIfc"] = &service;
+    forget();
+  }
+
+  fakes::RecordingRegistryService service;
+  ServiceExecutor executor{
+      &service, new CommsChannel("/zerva/serviceregistry", nullptr), "", nullptr, nullptr, nullptr,
+      true};
+};
+
+TEST_F(ARecordOfTheRegistryItself, OfTheProxyThatWasSent_IsHandedToTheRegistryToo) {
+  sut->registerProxyInfo("libA.so", "createA", "ServiceRegistryIfc", "tcp");
+  expectTrace({sent("reg_proxy:libA.so,createA,ServiceRegistryIfc,tcp"), lookedUp(),
+               "RegistryService#1.registerProxy(\"libA.so\", \"createA\", "
+               "\"ServiceRegistryIfc\", \"tcp\")"});
+}
+
+TEST_F(ARecordOfTheRegistryItself, OfTheProxyThatWasSentWithoutARegistry_IsReported) {
+  noRegistry();
+  sut->registerProxyInfo("libA.so", "createA", "ServiceRegistryIfc", "tcp");
+  expectTrace({sent("reg_proxy:libA.so,createA,ServiceRegistryIfc,tcp"), lookedUp(), noProxy()});
+}
+
+TEST_F(ARecordOfTheRegistryItself, OfTheInvokerThatWasSent_IsSentAsTextOnly) {
+  sut->registerInvokerInfo("libA.so", "createA", "ServiceRegistryIfc", "tcp");
+  expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,tcp")});
 }
 
 /** From a record to the registry, without anything scripted between. */

@@ -1,7 +1,21 @@
+#include <stdexcept>
+
 #include "tests/conformance/RepositoryTest.h"
 
 namespace zerva::conformance {
 namespace {
+
+/** Lets a call throw once. */
+void failOnce(const std::string& call) {
+  Platform::once(call, [] { throw std::runtime_error("it is gone"); });
+}
+
+/** What a lookup throws passes, and leaves no semaphore taken. */
+template <class Lookup>
+void expectToPass(const Lookup& lookup) {
+  EXPECT_EQ(messageOf<std::runtime_error>(lookup), "it is gone");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+}
 
 class FindingAService : public RepositoryTest {
  protected:
@@ -64,6 +78,12 @@ TEST_F(FindingAService, ThatHasNoChannelByChannel_PassesItOver) {
   EXPECT_EQ(findService("OldIfc", ""), legacy);
   EXPECT_EQ(findService("OldIfc", "B"), onB);
   EXPECT_EQ(findService("OldIfc", "C"), nullptr);
+}
+
+TEST_F(FindingAService, OnAChannelWhoseNameCannotBeRead_LeavesTheSemaphoreFree) {
+  failOnce("CommsChannel#1.getName(");
+  expectToPass([this] { findService("FooIfc", "A"); });
+  EXPECT_EQ(findService("FooIfc", "A"), onA);
 }
 
 class FindingAProxy : public RepositoryTest {
@@ -153,6 +173,18 @@ TEST_F(FindingAProxy, ThatHasNoRequestByChannel_PassesItOver) {
   EXPECT_EQ(findProxy("BarIfc", "/svc/b", ""), onB);
 }
 
+TEST_F(FindingAProxy, WhoseRequestsChannelCannotBeRead_LeavesTheSemaphoreFree) {
+  failOnce("ProxyRequestImpl#1.getSvcChannel(");
+  expectToPass([this] { findProxy("FooIfc", "/svc/a", ""); });
+  EXPECT_EQ(findProxy("FooIfc", "/svc/a", ""), plain);
+}
+
+TEST_F(FindingAProxy, WhoseRequestsQualifierCannotBeRead_LeavesTheSemaphoreFree) {
+  failOnce("ProxyRequestImpl#1.getQualifier(");
+  expectToPass([this] { findProxy("FooIfc", "/svc/a", ""); });
+  EXPECT_EQ(findProxy("FooIfc", "/svc/a", ""), plain);
+}
+
 class FindingAnInvoker : public RepositoryTest {
  protected:
   FindingAnInvoker() : invoker(keep(newInvoker())) {
@@ -231,6 +263,12 @@ TEST_F(AskingAboutAService, ForTheChannelOfOneWithTwoEntries_LooksAtTheFirstName
   sut->addService(stranger, nullptr, other, nullptr, "B");
   sut->addService(stranger, nullptr, "A");
   EXPECT_EQ(sut->findSvcChannel(stranger), "");
+}
+
+TEST_F(AskingAboutAService, ForAChannelWhoseNameCannotBeRead_LeavesTheSemaphoreFree) {
+  failOnce("CommsChannel#1.getName(");
+  expectToPass([this] { sut->findSvcChannel(service); });
+  EXPECT_EQ(sut->findSvcChannel(service), "fooChannel");
 }
 
 TEST_F(AskingAboutAService, WhetherItIsThere_KnowsAllEntries) {

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "tests/conformance/RepositoryTest.h"
 
 namespace zerva::conformance {
@@ -94,6 +96,23 @@ TEST_F(ShuttingServicesDown, LeavesProxiesAndInvokersAlone) {
   sut->deleteAllServiceProxies();
   sut->deleteAllServiceInvokers();
 }
+
+/** A call that may throw while all services are shut down. */
+class AThrowingCall : public RepositoryTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(AThrowingCall, InShuttingServicesDown_LeavesTheSemaphoreFree) {
+  auto* service = newService();
+  auto* channel = newChannel("c");
+  sut->addService(service, newExecutor(service, channel), channel, newDll(), "FooIfc");
+  Platform::once(GetParam(), [] { throw std::runtime_error("not now"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { sut->shutdownAllServices(); }), "not now");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  sut->shutdownAllServices();
+  sut->deleteAllServices();
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAnyKind, AThrowingCall,
+                         testing::Values("ServiceExecutor#1.shutdown(", "Service#1.stop("));
 
 class DeletingServices : public RepositoryTest {};
 
