@@ -155,6 +155,26 @@ TEST_F(ADirectiveFile, WhoseDirectiveThrows_IsNotProcessedFurther) {
   EXPECT_EQ(lines.back(), "CommsChannel#1 = CommsChannel(\"c\", interceptors)");
 }
 
+/** All characters that can be seen. */
+std::string visible() {
+  std::string characters;
+  for (char character = '!'; character <= '~'; ++character) characters += character;
+  return characters;
+}
+
+TEST_F(ADirectiveFile, WithAnyCharacterInALine_QuotesItAsWritten) {
+  const std::string line = "bad:" + visible();
+  process(line + "\n");
+  expectTrace({invalid(line)});
+}
+
+TEST_F(ADirectiveFile, WithAnyCharacterInAField_KeepsTheFieldWhole) {
+  const std::string field = visible();
+  process("service_info:" + field + " create c FooIfc\n");
+  EXPECT_THAT(Trace::lines(), testing::Contains(testing::HasSubstr(
+                                  "ServiceExecutor(" + fakes::inQuotes(field) + ", \"create\"")));
+}
+
 /** How many files this process has open. */
 std::ptrdiff_t openFiles() {
   const std::filesystem::directory_iterator files("/proc/self/fd");
@@ -372,6 +392,27 @@ TEST_P(ADirective, ProxyInfo_TellsTheRegistry) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AtLevel, ADirective, testing::Values(4, 5));
+
+/** A directive whose library is there, so that the service is made. */
+class ADirectiveThatWorks : public DirectiveFileTest {
+ protected:
+  ADirectiveThatWorks() { offerService("libfoo.so", "createFoo"); }
+};
+
+TEST_F(ADirectiveThatWorks, OfAServiceInstance_MakesItWithItsChannelAndInterfaces) {
+  process("service_instance:ST libfoo.so createFoo fooChannel FooIfc BarIfc\n");
+  const Lines lines = Trace::lines();
+  EXPECT_THAT(lines,
+              testing::Contains("CommsChannel#1 = CommsChannel(\"fooChannel\", interceptors)"));
+  EXPECT_THAT(lines, testing::Contains("repository.addService(Service#1, ServiceExecutor#1, "
+                                       "CommsChannel#1, Dll#1, \"FooIfc BarIfc\")"));
+}
+
+TEST_F(ADirectiveThatWorks, OfALegacyService_MakesItWithItsCreatorAndInterfaces) {
+  process("service_legacy:libfoo.so createFoo FooIfc BarIfc\n");
+  EXPECT_THAT(Trace::lines(), testing::Contains("repository.addService(Service#1, Dll#1, "
+                                                "\"FooIfc BarIfc\")"));
+}
 
 /** The two directives that hand the mode on, with what the executor gets. */
 class TheMode : public DirectiveFileTest {
