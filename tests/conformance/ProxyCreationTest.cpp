@@ -92,6 +92,15 @@ TEST_P(WithoutAProtocolRepository, WithAChannelDispatcher_IsReportedBeforeAnythi
   expectReportedBeforeAnythingIsMade(*bare);
 }
 
+TEST_P(WithoutAProtocolRepository, SaysForWhichInterfaceNoProxyCanBeMade) {
+  const auto bare = make<OpenConfigurator>(&channel, &repository);
+  init(*bare);
+  expectTrace(
+      {locked("proxySem", {error("ServiceConfigurator::initProxyAndAddToRepository() no Protocol "
+                                 "Repository, cannot make proxy for interface:'%s'",
+                                 "FooIfc")})});
+}
+
 TEST_P(WithoutAProtocolRepository, WhatTheRegistryKnows_IsNotFound) {
   Platform::reply("find:FooIfc,host", "found:/svc/a");
   Platform::reply("find_proxy:FooIfc", "found_proxy:libA.so,createA");
