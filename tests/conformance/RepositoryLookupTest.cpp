@@ -127,6 +127,15 @@ TEST_F(FindingAProxy, InAnEmptyRepository_GivesNull) {
   EXPECT_EQ(empty.findServiceProxy(name), nullptr);
 }
 
+TEST_F(FindingAProxy, ByAnEmptyNameWhereOnlyInvokersAre_GivesNull) {
+  OpenRepository other;
+  std::string ifc = "FooIfc";
+  std::string protocol = "tcp";
+  other.addServiceInvoker(nullptr, nullptr, ifc, protocol);
+  std::string none;
+  EXPECT_EQ(other.findServiceProxy(none), nullptr);
+}
+
 TEST_F(FindingAProxy, ByChannelAndQualifier_ReadsTheQualifierOnlyWhereTheChannelIsRight) {
   EXPECT_EQ(findProxy("FooIfc", "/svc/b", ""), onB);
   expectTrace({locked(

@@ -96,6 +96,14 @@ TEST_F(ARepository, GivenRunsOfBlanks_RecordsNothingUnderAnEmptyName) {
   EXPECT_THAT(serviceKeys(), ElementsAre("A", "B"));
 }
 
+TEST_F(ARepository, OnAPlatformThatLeavesEmptyPieces_RecordsNothingUnderAnEmptyName) {
+  Platform::answer("tokenizeString(", 0);
+  sut->addService(service, dll, "A  B ");
+  sut->addService(service, executor, channel, dll, " C  D");
+  EXPECT_EQ(sut->svcMap.size(), 4u);
+  EXPECT_EQ(sut->svcMap.count(""), 0u);
+}
+
 TEST_F(ARepository, GivenAServiceTwice_KeepsBothEntriesInTheOrderOfAdding) {
   auto* younger = keep(newService());
   sut->addService(service, executor, channel, dll, "FooIfc");
