@@ -6,10 +6,15 @@
 #        ./test.sh checks     only the checks that come first: format, headers, rules, tidy
 #        ./test.sh tidy       only clang-tidy
 #        ./test.sh format     rewrites every C++ file as clang-format has it
+#        ./test.sh mutation   plants faults in src/, one at a time, and tells which no test notices;
+#                             [--only PATTERN] plants those whose place or text matches, [--list]
+#                             lists them, [--survivors] goes on after a change of the tests
 #        ./test.sh help       this text
 #
 # The last line is "N passed, N failed", counted over all presets that were run; the exit code is 0
-# when something passed and nothing failed. A test that is skipped or cannot be run has failed.
+# when something passed and nothing failed. A test that is skipped or cannot be run has failed. That
+# of "mutation" is "mutation: N of M noticed"; its exit code is 0 when every other fault is known to
+# change nothing.
 . "$(dirname "$0")/scripts/common.sh"
 
 passed=0
@@ -61,7 +66,7 @@ run_checks() {
 }
 
 verb=${1:-all}
-[ $# -le 1 ] || verb=help
+[ $# -le 1 ] || [ "$verb" = mutation ] || verb=help
 case "$verb" in
   all)
     scripts/install-dependencies.sh test
@@ -85,6 +90,11 @@ case "$verb" in
   format)
     scripts/install-dependencies.sh test
     scripts/check-format.sh --fix
+    ;;
+  mutation)
+    scripts/install-dependencies.sh test
+    scripts/build.sh linux32 conformance_test
+    PYTHONDONTWRITEBYTECODE=1 python3 scripts/mutation "${@:2}"
     ;;
   help | --help | -h)
     sed -n '2,/^\. /{s/^# \{0,1\}//;/^\. /d;p}' "$0"

@@ -9,7 +9,7 @@
 
 readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
   libmsgpack-cxx-dev librapidxml-dev libspdlog-dev)
-readonly test=("${demo[@]}" googletest binutils procps clang-format clang-tidy)
+readonly test=("${demo[@]}" googletest binutils procps python3 clang-format clang-tidy)
 
 case "${1:-test}" in
   demo) wanted=("${demo[@]}") ;;
