@@ -29,18 +29,37 @@ bool isXmlCharacter(std::uint32_t code) {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-/** @returns where the tag ends that begins at a place; what is in quotes does not end it. */
+/** @returns where the name of a tag ends; parsers let it have quotes, and even an opening bracket.
+ */
+std::size_t endOfName(std::string_view text, std::size_t at) {
+  while (at < text.size() && !isSpace(text[at]) && text[at] != '/' && text[at] != '>') ++at;
+  return at;
+}
+
+/**
+ * @returns where the tag ends whose name begins at a place. A quote hides the end only where the
+ *     value of an attribute begins: anywhere else parsers take it for a part of a name.
+ */
 std::size_t endOfTag(std::string_view text, std::size_t at) {
   char quote = '\0';
-  while (++at < text.size() && (quote != '\0' || text[at] != '>')) {
+  char before = '\0';  // the last character that is no space
+  for (at = endOfName(text, at); at < text.size() && (quote != '\0' || text[at] != '>'); ++at) {
     const char c = text[at];
-    if (c == quote) {
-      quote = '\0';
-    } else if (quote == '\0' && (c == '"' || c == '\'')) {
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (before == '=' && (c == '"' || c == '\'')) {
       quote = c;
     }
+    if (!isSpace(c)) before = c;
   }
   return at;
+}
+
+/** @returns where a processing instruction ends; neither quotes nor brackets mean anything in it.
+ */
+std::size_t endOfInstruction(std::string_view text, std::size_t at) {
+  const std::size_t end = text.find("?>", at);
+  return end == std::string_view::npos ? text.size() : end + 1;
 }
 
 std::string reference(char c) { return "&#" + std::to_string(static_cast<unsigned char>(c)) + ";"; }
@@ -129,8 +148,11 @@ std::optional<unsigned> xmlDepth(std::string_view text) {
     if (text[at] != '<') continue;
     const char kind = at + 1 < text.size() ? text[at + 1] : '\0';
     if (kind == '!' || kind == '\0') return std::nullopt;
-    at = endOfTag(text, at);
-    if (kind == '?') continue;
+    if (kind == '?') {
+      at = endOfInstruction(text, at + 2);
+      continue;
+    }
+    at = endOfTag(text, kind == '/' ? at + 2 : at + 1);
     if (kind != '/') {
       deepest = std::max(deepest, ++depth);
     }

@@ -84,6 +84,25 @@ TEST(SvcXml, CountsNoDepthWhereQuotesOrEndsHideIt) {
   expectRefused(hidden, "nested too deeply");
 }
 
+// Depths are counted before anything is parsed. A quote in a name, or in a processing instruction,
+// was taken for one that begins a value, and hid every element up to the next quote from the count;
+// the parser, which sees it otherwise, then went down until the stack was full.
+TEST(SvcXml, CountsTheDepthBehindQuotesThatBeginNoValue) {
+  for (const std::string hiding :
+       {"<a'>", "<a='>", "<a b'=\"1\">", "<a></a'>", "<?x '?>", "<?xml version='?>"}) {
+    std::string deep = "<reply>" + hiding;
+    for (int i = 0; i < 100000; ++i) deep += "<list>";
+    expectRefused(deep, "nested too deeply");
+  }
+}
+
+// An end of an element in a processing instruction was counted as one, though the parser skips it.
+TEST(SvcXml, CountsNoEndInAProcessingInstruction) {
+  std::string deep = "<reply>";
+  for (int i = 0; i < 100000; ++i) deep += "<list><?x ></list>?>";
+  expectRefused(deep, "nested too deeply");
+}
+
 TEST(SvcXml, TakesManyElementsBesideEachOther) {
   SvcXmlAdapter sut;
   std::string wide = "<reply><list>";
