@@ -68,7 +68,12 @@ SimpleRmiReader::Value SimpleRmiReader::next() {
   Value value;
   Visitor visitor(value);
   std::size_t end = at_;
-  msgpack::parse(bytes_.data(), bytes_.size(), end, visitor);
+  try {
+    msgpack::parse(bytes_.data(), bytes_.size(), end, visitor);
+  } catch (const msgpack::unpack_error&) {
+    // Where sizes have 32 bits, an extension may claim to be larger than they can count.
+    value.kind = Value::Kind::None;
+  }
   if (value.kind == Value::Kind::None) {
     failAt(at_, "the bytes end early or are none of the protocol");
   }

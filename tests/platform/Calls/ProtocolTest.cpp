@@ -289,5 +289,17 @@ TEST(SimpleRmi, RefusesTheKindsThatItDoesNotUse) {
   }
 }
 
+// With 32 bits the parser does not find the bytes missing for an extension of this size, but throws
+// an exception of its own, which was handed on.
+TEST(SimpleRmi, RefusesAnExtensionThatIsLargerThanSizesCanCount) {
+  ProtocolRepository protocols;
+  EXPECT_THAT(
+      [&] {
+        readBack(*protocols.findProtocolAdapter("zerva_simple_rmi"), "\xc9\xff\xff\xff\xff\x01",
+                 [](ValueReader& reader) { reader.readText(); });
+      },
+      ThrowsMessage<DecodeException>(HasSubstr("at byte 0")));
+}
+
 }  // namespace
 }  // namespace zerva
