@@ -33,7 +33,11 @@ add_compile_options(
   # g++ marks inline statics unique otherwise, and the loader never unmaps a library that has one.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
-add_link_options(-Wl,-z,defs,-z,now,-z,relro)
+add_link_options(-Wl,-z,now,-z,relro)
+if(NOT ZERVA_FUZZ)
+  # What clang's instrumentation calls is in the program, which a library is not linked with.
+  add_link_options(-Wl,-z,defs)
+endif()
 
 if(ZERVA_BITS EQUAL 32)
   add_compile_options(-m32)
@@ -63,4 +67,9 @@ endif()
 if(ZERVA_COVERAGE)
   add_compile_options(--coverage -fprofile-update=atomic)
   add_link_options(--coverage)
+endif()
+
+if(ZERVA_FUZZ)
+  # What the fuzz targets feed on: which branches an input has reached, in whatever library.
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()

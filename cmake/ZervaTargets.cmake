@@ -72,3 +72,23 @@ endforeach()
       TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}" LABELS "${arg_LABELS}")
   endif()
 endfunction()
+
+# zerva_fuzz_target(NAME SOURCES... [LIBRARIES target...])
+#
+# A function that takes any bytes, fuzz_<NAME>. With ZERVA_FUZZ it is driven by libFuzzer, and built
+# with the target zerva_fuzz; else it is a test, which hands it each file of corpus/<NAME>.
+function(zerva_fuzz_target name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(fuzz_${name} ${arg_SOURCES})
+  target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(fuzz_${name} PRIVATE zerva_fuzz_support ${arg_LIBRARIES})
+  if(ZERVA_FUZZ)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    add_dependencies(zerva_fuzz fuzz_${name})
+  else()
+    add_test(NAME fuzz/${name}_takes_its_corpus
+             COMMAND fuzz_${name} "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
+    set_tests_properties(fuzz/${name}_takes_its_corpus PROPERTIES
+      TIMEOUT 360 LABELS fuzz ENVIRONMENT "${ZERVA_SANITIZER_ENVIRONMENT}")
+  endif()
+endfunction()

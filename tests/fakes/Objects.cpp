@@ -150,6 +150,10 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept {
   if (memory != nullptr && !zerva::fakes::quarantine.keeps(memory)) std::free(memory);
 }
