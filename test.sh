@@ -9,6 +9,9 @@
 #        ./test.sh mutation   plants faults in src/, one at a time, and tells which no test notices;
 #                             [--only PATTERN] plants those whose place or text matches, [--list]
 #                             lists them, [--survivors] goes on after a change of the tests
+#        ./test.sh fuzz [SECONDS]
+#                             the fuzz targets, 60 seconds each if not said otherwise; the last line
+#                             counts them. scripts/fuzz.sh runs single ones
 #        ./test.sh help       this text
 #
 # The last line is "N passed, N failed", counted over all presets that were run; the exit code is 0
@@ -66,7 +69,7 @@ run_checks() {
 }
 
 verb=${1:-all}
-[ $# -le 1 ] || [ "$verb" = mutation ] || verb=help
+[ $# -le 1 ] || [ "$verb" = mutation ] || { [ "$verb" = fuzz ] && [ $# -eq 2 ]; } || verb=help
 case "$verb" in
   all)
     scripts/install-dependencies.sh test
@@ -95,6 +98,10 @@ case "$verb" in
     scripts/install-dependencies.sh test
     scripts/build.sh linux32 conformance_test
     PYTHONDONTWRITEBYTECODE=1 python3 scripts/mutation "${@:2}"
+    ;;
+  fuzz)
+    scripts/install-dependencies.sh fuzz
+    scripts/fuzz.sh "${@:2}"
     ;;
   help | --help | -h)
     sed -n '2,/^\. /{s/^# \{0,1\}//;/^\. /d;p}' "$0"
