@@ -5,6 +5,7 @@
 #        ./test.sh PRESET     one preset: linux32 linux64 asan32 asan64 tsan64 coverage
 #        ./test.sh checks     only the checks that come first: format, headers, rules, tidy
 #        ./test.sh tidy       only clang-tidy
+#        ./test.sh model      only the models of the locks and of going down, with a model checker
 #        ./test.sh format     rewrites every C++ file as clang-format has it
 #        ./test.sh mutation   plants faults in src/, one at a time, and tells which no test notices;
 #                             [--only PATTERN] plants those whose place or text matches, [--list]
@@ -89,6 +90,10 @@ case "$verb" in
   tidy)
     scripts/install-dependencies.sh test
     scripts/check-tidy.sh
+    ;;
+  model)
+    scripts/install-dependencies.sh model
+    scripts/check-model.sh
     ;;
   format)
     scripts/install-dependencies.sh test
