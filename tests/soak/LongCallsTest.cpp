@@ -29,6 +29,8 @@ constexpr std::size_t residentNoise = std::size_t{1024} * 1024;
 // The pool keeps the threads that it once needed, each with a stack of its own: how many that are
 // depends on how many calls happen to meet, of which no more than this many are made at once.
 constexpr std::size_t threadNoise = 8;
+// The connection to the third and its list of names, when it was just away at the beginning.
+constexpr std::size_t descriptorNoise = 2;
 constexpr std::size_t mappingNoise = 8 + 2 * threadNoise;
 
 class LongCalls : public RelayHosts {
@@ -101,7 +103,7 @@ TEST_F(LongCalls, AcrossThreeProcessesOfWhichOneComesAndGoes_LeaveNothingBehind)
     const Footprint after = settled(name, before.threads);
     std::cout << name << " before: " << describe(before) << "\n"
               << name << " after:  " << describe(after) << "\n";
-    EXPECT_LE(after.descriptors, before.descriptors);
+    EXPECT_LE(after.descriptors, before.descriptors + descriptorNoise);
     EXPECT_LE(after.threads, before.threads + threadNoise);
     if (memoryIsOurs) {
       EXPECT_LE(after.resident, before.resident + residentNoise);
