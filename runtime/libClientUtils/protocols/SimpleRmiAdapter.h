@@ -9,7 +9,7 @@ namespace zerva {
 
 /**
  * "zerva_simple_rmi", the compact protocol that proxies use: MessagePack
- * (https://github.com/msgpack/msgpack/blob/master/spec.md).
+ * (https://msgpack.org).
  *
  * A call is the method's name, a string, and behind it the arguments, a value of their own. A reply
  * is one value. Nothing is the nil value, numbers take the shortest form, texts are strings, lists
