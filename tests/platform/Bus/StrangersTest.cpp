@@ -352,6 +352,9 @@ TEST_F(AStranger, WhoHasAnswered_IsHeardOnceAndForItsOwnRequestOnly) {
   ::close(listening);
 }
 
+#if !defined(__SANITIZE_ADDRESS__)
+// Not under that sanitizer: its check of an object's type opens descriptors, and where none are
+// left it calls good objects bad ones.
 TEST_F(AStranger, WhenThereAreNoDescriptorsLeft_IsTakenLater) {
   Stranger before(socketPath());
   before.say(hello());
@@ -375,5 +378,6 @@ TEST_F(AStranger, WhenThereAreNoDescriptorsLeft_IsTakenLater) {
   late.say(encodeHead(HelloFrame{kWireVersion, otherId}));
   EXPECT_TRUE(std::holds_alternative<WelcomeFrame>(decodeFrame(late.hear())));
 }
+#endif
 
 }  // namespace
