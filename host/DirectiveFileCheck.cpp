@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <fstream>
+
 #include "host/DirectiveLines.h"
 
 namespace zerva {
@@ -63,8 +65,11 @@ std::vector<Finding> checkDirectiveFile(const std::string& path) {
              "this is " + kindOfFile(status.st_mode) + "; only a regular file can be read."}};
   }
   std::vector<Finding> findings;
-  for (const DirectiveLine& line :
-       readDirectiveLines(path).value_or(std::vector<DirectiveLine>())) {
+  const auto lines = readDirectiveLines(path);
+  if (!lines && std::ifstream(path)) {
+    return {{path, 1, 1, "it can be opened but not read, and reading it would never end."}};
+  }
+  for (const DirectiveLine& line : lines.value_or(std::vector<DirectiveLine>())) {
     checkLength(path, line, findings);
     checkMode(path, line, findings);
   }

@@ -64,6 +64,8 @@ std::optional<std::vector<DirectiveLine>> readDirectiveLines(const std::string& 
       collector.add(piece[static_cast<std::size_t>(at)]);
     }
   }
+  // The lines behind what could not be read are not known.
+  if (file.bad()) return std::nullopt;
   return collector.take();
 }
 

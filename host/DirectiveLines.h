@@ -25,8 +25,8 @@ constexpr std::size_t longestDirectiveLine = 511;
 /**
  * Reads the lines of a regular file.
  *
- * @returns the lines, or nothing when the file is missing, unreadable, or no regular file; a pipe
- * is never opened.
+ * @returns the lines, or nothing when the file is missing, cannot be read to its end, or is no
+ * regular file; a pipe is never opened.
  */
 std::optional<std::vector<DirectiveLine>> readDirectiveLines(const std::string& path);
 

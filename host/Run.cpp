@@ -14,6 +14,7 @@
 #include "host/EndRequest.h"
 #include "host/Host.h"
 #include "host/HostBus.h"
+#include "host/MemoryReserve.h"
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
@@ -95,7 +96,8 @@ std::unique_ptr<HostBus> openBus(const RunOptions& options) {
 
 /** A signal that asks to end came: the first ends in order, the second at once. */
 void endSignalled(int number, const sigset_t& signals, EndRequest& request, const Host& host,
-                  const HostBus& bus, Report& report) {
+                  const HostBus& bus, Report& report, MemoryReserve& reserve) {
+  reserve.open();
   const std::string name = signalName(number);
   if (!request.made()) {
     // Told first, so that it stands before what it leads to.
@@ -124,13 +126,16 @@ bool awaitChannels(const RunOptions& options, EndRequest& request, Report& repor
   return true;
 }
 
-ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBus& bus) {
+ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBus& bus,
+                      MemoryReserve& reserve) {
   Console console;
   Report report(console);
   EndRequest request;
   Host host(report);
-  const SignalThread signalThread(
-      signals, [&](int number) { endSignalled(number, signals, request, host, bus, report); });
+  const ReserveForTheWayDown wayDown(reserve);
+  const SignalThread signalThread(signals, [&](int number) {
+    endSignalled(number, signals, request, host, bus, report, reserve);
+  });
 
   if (!awaitChannels(options, request, report)) return ExitCode::NotServed;
   StartResult start;
@@ -144,6 +149,7 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   } else if (!start.fileNotOpened) {
     request.wait(options.duration);
   }
+  reserve.open();
   bus.closeToOutside();
   const StopResult stop = host.stop(options.stopTimeout);
   report.summary(host.summary());
@@ -166,9 +172,10 @@ ExitCode run(const RunOptions& options, const sigset_t& signals) {
   setUpPlatform(options);
   // One buffer a line: what is printed while a service hangs is seen.
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  MemoryReserve reserve;  // the bus needs it to close
   const auto bus = openBus(options);
   if (bus == nullptr) return ExitCode::NoBus;
-  const ExitCode code = startAndStop(options, signals, *bus);
+  const ExitCode code = startAndStop(options, signals, *bus, reserve);
   writeEverythingOut();
   return code;
 }

@@ -2,14 +2,20 @@
 
 #include <utility>
 
+#include "runtime/libClientUtils/ExceptionText.h"
+
 namespace zerva {
 
 ReplyTicket::ReplyTicket(std::weak_ptr<ReplyReceiver> receiver, std::uint32_t requestId)
     : receiver_(std::move(receiver)), requestId_(requestId) {}
 
 ReplyTicket::~ReplyTicket() {
-  if (requestId_ != 0) {
-    fail("the request was dropped without an answer");
+  if (requestId_ == 0) {
+    return;
+  }
+  if (exceptionOf([this] { fail("the request was dropped without an answer"); })) {
+    // Who waits is told in any case; this is so short that it needs no memory.
+    exceptionOf([this] { fail("no memory"); });
   }
 }
 
@@ -35,7 +41,13 @@ void ReplyTicket::send(Payload data, const std::string& error) {
     return;
   }
   if (const auto receiver = receiver_.lock()) {
-    receiver->receiveReply(requestId, answerer_, std::move(data), error);
+    try {
+      receiver->receiveReply(requestId, answerer_, std::move(data), error);
+    } catch (...) {
+      // The answer did not get there, so it is still to be given.
+      requestId_ = requestId;
+      throw;
+    }
   }
 }
 

@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "framework/CCInterceptorDispatcher.h"
+#include "framework/Logging.h"
 #include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/ServingThread.h"
 
@@ -185,10 +187,8 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
   }
   const Delivery delivery(*this);
   if (dispatcher_ != nullptr) {
-    const std::string from = request->to;
     lock.unlock();
-    // Told before the reply is handed over, so that whoever gets it finds it counted.
-    dispatcher_->dispatchReceived({from, name_, sizeOf(data), requestId, true, error});
+    tellReceived(requestId, sizeOf(data), error);
     lock.lock();
     request = awaited(requestId, answerer);  // it may have been given up meanwhile
   }
@@ -201,6 +201,25 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
   lock.unlock();
   if (waiter != nullptr) {
     waiter->unpark();
+  }
+}
+
+/**
+ * Tells the interceptors of a reply, before it is handed over, so that whoever gets it finds it
+ * counted. What goes wrong with them is not to keep the reply from who waits for it.
+ */
+void Mailbox::tellReceived(std::uint32_t requestId, std::size_t size, const std::string& error) {
+  const auto failure = exceptionOf([&] {
+    std::unique_lock lock(mutex_);
+    const auto found = outstanding_.find(requestId);
+    const std::string from = found != outstanding_.end() ? found->second.to : std::string();
+    lock.unlock();
+    dispatcher_->dispatchReceived({from, name_, size, requestId, true, error});
+  });
+  if (failure) {
+    logAppUni("Channels", "runtime/libClientUtils", 2, __LINE__,
+              "a reply to channel '%s' was not told to the interceptors: %s", name_.c_str(),
+              failure->c_str());
   }
 }
 

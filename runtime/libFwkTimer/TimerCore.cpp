@@ -53,6 +53,13 @@ class TimerExpiry final : public Expiry {
 
 }  // namespace
 
+namespace {
+
+// How long after there was no memory it is asked for again.
+constexpr std::chrono::milliseconds kPause{10};
+
+}  // namespace
+
 /** While it lives, the calling thread is outside: in the context or in an owner. */
 class TimerCore::Calling {
  public:
@@ -238,15 +245,18 @@ std::vector<TimerCore::Due> TimerCore::takeDue(Clock::time_point now) {
   std::vector<Due> due;
   while (!schedule_.empty() && schedule_.begin()->first <= now) {
     const int id = schedule_.begin()->second;
-    schedule_.erase(schedule_.begin());
     Timer& timer = timers_.at(id);
+    // First, since there may be no memory for it: a timer must not fall out of the schedule then.
+    due.reserve(due.size() + 1);
+    auto entry = schedule_.extract(schedule_.begin());
     // Periods that were missed, on a machine that was suspended say, are not made up for.
     const auto missed = (now - timer.next) / timer.period;
     timer.next += timer.period * (missed + 1);
-    schedule_.emplace(timer.next, id);
+    entry.value() = {timer.next, id};
+    schedule_.insert(std::move(entry));
     if (!timer.pending) {
-      timer.pending = true;
       due.push_back({id, timer.run, timer.owner, timer.channel});
+      timer.pending = true;
     }
   }
   return due;
@@ -264,7 +274,12 @@ void TimerCore::work() {
       changed_.wait_until(lock, next);
       continue;
     }
-    const auto due = takeDue(Clock::now());
+    std::vector<Due> due;
+    if (exceptionOf([&] { due = takeDue(Clock::now()); })) {
+      // There was no memory. The thread is every timer's, so it goes on and tries again.
+      changed_.wait_for(lock, kPause);
+      continue;
+    }
     lock.unlock();
     for (const Due& expired : due) {
       if (expired.channel.empty()) {

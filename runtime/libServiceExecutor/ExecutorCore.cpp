@@ -370,7 +370,12 @@ void ExecutorCore::fire(Expiry& expiry, const Executable& service) {
 
 void ExecutorCore::handToPool(std::size_t requests) {
   for (; requests > 0; --requests) {
-    if (settings_.pool->execute([self = shared_from_this()] { self->serveOneOnPool(); })) {
+    bool taken = false;
+    // Whatever it is that the pool fails of: a request without its task would never be served.
+    exceptionOf([&] {
+      taken = settings_.pool->execute([self = shared_from_this()] { self->serveOneOnPool(); });
+    });
+    if (taken) {
       continue;
     }
     std::deque<Envelope> refused;

@@ -52,10 +52,18 @@ ServiceExecutor::ServiceExecutor(std::string lib, std::string creator, std::stri
 }
 
 void ServiceExecutor::serve() {
-  LiveExecutors::add(this, state_->core);
-  state_->pool->add(this);
-  if (auto* const channel = dynamic_cast<CommsChannel*>(state_->channel.get())) {
-    channel->state().mailbox->serveWith(state_->core);
+  try {
+    LiveExecutors::add(this, state_->core);
+    state_->pool->add(this);
+    if (auto* const channel = dynamic_cast<CommsChannel*>(state_->channel.get())) {
+      channel->state().mailbox->serveWith(state_->core);
+    }
+  } catch (...) {
+    // It is not made, so nobody will delete it, and nobody is to find it.
+    state_->core->shutdown();
+    state_->pool->remove(this);
+    LiveExecutors::remove(this);
+    throw;
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include "framework/ServiceExecutor.h"
 #include "framework/Threader.h"
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/LiveExecutors.h"
 #include "runtime/libServiceExecutor/PoolState.h"
@@ -156,8 +157,12 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
   for (const auto& worker : ended) {
     worker->waitForThreadCompletion();
   }
-  unsigned long threadId = 0;
-  const bool started = Threader().spawn(&threadId, added->get(), "pool", THREAD_PRIORITY_NORMAL, 0);
+  bool started = false;
+  // A worker that is counted and has no thread would be waited for at the end.
+  zerva::exceptionOf([&] {
+    unsigned long threadId = 0;
+    started = Threader().spawn(&threadId, added->get(), "pool", THREAD_PRIORITY_NORMAL, 0);
+  });
   lock.lock();
   if (!started) {
     --starting_;

@@ -88,6 +88,8 @@ class RelayHosts : public testing::Test {
   /** As a host is called in errors. */
   std::string process(const std::string& name) const;
 
+  const std::filesystem::path& busDirectory() const { return busDirectory_; }
+
   ChildProcess& host(const std::string& name) { return *hosts_.at(name); }
 
   /** The keyword of the registry. */

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/bus/BusId.h"
 #include "runtime/libClientUtils/bus/BusLog.h"
 #include "runtime/libClientUtils/bus/Frames.h"
@@ -36,6 +37,7 @@ BusCore::BusCore(const std::string& directory)
       shared_(new BusShared{newBusId(), std::make_shared<asio::io_context>(1)}),
       ownNames_(directory_, shared_->ownId),
       names_(directory_, shared_->ownId),
+      socketFile_(directory_, BusDirectory::socketName(shared_->ownId)),
       listener_(shared_, listen(),
                 [this](const std::shared_ptr<Connection>& connection, const std::string& id) {
                   greeted(connection, id);
@@ -44,7 +46,6 @@ BusCore::BusCore(const std::string& directory)
   removeLeftovers(directory_);
   listener_.postStart();
   if (!thread_.start()) {
-    directory_.remove(BusDirectory::socketName(shared_->ownId));
     throw std::runtime_error(directory_.describe("there is no thread for the bus"));
   }
 }
@@ -67,7 +68,7 @@ void BusCore::closeToOutside() {
 
 void BusCore::close() {
   closeToOutside();
-  directory_.remove(BusDirectory::socketName(shared_->ownId));
+  socketFile_.remove();
   std::set<std::shared_ptr<Peer>> all;
   {
     const std::lock_guard lock(mutex_);
@@ -149,8 +150,16 @@ BusCore::Way BusCore::reach(const std::string& id) {
     BUS_LOG(3, "what listens as %s is another process", describeProcess(id).c_str());
     return {};
   }
+  auto connection =
+      std::make_shared<Connection>(shared_->context, std::move(socket), kMaximumGreeting);
   auto peer = newPeer(id);
-  peer->begin(std::make_shared<Connection>(shared_->context, std::move(socket), kMaximumGreeting));
+  try {
+    peer->begin(std::move(connection));
+  } catch (...) {
+    // Who asks next begins anew, and does not wait for what never comes.
+    forget(peer);
+    throw;
+  }
   return {std::move(peer), {}};
 }
 
@@ -172,7 +181,11 @@ void BusCore::greeted(const std::shared_ptr<Connection>& connection, const std::
     }
     peer = offer == Peer::Offer::Adopt ? known->second : newPeer(id);
   }
-  peer->adopt(connection);
+  if (const auto error = exceptionOf([&] { peer->adopt(connection); })) {
+    connection->close();
+    BUS_LOG(2, "the connection of %s is given up: %s", describeProcess(id).c_str(), error->c_str());
+    peer->end("the connection to " + describeProcess(id) + " was given up: " + *error);
+  }
 }
 
 /** Under the lock. */
@@ -181,20 +194,30 @@ std::shared_ptr<Peer> BusCore::newPeer(const std::string& id) {
                                      [this](const std::shared_ptr<Peer>& ended, bool otherVersion) {
                                        peerEnded(ended, otherVersion);
                                      });
-  peers_[id] = peer;
-  all_.insert(peer);
+  const auto kept = all_.insert(peer).first;
+  try {
+    peers_[id] = peer;
+  } catch (...) {
+    all_.erase(kept);
+    throw;
+  }
   return peer;
+}
+
+/** Under the lock. */
+void BusCore::forget(const std::shared_ptr<Peer>& peer) {
+  all_.erase(peer);
+  const auto known = peers_.find(peer->id());
+  if (known != peers_.end() && known->second == peer) {
+    peers_.erase(known);
+  }
 }
 
 /** On the bus thread. */
 void BusCore::peerEnded(const std::shared_ptr<Peer>& peer, bool otherVersion) {
   {
     const std::lock_guard lock(mutex_);
-    all_.erase(peer);
-    const auto known = peers_.find(peer->id());
-    if (known != peers_.end() && known->second == peer) {
-      peers_.erase(known);
-    }
+    forget(peer);
     if (otherVersion) {
       excluded_.insert(peer->id());
     }

@@ -14,6 +14,7 @@
 #include "runtime/libClientUtils/bus/BusThread.h"
 #include "runtime/libClientUtils/bus/Listener.h"
 #include "runtime/libClientUtils/bus/NameTable.h"
+#include "runtime/libClientUtils/bus/OwnFile.h"
 #include "runtime/libClientUtils/bus/OwnNames.h"
 #include "runtime/libClientUtils/bus/Peer.h"
 
@@ -49,6 +50,7 @@ class BusCore final : public RemoteChannels {
   Way reach(const std::string& id);
   void greeted(const std::shared_ptr<Connection>& connection, const std::string& id);
   std::shared_ptr<Peer> newPeer(const std::string& id);
+  void forget(const std::shared_ptr<Peer>& peer);
   void peerEnded(const std::shared_ptr<Peer>& peer, bool otherVersion);
   void lookForLeftover(const std::string& id, unsigned triesLeft);
 
@@ -56,6 +58,7 @@ class BusCore final : public RemoteChannels {
   const std::shared_ptr<BusShared> shared_;
   OwnNames ownNames_;
   NameTable names_;
+  const OwnFile socketFile_;  // before the socket, which makes it
   Listener listener_;
   std::atomic<bool> closed_{false};
 

@@ -107,13 +107,18 @@ void Connection::awaitWritable() {
     if (!self->socket_.is_open()) {
       return;
     }
-    self->socket_.async_wait(asio::local::stream_protocol::socket::wait_write,
-                             [self](asio::error_code error) {
-                               const auto handler = self->handler_;
-                               if (!error && handler != nullptr && handler->writable) {
-                                 handler->writable();
-                               }
-                             });
+    const auto failure = exceptionOf([&] {
+      self->socket_.async_wait(asio::local::stream_protocol::socket::wait_write,
+                               [self](asio::error_code error) {
+                                 const auto handler = self->handler_;
+                                 if (!error && handler != nullptr && handler->writable) {
+                                   handler->writable();
+                                 }
+                               });
+    });
+    if (failure) {
+      self->end(*failure);
+    }
   });
 }
 
@@ -126,12 +131,25 @@ ssize_t Connection::send(iovec* parts, std::size_t count) {
     return -EPIPE;
   }
   const ssize_t sent = ::sendmsg(descriptor_, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
-  return sent >= 0 ? sent : -errno;
+  if (sent >= 0) {
+    return sent;
+  }
+  return -errno;
+}
+
+void Connection::endSending() {
+  const std::lock_guard lock(mutex_);
+  if (descriptor_ >= 0) {
+    ::shutdown(descriptor_, SHUT_WR);
+  }
 }
 
 void Connection::sendGreeting(std::string frame) {
   iovec part{frame.data(), frame.size()};
-  send(&part, 1);
+  if (send(&part, 1) != static_cast<ssize_t>(frame.size())) {
+    // Without it nothing comes of the connection.
+    endSending();
+  }
 }
 
 bool Connection::hungUp() const {

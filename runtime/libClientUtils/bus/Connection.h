@@ -60,7 +60,13 @@ class Connection final : public std::enable_shared_from_this<Connection> {
   /** Sends what can be sent now. @returns how many bytes, or a negative error number. */
   ssize_t send(iovec* parts, std::size_t count);
 
-  /** Sends a short frame at the beginning, when there is room for it. */
+  /**
+   * Lets the other side see the end of what is sent, so that it waits for nothing more and closes
+   * the connection. What comes from it until then is still read.
+   */
+  void endSending();
+
+  /** Sends a short frame at the beginning; the stream ends when there is no room for it. */
   void sendGreeting(std::string frame);
 
   /** @returns whether the other side has closed it, be there still something to be read or not. */

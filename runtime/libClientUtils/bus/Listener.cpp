@@ -9,6 +9,7 @@
 #include <utility>
 #include <variant>
 
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/bus/BusId.h"
 #include "runtime/libClientUtils/bus/BusLog.h"
 #include "runtime/libClientUtils/bus/Frames.h"
@@ -51,31 +52,38 @@ void Listener::await() {
   if (!socket_.is_open()) {
     return;
   }
-  socket_.async_wait(asio::posix::stream_descriptor::wait_read, [this](asio::error_code error) {
-    if (!error && socket_.is_open()) {
-      acceptAll();
-    }
+  const auto error = exceptionOf([this] {
+    socket_.async_wait(asio::posix::stream_descriptor::wait_read, [this](asio::error_code failed) {
+      if (!failed && socket_.is_open()) {
+        acceptAll();
+      }
+    });
   });
+  if (error) {
+    acceptLater(*error);
+  }
 }
 
 void Listener::acceptAll() {
   for (;;) {
     FileDescriptor socket = acceptFrom(socket_.native_handle());
     if (socket) {
-      accepted(std::move(socket));
+      // Of one that there is no memory for the others are not to know.
+      if (const auto error = exceptionOf([&] { accepted(std::move(socket)); })) {
+        BUS_LOG(2, "a connection is given up: %s", error->c_str());
+      }
     } else if (errno == EAGAIN) {
       await();
       return;
     } else if (errno != EINTR && errno != ECONNABORTED) {
-      acceptLater();
+      acceptLater(std::generic_category().message(errno));
       return;
     }
   }
 }
 
-void Listener::acceptLater() {
-  BUS_LOG(2, "a connection cannot be taken now: %s",
-          std::generic_category().message(errno).c_str());
+void Listener::acceptLater(const std::string& why) {
+  BUS_LOG(2, "a connection cannot be taken now: %s", why.c_str());
   later_.expires_after(kPause);
   later_.async_wait([this](asio::error_code error) {
     if (!error) {
@@ -97,12 +105,18 @@ void Listener::accepted(FileDescriptor socket) {
       strangers_.end(),
       std::make_shared<Connection>(bus_->context, std::move(socket), kMaximumGreeting));
   const int process = credentials->process;
-  (*stranger)->setHandler(
-      {[this, stranger, process](std::string_view body) { takeGreeting(stranger, process, body); },
-       [this, stranger](const std::string& why) { dismiss(stranger, why); },
-       {}},
-      kMaximumGreeting);
-  (*stranger)->start();
+  const auto error = exceptionOf([&] {
+    (*stranger)->setHandler({[this, stranger, process](std::string_view body) {
+                               takeGreeting(stranger, process, body);
+                             },
+                             [this, stranger](const std::string& why) { dismiss(stranger, why); },
+                             {}},
+                            kMaximumGreeting);
+    (*stranger)->start();
+  });
+  if (error) {
+    dismiss(stranger, *error);
+  }
 }
 
 void Listener::takeGreeting(Strangers::iterator stranger, int process, std::string_view body) {
@@ -121,7 +135,11 @@ void Listener::takeGreeting(Strangers::iterator stranger, int process, std::stri
   } else {
     const auto connection = std::move(*stranger);
     strangers_.erase(stranger);
-    greeted_(connection, std::string(hello->id));
+    // It is no stranger any more, so this is not to reach the connection's own handler.
+    if (const auto error = exceptionOf([&] { greeted_(connection, std::string(hello->id)); })) {
+      connection->close();
+      BUS_LOG(2, "the connection of process %d is given up: %s", process, error->c_str());
+    }
   }
 }
 

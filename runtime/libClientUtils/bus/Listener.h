@@ -37,7 +37,7 @@ class Listener {
 
   void await();
   void acceptAll();
-  void acceptLater();
+  void acceptLater(const std::string& why);
   void accepted(FileDescriptor socket);
   void takeGreeting(Strangers::iterator stranger, int process, std::string_view body);
   void dismiss(Strangers::iterator stranger, const std::string& why);

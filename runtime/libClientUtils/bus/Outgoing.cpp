@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/bus/Connection.h"
 
 namespace zerva {
@@ -24,13 +25,34 @@ Outgoing::Result Outgoing::send(std::string head, Payload data, std::size_t limi
     if (whole) {
       return Result::Taken;
     }
-    connection_->awaitWritable();
-  } else if (queued_ + frame.size() > limit) {
+    keepRest(frame);
+    return ended_ ? Result::Ended : Result::Taken;
+  }
+  if (queued_ + frame.size() > limit) {
     return Result::Full;
   }
-  queued_ += frame.size();
+  const std::size_t size = frame.size();
   queue_.push_back(std::move(frame));
+  queued_ += size;
   return Result::Taken;
+}
+
+/** Keeps the rest of a frame until something can be sent. */
+void Outgoing::keepRest(Frame& frame) {
+  const std::size_t size = frame.size();
+  if (exceptionOf([&] { queue_.push_back(std::move(frame)); })) {
+    // Half a frame may be out: nothing that is sent behind it would be understood.
+    abandon();
+    return;
+  }
+  queued_ += size;
+  awaitWritable();
+}
+
+void Outgoing::awaitWritable() {
+  if (exceptionOf([this] { connection_->awaitWritable(); })) {
+    abandon();
+  }
 }
 
 void Outgoing::open(std::shared_ptr<Connection> connection) {
@@ -49,7 +71,7 @@ void Outgoing::flush() {
   while (!queue_.empty() && !ended_) {
     if (!sendSome(queue_.front())) {
       if (!ended_) {
-        connection_->awaitWritable();
+        awaitWritable();
       }
       return;
     }
@@ -93,13 +115,19 @@ bool Outgoing::sendSome(Frame& frame) {
     if (sent < 0) {
       if (sent != -EAGAIN && sent != -ENOBUFS && sent != -EINTR) {
         // Nothing reaches the other side any more. What came from it is still read to its end.
-        endLocked();
+        abandon();
       }
       return false;
     }
     frame.sent += static_cast<std::size_t>(sent);
   }
   return true;
+}
+
+/** Ends it so that the other side, if it is still there, does not wait for what is missing. */
+void Outgoing::abandon() {
+  connection_->endSending();
+  endLocked();
 }
 
 void Outgoing::endLocked() {

@@ -57,6 +57,9 @@ class Outgoing {
   };
 
   bool sendSome(Frame& frame);
+  void keepRest(Frame& frame);
+  void awaitWritable();
+  void abandon();
   void endLocked();
 
   mutable std::mutex mutex_;

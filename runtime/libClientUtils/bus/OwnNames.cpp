@@ -74,9 +74,14 @@ std::string OwnNames::add(const std::string& name) {
   }
   compactIfWorthwhile();
   const std::uint64_t now = monotonicStamp();
-  std::string error = write(servedRecord(name, now));
+  const std::string record = servedRecord(name, now);
+  // First, since there may be no memory for it: what is written down must be known here.
+  ServedNames added;
+  added.emplace(name, now);
+  names_.reserve(names_.size() + 1);
+  std::string error = write(record);
   if (error.empty()) {
-    names_.emplace(name, now);
+    names_.insert(added.extract(added.begin()));
     nameBytes_ += name.size();
   }
   return error;
@@ -116,7 +121,9 @@ std::string OwnNames::rewrite() {
 /** Puts a complete, locked file into the place of the one that is there. */
 std::string OwnNames::replaceFile(const std::string& text) {
   constexpr int kTries = 10;
+  // Both before there is a file that only this function knows of.
   const std::string unfinished = BusDirectory::unfinishedName(id_);
+  const std::string finished = BusDirectory::journalName(id_);
   std::string error;
   for (int left = kTries; left > 0; --left) {
     FileDescriptor file = directory_.open(unfinished, O_RDWR | O_CREAT | O_APPEND | O_TRUNC);
@@ -125,7 +132,7 @@ std::string OwnNames::replaceFile(const std::string& text) {
     }
     // Somebody who removes leftovers may see the file before it is locked, and take it away.
     const bool placed = ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && writeAll(file.get(), text) &&
-                        directory_.rename(unfinished, BusDirectory::journalName(id_));
+                        directory_.rename(unfinished, finished);
     if (placed) {
       file_ = std::move(file);
       size_ = text.size();

@@ -46,9 +46,15 @@ Peer::Peer(std::string id, std::shared_ptr<const BusShared> bus, Ended ended)
 Peer::~Peer() = default;
 
 void Peer::begin(std::shared_ptr<Connection> connection) {
-  use(std::move(connection), kMaximumGreeting);
-  connection_->sendGreeting(encodeHead(HelloFrame{kWireVersion, bus_->ownId}));
-  connection_->postStart();
+  try {
+    use(std::move(connection), kMaximumGreeting);
+    connection_->sendGreeting(encodeHead(HelloFrame{kWireVersion, bus_->ownId}));
+    connection_->postStart();
+  } catch (...) {
+    // It is not read yet, so that this is the bus thread's only from here on.
+    connection_->close();
+    throw;
+  }
 }
 
 bool Peer::deliver(Envelope& envelope) {

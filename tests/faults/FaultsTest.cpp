@@ -1,0 +1,146 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <deque>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/faults/FaultyLife.h"
+
+namespace zerva {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr unsigned kSeed = 20240607;
+
+// As many as can be looked at while somebody waits; all of them when ZERVA_FAULTS is "all".
+constexpr std::size_t kSample = 200;
+
+bool allWanted() {
+  const char* const wanted = std::getenv("ZERVA_FAULTS");
+  return wanted != nullptr && std::string(wanted) == "all";
+}
+
+/** A proxy whose making was ended by an exception leaves the making of proxies locked. */
+void expectNothingButTheKnownLimit(FaultyLife& life) {
+  if (!life.hung()) {
+    EXPECT_EQ(life.complaint(), "");
+  } else if (life.errors().find("watchdog: ") != std::string::npos) {
+    EXPECT_THAT(life.errors(), HasSubstr("Semaphore4take"));
+  } else {
+    EXPECT_THAT(life.errors(), HasSubstr("still under way, so nothing was deleted"));
+  }
+}
+
+/** @returns whether the fault was reached. */
+bool expectARightEnd(FaultyLife& life) {
+  if (life.inMakingAProxy()) {
+    expectNothingButTheKnownLimit(life);
+  } else {
+    EXPECT_EQ(life.complaint(), "");
+  }
+  return life.reached();
+}
+
+/** Runs lives with these faults, two at a time. @returns how many reached theirs. */
+std::size_t runLives(const std::string& kind, const std::vector<long>& faults) {
+  constexpr std::size_t kAtATime = 2;
+  std::deque<std::unique_ptr<FaultyLife>> running;
+  std::size_t reached = 0;
+  const auto endFirst = [&] {
+    running.front()->hung();  // waits for its end
+    reached += expectARightEnd(*running.front()) ? 1 : 0;
+    running.pop_front();
+  };
+  for (const long fault : faults) {
+    if (running.size() == kAtATime) endFirst();
+    running.push_back(std::make_unique<FaultyLife>(kind, fault));
+  }
+  while (!running.empty()) endFirst();
+  return reached;
+}
+
+/** Runs lives until they do not reach their fault any more. @returns how many did. */
+std::size_t runAllLives(const std::string& kind) {
+  std::size_t all = 0;
+  for (long next = 1;; next += 2) {
+    const std::size_t reached = runLives(kind, {next, next + 1});
+    all += reached;
+    if (reached == 0 || testing::Test::HasFailure()) return all;
+  }
+}
+
+std::string nameOfKind(const testing::TestParamInfo<const char*>& param) { return param.param; }
+
+TEST(ALife, WithoutAFault_DoesAllAndGoesDownInOrder) {
+  FaultyLife sut("none", 0);
+  EXPECT_EQ(sut.complaint(), "");
+  for (const char* const what : {"timer", "here", "lazy", "again", "there", "and back"}) {
+    EXPECT_THAT(sut.output(), HasSubstr(std::string("busy: ") + what + ": done")) << sut.errors();
+  }
+  EXPECT_THAT(sut.output(), HasSubstr("zerva: 4 services and 1 started process came up and went"));
+}
+
+/** Whatever call of a kind fails: no crash, no hang, nothing left, and somebody is told. */
+class ALifeWithAFault : public testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, ALifeWithAFault,
+                         testing::Values("dlopen", "thread", "socket", "bind", "listen",
+                                         "connect_away", "accept", "send_away", "receive_away",
+                                         "openbusfile_away", "send", "sendpart", "sendfull",
+                                         "receive", "spawn", "openfile", "openbusfile",
+                                         "descriptor"),
+                         nameOfKind);
+
+TEST_P(ALifeWithAFault, WhicheverCallFails_GoesDownInOrder) {
+  const std::size_t reached = runAllLives(GetParam());
+  EXPECT_GT(reached, 0U);
+  RecordProperty("faults", static_cast<int>(reached));
+}
+
+class ALifeWithoutMemory : public testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, ALifeWithoutMemory, testing::Values("new", "new_away"), nameOfKind);
+
+TEST_P(ALifeWithoutMemory, WhicheverAllocationFails_GoesDownInOrder) {
+  FaultyLife unharmed(GetParam(), 0);
+  ASSERT_EQ(unharmed.complaint(), "");
+  std::vector<long> faults(static_cast<std::size_t>(unharmed.calls()));
+  std::iota(faults.begin(), faults.end(), 1);
+  if (!allWanted()) {
+    std::mt19937 random(kSeed);
+    std::shuffle(faults.begin(), faults.end(), random);
+    faults.resize(std::min(faults.size(), kSample));
+  }
+  const std::size_t reached = runLives(GetParam(), faults);
+  EXPECT_GT(reached, faults.size() / 2);
+  RecordProperty("faults", static_cast<int>(reached));
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+INSTANTIATE_TEST_SUITE_P(OfTheLoader, ALifeWithAFault, testing::Values("dlsym"), nameOfKind);
+
+INSTANTIATE_TEST_SUITE_P(OfTheCLibrary, ALifeWithoutMemory, testing::Values("malloc"), nameOfKind);
+
+// Known limit. The making of proxies is locked while one is made, and what leaves it by an
+// exception leaves it locked: whoever wants another proxy waits for good.
+TEST(AnExceptionInTheMakingOfAProxy, LeavesTheMakingOfProxiesLockedAndNothingElseWrong) {
+  FaultyLife sut("proxy", 1);
+  EXPECT_TRUE(sut.hung());
+  EXPECT_TRUE(sut.reached());
+  EXPECT_THAT(sut.output(), HasSubstr("busy: here: std::bad_alloc"));
+  EXPECT_THAT(sut.errors(), HasSubstr("initProxyAndAddToRepository"));
+  expectNothingButTheKnownLimit(sut);
+}
+
+#endif
+
+}  // namespace
+}  // namespace zerva

@@ -1,0 +1,163 @@
+#include "tests/faults/FaultyLife.h"
+
+#include <signal.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <iterator>
+
+#include "tests/support/Patience.h"
+#include "tests/support/Watchdog.h"
+
+namespace zerva {
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kSlower = 4;
+#else
+constexpr int kSlower = 1;
+#endif
+
+// How long a life runs that nobody ends, how long its busy service waits, and how much later the
+// watchdog ends it.
+constexpr int kSeconds = 4 * kSlower;
+constexpr int kBusySeconds = 3 * kSlower;
+constexpr int kMoreSeconds = 12 * kSlower;
+
+// For one without a fault, which must not end before it has done everything.
+constexpr int kWithoutFault = 60;
+
+std::filesystem::path build() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
+}
+
+std::string access(const std::string& ifc) {
+  return "proxy_info: libRelayAccess.so createRelayProxy " + ifc + " zerva_simple_rmi\n" +
+         "invoker_info: libRelayAccess.so createRelayInvoker " + ifc + " zerva_simple_rmi\n";
+}
+
+std::string registry() {
+  return "service_instance: MT libServiceRegistry.so createServiceRegistry "
+         "/zerva/serviceregistry ServiceRegistryIfc\n";
+}
+
+std::string libraries() {
+  return " --lib-dir " + (build() / "plugins").string() + " --lib-dir " +
+         (build() / "lib").string();
+}
+
+std::string startOf(const std::string& second) {
+  return "start_process: " + (build() / "bin/zerva").string() + " run " + second +
+         " --await /zerva/serviceregistry=5" + libraries() + "\n";
+}
+
+std::string firstHost() {
+  return access("First") + access("Third") +
+         "service_instance: MT libRelay.so createRelay /test/First First\n"
+         "service_info: ST libRelay.so createRelay /test/Third Third\n"
+         "service_legacy: libBusy.so createBusy BusyIfc\n";
+}
+
+std::string secondHost() {
+  return access("Second") + "service_instance: MT libRelay.so createRelay /test/Second Second\n";
+}
+
+/** With which codes a host may end that met a fault. */
+bool isAnEnd(int code) {
+  constexpr std::array kEnds{0, 1, 4, 5, 6, 10, 11};
+  return std::find(kEnds.begin(), kEnds.end(), code) != kEnds.end();
+}
+
+bool holds(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+std::map<std::string, std::string> environmentFor(bool hasFault,
+                                                  std::map<std::string, std::string> more) {
+  more.emplace("ZERVA_BUSY_SECONDS", std::to_string(hasFault ? kBusySeconds : kWithoutFault));
+  more.emplace("ZERVA_FAULT_STACK", "1");
+  return more;
+}
+
+}  // namespace
+
+FaultyLife::FaultyLife(const std::string& kind, long nth,
+                       const std::map<std::string, std::string>& environment)
+    : kind_(kind),
+      nth_(nth),
+      other_(away() ? other() : nullptr),
+      process_(build() / "bin/faulty_life", arguments(), environmentFor(hasFault(), environment)) {}
+
+std::unique_ptr<ChildProcess> FaultyLife::other() const {
+  return std::make_unique<ChildProcess>(
+      build() / "bin/zerva",
+      std::vector<std::string>{
+          "run", directory_.write("second.directives", registry() + secondHost()), "--bus",
+          directory_.file("bus"), "--lib-dir", build() / "plugins", "--lib-dir", build() / "lib"});
+}
+
+std::vector<std::string> FaultyLife::arguments() const {
+  std::string directives = firstHost();
+  if (!away()) {
+    const std::string second = directory_.write("second.directives", secondHost());
+    directives = registry() + startOf(second) + directives;
+  }
+  std::vector<std::string> all{kind_.substr(0, kind_.find('_')),
+                               std::to_string(nth_),
+                               directory_.write("first.directives", directives),
+                               directory_.file("bus"),
+                               std::to_string(hasFault() ? kSeconds : kWithoutFault),
+                               std::to_string(kMoreSeconds)};
+  if (away()) all.emplace_back("/zerva/serviceregistry");
+  return all;
+}
+
+std::string FaultyLife::complaint() {
+  const std::string found = wrong();
+  if (found.empty()) return found;
+  return "with the fault " + kind_ + " " + std::to_string(nth_) + " " + found + "\n" +
+         process_.output() + process_.errors();
+}
+
+std::string FaultyLife::wrong() {
+  const auto code = process_.wait(std::chrono::seconds(kSeconds + kWithoutFault * kSlower));
+  if (!code) return "it does not end, not even by its watchdog";
+  if (*code == Watchdog::exitCode) return "it hangs";
+  if (!isAnEnd(*code)) return "it ends with " + std::to_string(*code);
+  if (*code != 0 && process_.errors().empty()) return "nobody is told what failed";
+  if (!process_.survivors().empty()) return "a process is left";
+  if (other_ != nullptr) {
+    other_->signal(SIGTERM);
+    if (other_->wait() != 0) return "the second host is harmed\n" + other_->errors();
+  }
+  std::error_code none;
+  for (const auto& file : std::filesystem::directory_iterator(directory_.file("bus"), none)) {
+    return "a file is left: " + file.path().filename().string();
+  }
+  return {};
+}
+
+bool FaultyLife::reached() const { return holds(process_.errors(), "the fault comes now"); }
+
+bool FaultyLife::inMakingAProxy() const {
+  const std::string errors = process_.errors();
+  // The stack of the fault comes first; the watchdog's have the same function for who waits.
+  const std::string stack = errors.substr(0, errors.find("watchdog: "));
+  return kind_ == "proxy" ? reached() : holds(stack, "initProxyAndAddToRepository");
+}
+
+bool FaultyLife::hung() {
+  constexpr int kStillBusy = 7;
+  const auto code = process_.wait(std::chrono::seconds(kSeconds + kWithoutFault * kSlower));
+  return code == Watchdog::exitCode || code == kStillBusy;
+}
+
+long FaultyLife::calls() const {
+  const std::string output = process_.output();
+  const std::size_t at = output.rfind("calls ");
+  return at == std::string::npos ? 0 : std::stol(output.substr(at + 6));
+}
+
+}  // namespace zerva

@@ -1,0 +1,59 @@
+// What runs out or goes wrong around a host, for good and not for one call.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/faults/FaultyLife.h"
+
+namespace zerva {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
+  constexpr long kFewest = 3;  // the standard ones
+  constexpr long kEnough = 40;
+  for (long limit = kFewest; limit <= kEnough; ++limit) {
+    FaultyLife sut("descriptors", limit);
+    EXPECT_EQ(sut.complaint(), "");
+  }
+}
+
+TEST(ALife, OnAFullDisk_GoesDownInOrderFromWhicheverWriteOn) {
+  for (long write = 1;; ++write) {
+    FaultyLife sut("diskfull", write);
+    EXPECT_EQ(sut.complaint(), "");
+    if (!sut.reached()) break;
+  }
+}
+
+TEST(ALife, WhoseWallClockIsPutForwardAndBack_DoesNotCare) {
+  FaultyLife sut("clock", 0, {{"ZERVA_BUSY_HOLD", "1"}});
+  EXPECT_EQ(sut.complaint(), "");
+  for (const char* const what : {"timer", "here", "lazy", "again", "there", "and back"}) {
+    EXPECT_THAT(sut.output(), HasSubstr(std::string("busy: ") + what + ": done")) << sut.errors();
+  }
+  EXPECT_THAT(sut.output(), HasSubstr("did not answer in time"));
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+// The sanitizers take more address space for themselves than there is to be limited.
+TEST(ALife, WithLittleAddressSpace_GoesDownInOrderHoweverLittleItIs) {
+  constexpr long kStep = 256;
+  // To what it needs at its height.
+  for (long limit = 0;; limit += kStep) {
+    FaultyLife sut("space", limit);
+    EXPECT_EQ(sut.complaint(), "");
+    if (testing::Test::HasFailure() ||
+        sut.output().find("busy: and back: done") != std::string::npos)
+      break;
+  }
+}
+
+#endif
+
+}  // namespace
+}  // namespace zerva
