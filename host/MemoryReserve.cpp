@@ -1,46 +1,53 @@
 #include "host/MemoryReserve.h"
 
+#include <sys/mman.h>
+
 #include <array>
 #include <atomic>
 #include <cstddef>
-#include <cstdlib>
 #include <new>
 
 namespace zerva {
 namespace {
 
-// Small enough to come from the heap, and so to go back to it.
-constexpr std::size_t kPart = std::size_t{16} * 1024;
+// Address space, not blocks of the heap: a thread that has no heap of its own yet gets nothing of
+// what others give back to theirs. A part has room for one.
+constexpr std::size_t kPart = std::size_t{2} * 1024 * 1024;
 
 /** Reached from the handler, which the language calls without any object. */
-std::array<std::atomic<void*>, 16>& parts() {
-  static std::array<std::atomic<void*>, 16> all{};
+std::array<std::atomic<void*>, 4>& parts() {
+  static std::array<std::atomic<void*>, 4> all{};
   return all;
+}
+
+bool giveUp(std::atomic<void*>& part) {
+  void* const memory = part.exchange(nullptr);
+  return memory != nullptr && ::munmap(memory, kPart) == 0;
 }
 
 void giveUpAPart() {
   for (auto& part : parts()) {
-    if (void* const memory = part.exchange(nullptr); memory != nullptr) {
-      std::free(memory);
-      return;
-    }
+    if (giveUp(part)) return;
   }
   throw std::bad_alloc();
 }
 
 void giveUpAll() {
-  for (auto& part : parts()) std::free(part.exchange(nullptr));
+  for (auto& part : parts()) giveUp(part);
 }
 
 }  // namespace
 
 MemoryReserve::MemoryReserve() {
   for (auto& part : parts()) {
-    part = std::malloc(kPart);
-    if (part == nullptr) {
+    // Nothing is ever written there, so no page of it is.
+    void* const memory =
+        ::mmap(nullptr, kPart, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (memory == MAP_FAILED) {
       giveUpAll();
       throw std::bad_alloc();
     }
+    part = memory;
   }
 }
 

@@ -10,7 +10,7 @@ namespace zerva {
  */
 class MemoryReserve {
  public:
-  /** Puts the memory by. @throws std::bad_alloc when there is none. */
+  /** Puts the room for it by. @throws std::bad_alloc when there is none. */
   MemoryReserve();
   /** Gives back what was not needed. */
   ~MemoryReserve();

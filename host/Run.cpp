@@ -17,6 +17,7 @@
 #include "host/MemoryReserve.h"
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
@@ -100,8 +101,8 @@ void endSignalled(int number, const sigset_t& signals, EndRequest& request, cons
   reserve.open();
   const std::string name = signalName(number);
   if (!request.made()) {
-    // Told first, so that it stands before what it leads to.
-    report.remark(name + ": ends in order; another signal ends at once");
+    // Told first, so that it stands before what it leads to, which comes in any case.
+    exceptionOf([&] { report.remark(name + ": ends in order; another signal ends at once"); });
     request.make();
     return;
   }

@@ -8,8 +8,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <system_error>
 #include <utility>
+
+#include "runtime/libClientUtils/ExceptionText.h"
 
 namespace zerva {
 namespace {
@@ -59,7 +62,9 @@ void SignalThread::takeSignals() {
     if (poll(awaited.data(), awaited.size(), -1) < 0) continue;
     signalfd_siginfo info{};
     if (read(signals_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-      taken_(static_cast<int>(info.ssi_signo));
+      const auto error = exceptionOf([&] { taken_(static_cast<int>(info.ssi_signo)); });
+      // The next one may still end the process.
+      if (error) std::fprintf(stderr, "zerva: a signal was lost: %s\n", error->c_str());
     }
   }
 }

@@ -9,10 +9,18 @@
 #include <cstdint>
 #include <vector>
 
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ProcessTable.h"
 #include "runtime/libClientUtils/ThreadSettings.h"
 
 namespace zerva {
+
+namespace {
+
+// How often is looked, in milliseconds, where nothing tells when.
+constexpr int kLook = 200;
+
+}  // namespace
 
 Reaper::Reaper() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
@@ -44,21 +52,30 @@ void* Reaper::run(void* reaper) {
 }
 
 void Reaper::watch() {
-  constexpr int kWithoutDescriptor = 200;
-  std::vector<int> children;
-  std::vector<pollfd> descriptors;
-  for (ProcessTable::instance().reap(children); !children.empty();
-       ProcessTable::instance().reap(children)) {
-    int timeout = wake_ < 0 ? kWithoutDescriptor : -1;
-    descriptors.assign(1, {wake_, POLLIN, 0});
-    for (const int child : children) {
-      if (child < 0) timeout = kWithoutDescriptor;
-      descriptors.push_back({child, POLLIN, 0});
+  bool some = true;
+  while (some) {
+    // Nobody else reaps the children, so that it goes on when there is no memory for a moment.
+    if (exceptionOf([&] { some = waitForSome(); })) {
+      ::poll(nullptr, 0, kLook);
     }
-    ::poll(descriptors.data(), descriptors.size(), timeout);
-    std::uint64_t events = 0;
-    [[maybe_unused]] const ssize_t read = ::read(wake_, &events, sizeof events);
   }
+}
+
+/** @returns false when no child is left. */
+bool Reaper::waitForSome() const {
+  std::vector<int> children;
+  ProcessTable::instance().reap(children);
+  if (children.empty()) return false;
+  int timeout = wake_ < 0 ? kLook : -1;
+  std::vector<pollfd> descriptors(1, {wake_, POLLIN, 0});
+  for (const int child : children) {
+    if (child < 0) timeout = kLook;
+    descriptors.push_back({child, POLLIN, 0});
+  }
+  ::poll(descriptors.data(), descriptors.size(), timeout);
+  std::uint64_t events = 0;
+  [[maybe_unused]] const ssize_t read = ::read(wake_, &events, sizeof events);
+  return true;
 }
 
 }  // namespace zerva

@@ -21,6 +21,7 @@ class Reaper {
  private:
   static void* run(void* reaper);
   void watch();
+  bool waitForSome() const;
 
   // Constant after construction: an event descriptor, or -1 when there was none to be had.
   const int wake_;

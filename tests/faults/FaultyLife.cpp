@@ -91,11 +91,14 @@ FaultyLife::FaultyLife(const std::string& kind, long nth,
       process_(build() / "bin/faulty_life", arguments(), environmentFor(hasFault(), environment)) {}
 
 std::unique_ptr<ChildProcess> FaultyLife::other() const {
-  return std::make_unique<ChildProcess>(
+  auto host = std::make_unique<ChildProcess>(
       build() / "bin/zerva",
       std::vector<std::string>{
           "run", directory_.write("second.directives", registry() + secondHost()), "--bus",
           directory_.file("bus"), "--lib-dir", build() / "plugins", "--lib-dir", build() / "lib"});
+  // From then on it ends in order when it is told to.
+  host->waitForOutput("up       Second");
+  return host;
 }
 
 std::vector<std::string> FaultyLife::arguments() const {

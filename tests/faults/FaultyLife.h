@@ -52,7 +52,7 @@ class FaultyLife {
 
  private:
   bool away() const { return kind_.ends_with("_away"); }
-  bool hasFault() const { return nth_ > 0 || kind_ == "space"; }
+  bool hasFault() const { return nth_ > 0 || kind_.starts_with("space"); }
   std::unique_ptr<ChildProcess> other() const;
   std::vector<std::string> arguments() const;
   std::string wrong();

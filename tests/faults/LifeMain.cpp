@@ -18,6 +18,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -44,6 +45,9 @@ zerva::RunOptions optionsFrom(int argc, char** argv) {
   if (argc > 7) options.awaited.push_back({argv[7], std::chrono::seconds(20)});
   if (zerva::fault::kindOf(argv[1]) == zerva::fault::Kind::Clock) {
     options.replyTimeout = std::chrono::seconds(2);
+  } else if (std::strcmp(argv[1], "space") == 0) {
+    // Of a thread that gets no memory at all nobody hears anything.
+    options.replyTimeout = std::chrono::milliseconds(300);
   }
   options.stopTimeout = std::chrono::seconds(3);
   return options;
@@ -58,7 +62,7 @@ void limit(const std::string& what, rlim_t amount) {
     rlim_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     const rlim_t bytes = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + amount * 1024;
-    const rlimit space{bytes, bytes};
+    const rlimit space{bytes, RLIM_INFINITY};
     setrlimit(RLIMIT_AS, &space);
   }
 }

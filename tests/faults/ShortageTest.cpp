@@ -10,6 +10,7 @@
 namespace zerva {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
@@ -45,11 +46,18 @@ TEST(ALife, WithLittleAddressSpace_GoesDownInOrderHoweverLittleItIs) {
   constexpr long kStep = 256;
   // To what it needs at its height.
   for (long limit = 0;; limit += kStep) {
-    FaultyLife sut("space", limit);
-    EXPECT_EQ(sut.complaint(), "");
+    FaultyLife sut("space_away", limit);
+    // Where the room ends while a proxy is made, what is known of that holds.
+    if (!sut.hung()) {
+      EXPECT_EQ(sut.complaint(), "");
+    } else {
+      EXPECT_THAT(sut.errors(), AnyOf(HasSubstr("initProxyAndAddToRepository"),
+                                      HasSubstr("still under way, so nothing was deleted")));
+    }
     if (testing::Test::HasFailure() ||
-        sut.output().find("busy: and back: done") != std::string::npos)
+        sut.output().find("busy: and back: done") != std::string::npos) {
       break;
+    }
   }
 }
 
