@@ -3,6 +3,7 @@
 #
 # usage: ./test.sh            everything
 #        ./test.sh PRESET     one preset: linux32 linux64 asan32 asan64 tsan64 coverage
+#        ./test.sh faults     the long form of the tests with faults: every allocation, more rounds
 #        ./test.sh checks     only the checks that come first: format, headers, rules, tidy
 #        ./test.sh tidy       only clang-tidy
 #        ./test.sh model      only the models of the locks and of going down, with a model checker
@@ -82,6 +83,16 @@ case "$verb" in
     scripts/install-dependencies.sh test
     run_preset "$verb"
     finish
+    ;;
+  faults)
+    scripts/install-dependencies.sh test
+    scripts/build.sh linux32 faults_test random_signals_test
+    export ZERVA_FAULTS=all ZERVA_TEST_SECONDS=36000
+    code=0
+    for program in random_signals_test faults_test; do
+      "build/linux32/bin/$program" || code=1
+    done
+    exit "$code"
     ;;
   checks)
     scripts/install-dependencies.sh test

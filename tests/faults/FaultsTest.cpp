@@ -104,6 +104,26 @@ TEST_P(ALifeWithAFault, WhicheverCallFails_GoesDownInOrder) {
   RecordProperty("faults", static_cast<int>(reached));
 }
 
+// Known limit. The end of the directive file is the only way out of reading it, and after an error
+// it does not come.
+TEST(AnError, InReadingItsDirectiveFile_IsRefusedOrReadsOnForGood) {
+  for (long read = 1;; ++read) {
+    FaultyLife sut("readfile", read);
+    if (sut.hung()) {
+      EXPECT_THAT(sut.errors(), HasSubstr("ServiceConfigurator17processDirectives"));
+    } else {
+      EXPECT_EQ(sut.complaint(), "");
+    }
+    if (!sut.reached()) break;
+  }
+}
+
+TEST(ALife, WhoseDirectiveFileCannotBeRead_IsRefused) {
+  FaultyLife sut("readfile", 1);
+  EXPECT_EQ(sut.complaint(), "");
+  EXPECT_THAT(sut.errors(), HasSubstr("it can be opened but not read"));
+}
+
 class ALifeWithoutMemory : public testing::TestWithParam<const char*> {};
 
 INSTANTIATE_TEST_SUITE_P(Of, ALifeWithoutMemory, testing::Values("new", "new_away"), nameOfKind);

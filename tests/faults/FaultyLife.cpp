@@ -66,7 +66,7 @@ std::string secondHost() {
 
 /** With which codes a host may end that met a fault. */
 bool isAnEnd(int code) {
-  constexpr std::array kEnds{0, 1, 4, 5, 6, 10, 11};
+  constexpr std::array kEnds{0, 1, 3, 4, 5, 6, 10, 11};
   return std::find(kEnds.begin(), kEnds.end(), code) != kEnds.end();
 }
 
