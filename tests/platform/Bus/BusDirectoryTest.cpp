@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -46,6 +47,22 @@ TEST_F(TheBusDirectory, HoldsFilesForTheUserAlone) {
 TEST_F(TheBusDirectory, IsEmptyWhenTheBusIsClosed) {
   { const Bus sut(path); }
   EXPECT_TRUE(std::filesystem::is_empty(path));
+}
+
+// A bus that could not be opened to the end, for want of a descriptor behind its socket, left the
+// socket in the directory.
+TEST_F(TheBusDirectory, IsEmptyWhenTheBusCannotBeOpenedForWantOfDescriptors) {
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  int failures = 0;
+  for (rlim_t limit = 3; limit < 40; ++limit) {
+    const rlimit few{limit, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    failures += refusal(path) == "it was opened" ? 0 : 1;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_TRUE(!exists(path) || is_empty(path)) << "with " << limit;
+  }
+  EXPECT_GT(failures, 0);
 }
 
 TEST_F(TheBusDirectory, MayBeNamedRelativeToWhereTheProgramIs) {

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <functional>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -108,6 +109,26 @@ TEST(AnInterceptor, HasSeenAReplyBeforeItsCallerGoesOn) {
 
   EXPECT_TRUE(seen);
   opening.join();
+  world.end();
+}
+
+// There was no memory for what an interceptor is told of a reply; the reply was lost with it, and
+// its caller waited until the time was over.
+TEST(AnInterceptor, ThatThrows_DoesNotKeepAReplyFromItsCaller) {
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  dispatcher.addInterceptor(&sut);
+  sut.then = [&] {
+    if (sut.journal.entries().size() == 2) throw std::bad_alloc();
+  };
+  ScriptedService service([](const std::string&) { return std::string("four"); });
+  ExecutorWorld world;
+  world.run(&service, "/svc", Mode::ST);
+  CommsChannel caller("/test/caller", &dispatcher);
+
+  const Answer answer = ask(caller, "/svc", "123");
+
+  EXPECT_EQ(answer.data, "four") << answer.error;
   world.end();
 }
 
