@@ -14,6 +14,9 @@ namespace {
 using zerva::fault::hits;
 using zerva::fault::Kind;
 using zerva::fault::systems;
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
 using CreateProxy = Proxy* (*)();
 
 CreateProxy ownCreator = nullptr;
@@ -22,6 +25,8 @@ Proxy* createProxyOrThrow() {
   if (hits(Kind::Proxy)) throw std::bad_alloc();
   return ownCreator();
 }
+
+#endif
 
 }  // namespace
 
