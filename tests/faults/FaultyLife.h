@@ -55,6 +55,7 @@ class FaultyLife {
   bool hasFault() const { return nth_ > 0 || kind_.starts_with("space"); }
   std::unique_ptr<ChildProcess> other() const;
   std::vector<std::string> arguments() const;
+  bool leaksWhatWasBeingMade() const;
   std::string wrong();
 
   const std::string kind_;
