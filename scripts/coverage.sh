@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Tells how much of the product the tests of the preset coverage have reached, and whether that is
+# enough. They have been built and run before.
+#
+# usage: scripts/coverage.sh
+#
+# Counted are the lines and the branches that are there in the source; edges that only an exception
+# takes, or that the compiler has added, are left out. Below the limits the exit code is 1.
+. "$(dirname "$0")/common.sh"
+
+readonly directory=build/coverage
+
+# figures NAME FILTER...: prints the table of some folders, and sets lines and branches.
+figures() {
+  local name=$1 filters=() folder summary=$directory/coverage-$1.json
+  shift
+  for folder; do filters+=(--filter "$folder/"); done
+  say "coverage of $*"
+  gcovr --root . "$directory" "${filters[@]}" --exclude-throw-branches \
+    --exclude-unreachable-branches --json-summary "$summary" --txt "$directory/coverage-$name.txt" \
+    --txt-metric line >/dev/null
+  gcovr --root . "$directory" "${filters[@]}" --exclude-throw-branches \
+    --exclude-unreachable-branches --txt-metric branch --txt "$directory/branches-$name.txt" \
+    >/dev/null
+  python3 - "$summary" <<'PYTHON'
+import json, sys
+
+summary = json.load(open(sys.argv[1]))
+rows = [(f["filename"], f["line_percent"], f["branch_percent"]) for f in summary["files"]]
+width = max(len(name) for name, _, _ in rows)
+for name, lines, branches in rows:
+    print(f"{name:{width}}  lines {lines:5.1f} %  branches {branches or 100.0:5.1f} %")
+PYTHON
+  read -r lines branches < <(python3 -c '
+import json, sys
+summary = json.load(open(sys.argv[1]))
+print(summary["line_percent"], summary["branch_percent"])' "$summary")
+}
+
+# at_least FIGURE LIMIT
+at_least() { awk -v figure="$1" -v limit="$2" 'BEGIN { exit !(figure >= limit) }'; }
+
+figures src src include
+src_lines=$lines src_branches=$branches
+figures rest runtime registry host
+echo "coverage: src $src_lines% lines $src_branches% branches, rest $lines% lines $branches% branches"
+at_least "$src_lines" 98 && at_least "$src_branches" 95 && at_least "$lines" 90 &&
+  at_least "$branches" 85
