@@ -20,7 +20,11 @@ using testing::HasSubstr;
 constexpr unsigned kSeed = 20240607;
 
 // As many as can be looked at while somebody waits; all of them when ZERVA_FAULTS is "all".
-constexpr std::size_t kSample = 200;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kSample = 12;
+#else
+constexpr std::size_t kSample = 40;
+#endif
 
 bool allWanted() {
   const char* const wanted = std::getenv("ZERVA_FAULTS");
