@@ -19,17 +19,22 @@ using Node = rapidxml::xml_node<>;
 /** Enough to see a count that is wrong, and no danger to the stack when it is. */
 constexpr std::ptrdiff_t kMostElements = 200;
 
-unsigned depthOf(const Node& node) {
-  unsigned deepest = 0;
+/** @returns what the parser has made below a node. */
+XmlShape shapeOf(const Node& node) {
+  XmlShape shape;
+  for (const auto* a = node.first_attribute(); a != nullptr; a = a->next_attribute()) ++shape.nodes;
   for (const Node* child = node.first_node(); child != nullptr; child = child->next_sibling()) {
-    if (child->type() == rapidxml::node_element) deepest = std::max(deepest, 1 + depthOf(*child));
+    if (child->type() != rapidxml::node_element) continue;
+    const XmlShape below = shapeOf(*child);
+    shape.depth = std::max(shape.depth, 1 + below.depth);
+    shape.nodes += 1 + below.nodes;
   }
-  return deepest;
+  return shape;
 }
 
-/** The depth that is counted beforehand is what keeps a parser's stack from being exhausted. */
-void checkDepth(std::string_view text) {
-  const auto counted = xmlDepth(text);
+/** What is counted beforehand keeps a parser's stack, and the memory, from being exhausted. */
+void checkShape(std::string_view text) {
+  const auto counted = xmlShape(text);
   if (!counted || std::count(text.begin(), text.end(), '<') > kMostElements) return;
   std::vector<char> copy(text.begin(), text.end());
   copy.push_back('\0');
@@ -39,7 +44,9 @@ void checkDepth(std::string_view text) {
   } catch (const rapidxml::parse_error&) {
     return;
   }
-  require(depthOf(document) <= *counted, "no parser goes deeper than was counted");
+  const XmlShape made = shapeOf(document);
+  require(made.depth <= counted->depth, "no parser goes deeper than was counted");
+  require(made.nodes <= counted->nodes, "no parser makes more than was counted");
 }
 
 }  // namespace
@@ -49,6 +56,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   SvcXmlAdapter adapter;
   checkCallBytes(adapter, text);
   takeLine(text);
-  checkDepth(text);
+  checkShape(text);
   return 0;
 }

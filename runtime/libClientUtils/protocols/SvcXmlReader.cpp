@@ -17,6 +17,9 @@ using Node = rapidxml::xml_node<>;
 /** Deeper than any interface nests its lists, and no danger to the smallest stack. */
 constexpr unsigned kMaximumDepth = 64;
 
+/** Some 50 to 100 bytes each: more than a call needs, and no danger to a 32-bit process. */
+constexpr std::size_t kMaximumNodes = 1'000'000;
+
 std::string_view nameOf(const Node& node) { return {node.name(), node.name_size()}; }
 
 /** @returns the next element; text between elements is no value. */
@@ -54,9 +57,10 @@ struct SvcXmlReader::Document {
 
 SvcXmlReader::SvcXmlReader(const std::string& text, const char* root)
     : document_(std::make_unique<Document>()) {
-  const auto depth = xmlDepth(text);
-  if (!depth) throw DecodeException("comments, document types and zeros are not allowed");
-  if (*depth > kMaximumDepth) throw DecodeException("the elements are nested too deeply");
+  const auto shape = xmlShape(text);
+  if (!shape) throw DecodeException("comments, document types and zeros are not allowed");
+  if (shape->depth > kMaximumDepth) throw DecodeException("the elements are nested too deeply");
+  if (shape->nodes > kMaximumNodes) throw DecodeException("there are too many elements");
   document_->text.assign(text.begin(), text.end());
   document_->text.push_back('\0');
   try {

@@ -38,9 +38,10 @@ std::size_t endOfName(std::string_view text, std::size_t at) {
 
 /**
  * @returns where the tag ends whose name begins at a place. A quote hides the end only where the
- *     value of an attribute begins: anywhere else parsers take it for a part of a name.
+ *     value of an attribute begins: anywhere else parsers take it for a part of a name. Adds the
+ *     attributes on the way.
  */
-std::size_t endOfTag(std::string_view text, std::size_t at) {
+std::size_t endOfTag(std::string_view text, std::size_t at, std::size_t& attributes) {
   char quote = '\0';
   char before = '\0';  // the last character that is no space
   for (at = endOfName(text, at); at < text.size() && (quote != '\0' || text[at] != '>'); ++at) {
@@ -49,6 +50,7 @@ std::size_t endOfTag(std::string_view text, std::size_t at) {
       if (c == quote) quote = '\0';
     } else if (before == '=' && (c == '"' || c == '\'')) {
       quote = c;
+      ++attributes;
     }
     if (!isSpace(c)) before = c;
   }
@@ -140,9 +142,9 @@ std::optional<std::string> fromHexadecimal(std::string_view text) {
   return bytes;
 }
 
-std::optional<unsigned> xmlDepth(std::string_view text) {
+std::optional<XmlShape> xmlShape(std::string_view text) {
+  XmlShape shape;
   unsigned depth = 0;
-  unsigned deepest = 0;
   if (text.find('\0') != std::string_view::npos) return std::nullopt;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (text[at] != '<') continue;
@@ -152,13 +154,14 @@ std::optional<unsigned> xmlDepth(std::string_view text) {
       at = endOfInstruction(text, at + 2);
       continue;
     }
-    at = endOfTag(text, kind == '/' ? at + 2 : at + 1);
+    at = endOfTag(text, kind == '/' ? at + 2 : at + 1, shape.nodes);
     if (kind != '/') {
-      deepest = std::max(deepest, ++depth);
+      ++shape.nodes;
+      shape.depth = std::max(shape.depth, ++depth);
     }
     if ((kind == '/' || text[at - 1] == '/') && depth > 0) --depth;
   }
-  return deepest;
+  return shape;
 }
 
 }  // namespace zerva

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,13 +25,19 @@ std::string hexadecimal(std::string_view bytes);
 /** @returns the bytes, or nothing when the text is not pairs of hexadecimal digits. */
 std::optional<std::string> fromHexadecimal(std::string_view text);
 
+/** How much a parser makes of a text. */
+struct XmlShape {
+  unsigned depth = 0;     ///< of elements, at most
+  std::size_t nodes = 0;  ///< elements and attributes
+};
+
 /**
- * Tells how deep the elements of a text are nested at most, without building anything of it, so
- * that a text that is meant to exhaust the stack of a parser never gets there.
+ * Tells what a parser would make of a text, without building anything of it, so that a text that is
+ * meant to exhaust its stack or the memory never gets there.
  *
  * @returns nothing when the text has a comment, a character-data section or a document type, or
  *     holds a zero byte: calls have none of these.
  */
-std::optional<unsigned> xmlDepth(std::string_view text);
+std::optional<XmlShape> xmlShape(std::string_view text);
 
 }  // namespace zerva

@@ -103,6 +103,25 @@ TEST(SvcXml, CountsNoEndInAProcessingInstruction) {
   expectRefused(deep, "nested too deeply");
 }
 
+// Nodes take many times the four bytes of the text that a parser makes them of.
+TEST(SvcXml, RefusesSoManyElementsOrAttributesThatTheyWouldExhaustTheMemory) {
+  std::string elements = "<reply>";
+  std::string attributes = "<reply";
+  for (int i = 0; i < 1'000'001; ++i) {
+    elements += "<a/>";
+    attributes += " a=''";
+  }
+  expectRefused(elements + "</reply>", "too many elements");
+  expectRefused(attributes + "></reply>", "too many elements");
+}
+
+TEST(SvcXml, TakesATextWithAnyNumberOfCharactersThatAttributesHave) {
+  SvcXmlAdapter sut;
+  const std::string many(2'000'000, '=');
+  readBack(sut, "<reply><text>" + many + "</text></reply>",
+           [&](ValueReader& reader) { EXPECT_TRUE(reader.readText() == many); });
+}
+
 TEST(SvcXml, TakesManyElementsBesideEachOther) {
   SvcXmlAdapter sut;
   std::string wide = "<reply><list>";
