@@ -11,11 +11,6 @@
 namespace zerva {
 namespace {
 
-std::size_t entries(const std::string& directory) {
-  return static_cast<std::size_t>(
-      std::distance(std::filesystem::directory_iterator(directory), {}));
-}
-
 std::size_t lines(const std::string& file) {
   std::ifstream stream(file);
   return static_cast<std::size_t>(std::count(std::istreambuf_iterator<char>(stream), {}, '\n'));
@@ -31,7 +26,7 @@ std::size_t residentBytes(const std::string& process) {
 }
 
 Footprint measure(const std::string& process, std::size_t heap) {
-  return {heap, residentBytes(process), entries(process + "/fd"), entries(process + "/task"),
+  return {heap, residentBytes(process), entriesOf(process + "/fd"), entriesOf(process + "/task"),
           lines(process + "/maps")};
 }
 
@@ -40,6 +35,11 @@ Footprint measure(const std::string& process, std::size_t heap) {
 Footprint measureFootprint() { return measure("/proc/self", mallinfo2().uordblks); }
 
 Footprint measureFootprintOf(int process) { return measure("/proc/" + std::to_string(process), 0); }
+
+std::size_t entriesOf(const std::string& directory) {
+  return static_cast<std::size_t>(
+      std::distance(std::filesystem::directory_iterator(directory), {}));
+}
 
 std::string describe(const Footprint& footprint) {
   std::ostringstream text;

@@ -25,6 +25,9 @@ Footprint measureFootprint();
 /** Looks at another process of this user now. */
 Footprint measureFootprintOf(int process);
 
+/** @returns how many entries a directory has. */
+std::size_t entriesOf(const std::string& directory);
+
 /** @returns one line for people. */
 std::string describe(const Footprint& footprint);
 

@@ -94,6 +94,7 @@ TEST_F(LongCalls, AcrossThreeProcessesOfWhichOneComesAndGoes_LeaveNothingBehind)
   callFor(std::chrono::seconds(2));
   const Footprint firstBefore = measureFootprintOf(host("First").id());
   const Footprint secondBefore = measureFootprintOf(host("Second").id());
+  const std::size_t busEntriesBefore = entriesOf(busDirectory());
 
   callFor(duration());
 
@@ -110,6 +111,7 @@ TEST_F(LongCalls, AcrossThreeProcessesOfWhichOneComesAndGoes_LeaveNothingBehind)
       EXPECT_LE(after.mappings, before.mappings + mappingNoise);
     }
   }
+  EXPECT_EQ(entriesOf(busDirectory()), busEntriesBefore);
   EXPECT_GT(calls, 0U);
   EXPECT_GT(lives, 0);
   endAll();

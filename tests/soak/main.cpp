@@ -1,7 +1,8 @@
 // Starts and stops the services of the demo again and again in one process, and looks whether
 // anything is left behind.
 //
-// Usage: zerva_soak [CYCLES], at least 200; the first 100 are for caches to fill.
+// Usage: zerva_soak [CYCLES], at least 200; the first 100 are for caches to fill. What the process
+// holds is told after these, and after every thousand.
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -124,6 +125,11 @@ void setUp() {
   close(nowhere);
 }
 
+void tell(int cycle, const Footprint& footprint, std::size_t busEntries) {
+  std::fprintf(stderr, "after cycle %d: %s, %zu bus entries\n", cycle, describe(footprint).c_str(),
+               busEntries);
+}
+
 bool soak(int cycles) {
   setUp();
   const zerva::HostBus bus("");
@@ -131,17 +137,23 @@ bool soak(int cycles) {
   zerva::Report report(console);
   const Footprint atFirst = zerva::measureFootprint();
   Footprint before = atFirst;
+  const std::string busDirectory = std::getenv("ZERVA_BUS");
+  const std::size_t busEntries = zerva::entriesOf(busDirectory);
   for (int cycle = 1; cycle <= cycles; ++cycle) {
     if (!liveOnce(report, "examples/demo.directives")) {
       std::fprintf(stderr, "cycle %d did not come up and go down as it should\n", cycle);
       return false;
     }
     if (cycle == warmUpCycles) before = settled(atFirst);
+    if (cycle == warmUpCycles || cycle % 1000 == 0) {
+      tell(cycle, settled(before), zerva::entriesOf(busDirectory));
+    }
   }
   const Footprint after = settled(before);
-  std::fprintf(stderr, "after cycle %d: %s\n", warmUpCycles, describe(before).c_str());
-  std::fprintf(stderr, "after cycle %d: %s\n", cycles, describe(after).c_str());
-  return compare(before, after, static_cast<std::size_t>(cycles - warmUpCycles));
+  const std::size_t busEntriesAfter = zerva::entriesOf(busDirectory);
+  tell(cycles, after, busEntriesAfter);
+  return compare(before, after, static_cast<std::size_t>(cycles - warmUpCycles)) &&
+         within("bus entries", busEntries, busEntriesAfter, 0);
 }
 
 }  // namespace
