@@ -108,20 +108,6 @@ TEST_P(ALifeWithAFault, WhicheverCallFails_GoesDownInOrder) {
   RecordProperty("faults", static_cast<int>(reached));
 }
 
-// Known limit. The end of the directive file is the only way out of reading it, and after an error
-// it does not come.
-TEST(AnError, InReadingItsDirectiveFile_IsRefusedOrReadsOnForGood) {
-  for (long read = 1;; ++read) {
-    FaultyLife sut("readfile", read);
-    if (sut.hung()) {
-      EXPECT_THAT(sut.errors(), HasSubstr("ServiceConfigurator17processDirectives"));
-    } else {
-      EXPECT_EQ(sut.complaint(), "");
-    }
-    if (!sut.reached()) break;
-  }
-}
-
 TEST(ALife, WhoseDirectiveFileCannotBeRead_IsRefused) {
   FaultyLife sut("readfile", 1);
   EXPECT_EQ(sut.complaint(), "");
@@ -152,6 +138,20 @@ TEST_P(ALifeWithoutMemory, WhicheverAllocationFails_GoesDownInOrder) {
 INSTANTIATE_TEST_SUITE_P(OfTheLoader, ALifeWithAFault, testing::Values("dlsym"), nameOfKind);
 
 INSTANTIATE_TEST_SUITE_P(OfTheCLibrary, ALifeWithoutMemory, testing::Values("malloc"), nameOfKind);
+
+// Known limit. The end of the directive file is the only way out of reading it, and after an error
+// it does not come.
+TEST(AnError, InReadingItsDirectiveFile_IsRefusedOrReadsOnForGood) {
+  for (long read = 1;; ++read) {
+    FaultyLife sut("readfile", read);
+    if (sut.hung()) {
+      EXPECT_THAT(sut.errors(), HasSubstr("ServiceConfigurator17processDirectives"));
+    } else {
+      EXPECT_EQ(sut.complaint(), "");
+    }
+    if (!sut.reached()) break;
+  }
+}
 
 // Known limit. The making of proxies is locked while one is made, and what leaves it by an
 // exception leaves it locked: whoever wants another proxy waits for good.

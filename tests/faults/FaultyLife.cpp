@@ -15,7 +15,7 @@ namespace zerva {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kSlower = 4;
+constexpr int kSlower = 2;
 #else
 constexpr int kSlower = 1;
 #endif

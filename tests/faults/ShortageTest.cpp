@@ -13,15 +13,6 @@ namespace {
 using testing::AnyOf;
 using testing::HasSubstr;
 
-TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
-  constexpr long kFewest = 3;  // the standard ones
-  constexpr long kEnough = 40;
-  for (long limit = kFewest; limit <= kEnough; ++limit) {
-    FaultyLife sut("descriptors", limit);
-    EXPECT_EQ(sut.complaint(), "");
-  }
-}
-
 TEST(ALife, OnAFullDisk_GoesDownInOrderFromWhicheverWriteOn) {
   for (long write = 1;; ++write) {
     FaultyLife sut("diskfull", write);
@@ -38,6 +29,20 @@ TEST(ALife, WhoseWallClockIsPutForwardAndBack_DoesNotCare) {
   }
   EXPECT_THAT(sut.output(), HasSubstr("did not answer in time"));
 }
+
+#if !defined(__SANITIZE_ADDRESS__)
+
+// The sanitizer checks the types of objects through a pipe, and complains when it gets none.
+TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
+  constexpr long kFewest = 3;  // the standard ones
+  constexpr long kEnough = 40;
+  for (long limit = kFewest; limit <= kEnough; ++limit) {
+    FaultyLife sut("descriptors", limit);
+    EXPECT_EQ(sut.complaint(), "");
+  }
+}
+
+#endif
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
