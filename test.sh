@@ -2,9 +2,8 @@
 # Installs what is missing, builds both word sizes and runs every check and every test.
 #
 # usage: ./test.sh            everything
-#        ./test.sh PRESET     one preset: linux32 linux64 asan32 asan64 tsan64 coverage
-#        ./test.sh faults     the long form of the tests with faults: every allocation fails once
 #        ./test.sh PRESET     one preset: linux32 linux64 asan32 asan64 tsan64
+#        ./test.sh faults     the long form of the tests with faults: every allocation fails once
 #        ./test.sh coverage   the tests once more, and how much of the product they reach
 #        ./test.sh checks     only the checks that come first: format, headers, rules, tidy
 #        ./test.sh tidy       only clang-tidy
@@ -21,8 +20,9 @@
 # The last line is "N passed, N failed", counted over all presets that were run; the exit code is 0
 # when something passed and nothing failed. A test that is skipped or cannot be run has failed. That
 # of "mutation" is "mutation: N of M noticed"; its exit code is 0 when every other fault is known to
-# change nothing. That of "coverage" is "coverage: src L% lines B% branches, rest L% lines B% branches";
-# its exit code is 0 when that is enough.
+# change nothing. That of "coverage" is
+# "coverage: src L% lines B% branches, rest L% lines B% branches"; its exit code is 0 when that is
+# enough and every test has passed.
 . "$(dirname "$0")/scripts/common.sh"
 
 passed=0
@@ -97,8 +97,11 @@ case "$verb" in
     # What earlier runs have counted is not of these sources.
     find build/coverage -name '*.gcda' -delete 2>/dev/null || true
     run_preset coverage
-    finish
-    scripts/coverage.sh
+    code=0
+    finish || code=1
+    # Also after a failure, since that is when it is asked what the tests have reached.
+    scripts/coverage.sh || code=1
+    exit "$code"
     ;;
   checks)
     scripts/install-dependencies.sh test
