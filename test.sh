@@ -93,14 +93,14 @@ case "$verb" in
     ZERVA_FAULTS=all ZERVA_TEST_SECONDS=36000 build/linux32/bin/faults_test
     ;;
   coverage)
-    scripts/install-dependencies.sh coverage
+    scripts/install-dependencies.sh test
     # What earlier runs have counted is not of these sources.
     find build/coverage -name '*.gcda' -delete 2>/dev/null || true
     run_preset coverage
     code=0
     finish || code=1
     # Also after a failure, since that is when it is asked what the tests have reached.
-    scripts/coverage.sh || code=1
+    PYTHONDONTWRITEBYTECODE=1 python3 scripts/coverage || code=1
     exit "$code"
     ;;
   checks)

@@ -1,28 +1,25 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian 12 machine (amd64).
 #
-# usage: scripts/install-dependencies.sh [demo|test|coverage|fuzz|model]
+# usage: scripts/install-dependencies.sh [demo|test|fuzz|model]
 #
 # demo: what building and running the system needs. test (the default): that, and what the tests and
-# the checks need. coverage: that of test, and what counts. fuzz: that of demo, and what the fuzz
-# targets need. model: what checking the models needs. When nothing is missing, neither apt nor the
-# network is touched.
+# the checks need. fuzz: that of demo, and what the fuzz targets need. model: what checking the models
+# needs. When nothing is missing, neither apt nor the network is touched.
 . "$(dirname "$0")/common.sh"
 
 readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
   libmsgpack-cxx-dev librapidxml-dev libspdlog-dev)
 readonly test=("${demo[@]}" googletest binutils procps python3 clang-format clang-tidy)
-readonly coverage=("${test[@]}" gcovr)
 readonly fuzz=("${demo[@]}" googletest clang libclang-rt-14-dev)
 readonly model=(gcc spin)
 
 case "${1:-test}" in
   demo) wanted=("${demo[@]}") ;;
   test) wanted=("${test[@]}") ;;
-  coverage) wanted=("${coverage[@]}") ;;
   fuzz) wanted=("${fuzz[@]}") ;;
   model) wanted=("${model[@]}") ;;
-  *) fail "usage: scripts/install-dependencies.sh [demo|test|coverage|fuzz|model]" ;;
+  *) fail "usage: scripts/install-dependencies.sh [demo|test|fuzz|model]" ;;
 esac
 
 command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
