@@ -43,13 +43,6 @@ std::vector<ServiceEntry> Ledger::markDeleted() {
   return deleted;
 }
 
-std::vector<ServiceEntry> Ledger::recorded() const {
-  const std::lock_guard lock(mutex_);
-  std::vector<ServiceEntry> recorded;
-  for (const std::size_t place : inOrderOfNames()) recorded.push_back(services_[place]);
-  return recorded;
-}
-
 ServiceCount Ledger::count() const {
   const std::lock_guard lock(mutex_);
   ServiceCount count;

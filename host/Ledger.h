@@ -50,9 +50,6 @@ class Ledger {
   /** Notes that all services were deleted. @returns them in the order of deletion. */
   std::vector<ServiceEntry> markDeleted();
 
-  /** @returns the services that would be stopped or deleted now, in that order. */
-  std::vector<ServiceEntry> recorded() const;
-
   ServiceCount count() const;
 
  private:

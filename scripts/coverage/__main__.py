@@ -35,6 +35,10 @@ class File:
         self.lines = collections.Counter()
         self.branches = collections.Counter()
 
+    def source(self, number):
+        """@returns a line; an empty one where the file has become shorter since it was built."""
+        return self.text[number - 1] if number <= len(self.text) else ""
+
     def add(self, function):
         exceptional = function.exceptional()
         order = collections.Counter()
@@ -42,12 +46,12 @@ class File:
             own = [number for file, number in lines if os.path.normpath(file) == self.name]
             for number in own:
                 # A brace that only an exception comes by is no line of anything.
-                if block not in exceptional or not CLOSING.match(self.text[number - 1]):
+                if block not in exceptional or not CLOSING.match(self.source(number)):
                     self.lines[number] += function.counts[block] or 0
             edges = [edge for edge in function.out[block] if not edge.fake and not edge.thrown]
             if not own or len(edges) < 2 or block in exceptional:
                 continue
-            if WITHOUT_CONDITION.match(self.text[own[-1] - 1]):
+            if WITHOUT_CONDITION.match(self.source(own[-1])):
                 continue
             for edge in edges:
                 # The same source may be compiled into more than one object, or for several types.
@@ -59,7 +63,7 @@ class File:
         missing = [(number, "line") for number, count in self.lines.items() if count <= 0]
         missing += [(key[0], f"branch {key[2]}") for key, count in self.branches.items()
                     if count <= 0 and self.lines[key[0]] > 0]
-        return [f"{self.name}:{number}: {what}: {self.text[number - 1].strip()}"
+        return [f"{self.name}:{number}: {what}: {self.source(number).strip()}"
                 for number, what in sorted(missing)]
 
 

@@ -2,6 +2,8 @@
 #include <mutex>
 #include <set>
 
+#include "framework/Executable.h"
+#include "framework/ServiceRegistryIfc.h"
 #include "tests/support/Concurrently.h"
 #include "tests/system/SystemWorld.h"
 
@@ -61,6 +63,15 @@ TEST_F(ALookUp, OfAnInterfaceThatNobodyServes_GivesNothing) {
 TEST_F(ALookUp, OfAServiceWhoseProxyNobodyRecorded_GivesNothing) {
   start("service_instance: MT libRelay.so createRelay /test/relay RelayIfc\n");
   EXPECT_EQ(find("RelayIfc"), nullptr);
+}
+
+TEST_F(ALookUp, OfAnInterfaceThatWasTakenBackAtTheRegistry_GivesNothing) {
+  start(relays("service_instance: MT", 2));
+  auto* const registry = dynamic_cast<ServiceRegistryIfc*>(sut->findService("ServiceRegistryIfc"));
+  ASSERT_NE(registry, nullptr);
+  registry->unregisterInterface("RelayIfc1", "/test/RelayIfc1");
+  EXPECT_EQ(find("RelayIfc1"), nullptr);
+  EXPECT_NE(find("RelayIfc2"), nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <cwchar>
 #include <stdexcept>
 #include <thread>
 
@@ -120,6 +121,13 @@ TEST_F(ASinkOfTheProgram, IsCalledWithNoLockOfTheLoggerHeld) {
   EXPECT_TRUE(done);
 }
 
+TEST_F(ASinkOfTheProgram, IsToldOfATextThatCannotBeFormatted) {
+  const RecordingSink sut(module);
+  // No character of the C locale.
+  logAppUni(module.c_str(), "src/File", 4, 12, "wide: %lc", static_cast<wint_t>(0x10ffff));
+  EXPECT_THAT(sut.texts(), ElementsAre("(a text that cannot be formatted) wide: %lc"));
+}
+
 TEST_F(ASinkOfTheProgram, ThatThrows_IsReportedAndLosesNoOtherSink) {
   RecordingSink sut(module);
   const RecordingSink other(module);
@@ -129,6 +137,18 @@ TEST_F(ASinkOfTheProgram, ThatThrows_IsReportedAndLosesNoOtherSink) {
 
   EXPECT_THAT(other.texts(), ElementsAre("a line"));
   EXPECT_THAT(ordinary(), HasSubstr("A log sink threw on a line of '" + module + "': no ink"));
+}
+
+TEST_F(ASinkOfTheProgram, ThatThrowsWhatIsNoException_IsReportedAndLosesNoOtherSink) {
+  RecordingSink sut(module);
+  const RecordingSink other(module);
+  sut.onWrite = [](const LogRecord&) { throw 7; };
+
+  EXPECT_NO_THROW(log(4, "a line"));
+
+  EXPECT_THAT(other.texts(), ElementsAre("a line"));
+  EXPECT_THAT(ordinary(), HasSubstr("A log sink threw on a line of '" + module +
+                                    "': something that is no std::exception"));
 }
 
 TEST_F(ASinkOfTheProgram, IsNotCalledAnyMoreWhenItsRemovalHasReturned) {
