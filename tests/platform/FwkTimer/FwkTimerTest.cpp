@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <atomic>
 #include <filesystem>
@@ -7,6 +7,7 @@
 
 #include "framework/FwkTimer.h"
 #include "tests/platform/BusyReceiver.h"
+#include "tests/platform/RecordingSink.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
@@ -216,6 +217,23 @@ TEST_F(ATimer, WhoseOwnerThrows_GoesOn) {
   sut.startTimer(sut.createTimer(&owner, 1));
   EXPECT_TRUE(waitUntil([&] { return expiries >= 3; }));
   sut.shutdown();
+}
+
+TEST_F(ATimer, WhoseOwnerThrowsOnItsChannel_IsReportedAndTheOwnerServesOn) {
+  const zerva::RecordingSink log("Service Executor");
+  ScriptedService service([](const std::string& request) { return request; });
+  service.onTimer = [&](int) {
+    ++expiries;
+    throw std::runtime_error("not now");
+  };
+  haveChannel("/svc");
+  world.run(&service, "/svc", Mode::ST);
+  sut.startTimer(sut.createTimer(&service, 1));
+  EXPECT_TRUE(waitUntil([&] { return expiries >= 3; }));
+  EXPECT_EQ(ask("/svc", "x").data, "x");
+  sut.shutdown();
+  world.end();
+  EXPECT_THAT(log.texts(), testing::Contains(testing::HasSubstr("timerExpired failed: not now")));
 }
 
 TEST_F(ATimer, MayBeStoppedByItsOwnExpiry) {
