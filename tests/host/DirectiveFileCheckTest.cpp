@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -119,6 +122,26 @@ TEST_F(TheLookOverOfAFile, RefusesAPipeWithoutOpeningIt) {
   const auto sut = checkDirectiveFile(pipe);
   ASSERT_THAT(sut, SizeIs(1));
   EXPECT_EQ(sut[0].text, "this is a pipe; only a regular file can be read.");
+}
+
+TEST_F(TheLookOverOfAFile, RefusesASocket) {
+  const std::string path = directory.file("socket");
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ::close(socket);
+  const auto sut = checkDirectiveFile(path);
+  ASSERT_EQ(sut.size(), 1U);
+  EXPECT_EQ(sut[0].text, "this is a socket; only a regular file can be read.");
+}
+
+// Such a file is a regular one, and opens; a reader that only looks for its end never finds it.
+TEST_F(TheLookOverOfAFile, RefusesAFileThatCannotBeReadThoughItOpens) {
+  const auto sut = checkDirectiveFile("/proc/self/mem");
+  ASSERT_EQ(sut.size(), 1U);
+  EXPECT_EQ(sut[0].text, "it can be opened but not read, and reading it would never end.");
 }
 
 TEST(AFinding, IsWrittenAsCompilersWriteTheirs) {
