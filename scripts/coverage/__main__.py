@@ -1,4 +1,4 @@
-"""Tells how much of the product the tests of the preset coverage have reached, and whether it is enough.
+"""Tells how much of the product the tests of the preset coverage reach, and whether it is enough.
 
 Lines count, and the branches of conditions: where a block goes on to more than one other. Left out
 are edges that only an exception takes, those of the code that it leads to, and those that the
@@ -21,9 +21,9 @@ BUILD = Path("build/coverage")
 # The folders that are told of together, and what is wanted of their lines and branches.
 GROUPS = (("src", ("src", "include"), 98, 95), ("rest", ("runtime", "registry", "host"), 90, 85))
 FOLDERS = tuple(folder for _, folders, _, _ in GROUPS for folder in folders)
-WITHOUT_CONDITION = re.compile(r"^\s*(delete [\w.>()-]+;|static [^?]*|[})\];]*)\s*(//.*)?$")
-
 CLOSING = re.compile(r"^\s*[})\];]*\s*(//.*)?$")
+WITHOUT_CONDITION = re.compile(
+    r"^\s*(delete [\w.>()-]+;|static (?!.*(\?|&&|\|\|)).*|[})\];]*)\s*(//.*)?$")
 
 
 class File:
@@ -79,7 +79,7 @@ def shown(percent):
 
 
 def graphs():
-    """@returns the graphs of the product; of tests those that have functions of the public headers."""
+    """@returns the graphs of the product, and those of tests with functions of public headers."""
     paths = sorted(BUILD.rglob("*.gcno"))
     return [path for path in paths if path.relative_to(BUILD).parts[0] in FOLDERS
             or b"./include/" in path.read_bytes()]

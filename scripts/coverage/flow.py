@@ -1,8 +1,8 @@
-"""How often each edge of each function was taken, from what the compiler and the program have written.
+"""How often each edge of each function was taken, from what compiler and program have written.
 
 The compiler writes the graph of blocks of each function (.gcno), the program counts the edges that
-are not part of a spanning tree (.gcda); the others follow, since what enters a block leaves it. gcov
-does the same, but does not tell for a branch whether an exception led to it; the graph does.
+are not part of a spanning tree (.gcda); the others follow, since what enters a block leaves it.
+gcov does the same, but does not tell for a branch whether an exception led to it; the graph does.
 """
 
 import os
@@ -93,7 +93,7 @@ def dumped(path):
 
 
 def read_graphs(path, folders):
-    """@returns the functions of a .gcno whose sources are in some folders, by what identifies them."""
+    """@returns the functions of a .gcno with sources in some folders, by what identifies them."""
     functions, function = {}, None
     for line in dumped(path):
         found = FUNCTION.search(line)
@@ -135,7 +135,7 @@ def lines_of(text):
 
 
 def read_counters(path):
-    """@returns the counters of a .gcda by what identifies the functions; those of zero may be missing."""
+    """@returns the counters of a .gcda by what identifies functions; zeroes may be missing."""
     counters, current = {}, None
     for line in dumped(path) if path.exists() else []:
         found = FUNCTION.search(line)
