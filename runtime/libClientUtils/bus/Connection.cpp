@@ -38,7 +38,12 @@ void Connection::start() {
 }
 
 void Connection::postStart() {
-  asio::post(*context_, [self = shared_from_this()] { self->start(); });
+  asio::post(*context_, [self = shared_from_this()] {
+    // One that is not read would stay as it is, and all who wait for an answer with it.
+    if (const auto failure = exceptionOf([&] { self->start(); })) {
+      self->end(*failure);
+    }
+  });
 }
 
 void Connection::close() {
