@@ -1,0 +1,94 @@
+#include "bench/ours/World.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "bench/ours/Libraries.h"
+#include "framework/Executable.h"
+#include "runtime/libClientUtils/LibraryDirectories.h"
+#include "runtime/libLoggingHandler/LogSettings.h"
+#include "runtime/libServiceExecutor/Drain.h"
+
+namespace zerva::bench {
+
+namespace {
+
+constexpr int kErrorsOnly = 2;
+constexpr std::chrono::seconds kLongestDrain{60};
+
+std::string numbered(const std::string& prefix, int number) {
+  const std::string digits = std::to_string(number);
+  return prefix + std::string(5 - digits.size(), '0') + digits;
+}
+
+std::string makeDirectory() {
+  std::string path = std::filesystem::temp_directory_path() / "zerva-bench-XXXXXX";
+  if (::mkdtemp(path.data()) == nullptr) throw std::runtime_error("no directory can be made");
+  return path;
+}
+
+}  // namespace
+
+World::World(WorldParts parts) : directory_(makeDirectory()) {
+  LogSettings::setDefaultLevel(kErrorsOnly);
+  LibraryDirectories::set(
+      {copiesDirectory(), buildDirectory() + "/plugins", buildDirectory() + "/lib"});
+  configurator_ = std::make_unique<ServiceConfigurator>(&channel_, &repository_, &protocols_,
+                                                        parts.dispatchers ? &messages : nullptr,
+                                                        parts.dispatchers ? &invocations : nullptr);
+  if (parts.registry) {
+    process(
+        "service_instance: MT libServiceRegistry.so createServiceRegistry /zerva/serviceregistry "
+        "ServiceRegistryIfc\n");
+  }
+}
+
+World::~World() {
+  std::error_code ignored;
+  std::filesystem::remove_all(directory_, ignored);
+}
+
+std::string World::write(const std::string& directives) {
+  std::string path = directory_ + "/services.directives";
+  std::ofstream(path) << directives;
+  return path;
+}
+
+Echo& World::find(const std::string& ifc) {
+  auto* const echo = dynamic_cast<Echo*>(configurator_->findService(ifc));
+  if (echo == nullptr) throw std::runtime_error("there is no " + ifc);
+  return *echo;
+}
+
+void World::end() {
+  configurator_->shutdown();
+  if (!drainExecutors(kLongestDrain).complete) throw std::runtime_error("the drain did not end");
+  configurator_.reset();
+}
+
+std::string interfaceName(int number) { return numbered("BenchEchoIfc", number); }
+
+std::string channelName(int number) { return numbered("/bench/echo/", number); }
+
+std::string accessLines(int services) {
+  std::string lines;
+  for (int i = 0; i < services; ++i) {
+    lines += "invoker_info: libEchoAccess.so createEchoInvoker " + interfaceName(i) +
+             " zerva_simple_rmi\nproxy_info: libEchoAccess.so createEchoProxy " + interfaceName(i) +
+             " zerva_simple_rmi\n";
+  }
+  return lines;
+}
+
+std::string serviceLine(const std::string& keyword, const std::string& library, int number) {
+  const bool legacy = keyword == "service_legacy:";
+  return keyword + " " + library + " createEcho " + (legacy ? "" : channelName(number) + " ") +
+         interfaceName(number) + "\n";
+}
+
+}  // namespace zerva::bench
