@@ -1,5 +1,7 @@
 #include "bench/harness/Bench.h"
 
+#include <cstdio>
+
 namespace zerva::bench {
 
 namespace {
@@ -48,14 +50,23 @@ Table& Bench::table(const std::string& id, const std::string& title, const std::
   return results_.table(id, title, unit, along);
 }
 
+void Bench::aim(const std::string& name, const Rounds& figure, Aim::Limit limit, double value,
+                const std::string& unit) {
+  // Said when they are measured, and not judged when they mean nothing.
+  const Aim& noted = results_.add({withWordSize(name), figure, limit, value, unit});
+  std::printf("%s\n",
+              options_.smoke ? ("not judged: " + noted.name).c_str() : noted.line().c_str());
+  std::fflush(stdout);
+}
+
 void Bench::aimAtMost(const std::string& name, const Rounds& figure, double limit,
                       const std::string& unit) {
-  results_.aim({withWordSize(name), figure, Aim::Limit::AtMost, limit, unit});
+  aim(name, figure, Aim::Limit::AtMost, limit, unit);
 }
 
 void Bench::aimAtLeast(const std::string& name, const Rounds& figure, double limit,
                        const std::string& unit) {
-  results_.aim({withWordSize(name), figure, Aim::Limit::AtLeast, limit, unit});
+  aim(name, figure, Aim::Limit::AtLeast, limit, unit);
 }
 
 }  // namespace zerva::bench

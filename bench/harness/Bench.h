@@ -61,6 +61,7 @@ class Bench {
   Table& table(const std::string& id, const std::string& title, const std::string& unit,
                const std::string& along = "");
 
+  /** Notes an aim and prints its line. */
   void aimAtMost(const std::string& name, const Rounds& figure, double limit,
                  const std::string& unit = "");
   void aimAtLeast(const std::string& name, const Rounds& figure, double limit,
@@ -69,6 +70,9 @@ class Bench {
   const Results& results() const { return results_; }
 
  private:
+  void aim(const std::string& name, const Rounds& figure, Aim::Limit limit, double value,
+           const std::string& unit);
+
   const BenchOptions options_;
   Results results_;
 };

@@ -105,10 +105,9 @@ Table& Results::table(const std::string& id, const std::string& title, const std
   return tables_.back();
 }
 
-void Results::aim(Aim aim) {
-  std::printf("%s\n", aim.line().c_str());
-  std::fflush(stdout);
+const Aim& Results::add(Aim aim) {
   aims_.push_back(std::move(aim));
+  return aims_.back();
 }
 
 void Results::writeJson(const std::string& path) const {

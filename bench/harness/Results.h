@@ -2,7 +2,6 @@
 
 #include <deque>
 #include <string>
-#include <vector>
 
 #include "bench/harness/Statistics.h"
 
@@ -61,8 +60,8 @@ class Results {
   Table& table(const std::string& id, const std::string& title, const std::string& unit,
                const std::string& along = "");
 
-  /** Notes an aim and prints its line. */
-  void aim(Aim aim);
+  /** Notes an aim. */
+  const Aim& add(Aim aim);
 
   /**
    * Writes everything down.
@@ -73,7 +72,7 @@ class Results {
 
  private:
   std::deque<Table> tables_;
-  std::vector<Aim> aims_;
+  std::deque<Aim> aims_;
 };
 
 }  // namespace zerva::bench

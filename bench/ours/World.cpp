@@ -1,14 +1,12 @@
 #include "bench/ours/World.h"
 
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
 #include "bench/ours/Libraries.h"
+#include "bench/ours/TempDirectory.h"
 #include "framework/Executable.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
@@ -26,15 +24,9 @@ std::string numbered(const std::string& prefix, int number) {
   return prefix + std::string(5 - digits.size(), '0') + digits;
 }
 
-std::string makeDirectory() {
-  std::string path = std::filesystem::temp_directory_path() / "zerva-bench-XXXXXX";
-  if (::mkdtemp(path.data()) == nullptr) throw std::runtime_error("no directory can be made");
-  return path;
-}
-
 }  // namespace
 
-World::World(WorldParts parts) : directory_(makeDirectory()) {
+World::World(WorldParts parts) : directory_(makeTempDirectory()) {
   LogSettings::setDefaultLevel(kErrorsOnly);
   LibraryDirectories::set(
       {copiesDirectory(), buildDirectory() + "/plugins", buildDirectory() + "/lib"});
