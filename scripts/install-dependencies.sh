@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian 12 machine (amd64).
 #
-# usage: scripts/install-dependencies.sh [demo|test|fuzz|model]
+# usage: scripts/install-dependencies.sh [demo|test|fuzz|model|bench|peers]
 #
 # demo: what building and running the system needs. test (the default): that, and what the tests and
 # the checks need. fuzz: that of demo, and what the fuzz targets need. model: what checking the models
-# needs. When nothing is missing, neither apt nor the network is touched.
+# needs. bench: that of demo, and what the benchmarks need. peers: that of bench, and what the system
+# is compared with. When nothing is missing, neither apt nor the network is touched.
 . "$(dirname "$0")/common.sh"
 
 readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
@@ -13,13 +14,18 @@ readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-de
 readonly test=("${demo[@]}" googletest binutils procps python3 clang-format clang-tidy)
 readonly fuzz=("${demo[@]}" googletest clang libclang-rt-14-dev)
 readonly model=(gcc spin)
+readonly bench=("${demo[@]}" googletest python3)
+readonly peers=("${bench[@]}" dbus-daemon libclass-loader-dev libpoco-dev libsystemd-dev libzmq3-dev
+  pkgconf)
 
 case "${1:-test}" in
   demo) wanted=("${demo[@]}") ;;
   test) wanted=("${test[@]}") ;;
   fuzz) wanted=("${fuzz[@]}") ;;
   model) wanted=("${model[@]}") ;;
-  *) fail "usage: scripts/install-dependencies.sh [demo|test|fuzz|model]" ;;
+  bench) wanted=("${bench[@]}") ;;
+  peers) wanted=("${peers[@]}") ;;
+  *) fail "usage: scripts/install-dependencies.sh [demo|test|fuzz|model|bench|peers]" ;;
 esac
 
 command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||

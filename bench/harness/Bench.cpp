@@ -1,6 +1,7 @@
 #include "bench/harness/Bench.h"
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace zerva::bench {
 
@@ -30,6 +31,9 @@ std::vector<Cell> Series::cells(std::size_t which) const {
 }
 
 Series Bench::run(int processors, const std::vector<Side>& sides) const {
+  if (!options_.smoke && processorsHere() < processors) {
+    throw std::runtime_error("it needs " + std::to_string(processors) + " processors");
+  }
   std::vector<std::string> names;
   names.reserve(sides.size());
   for (const Side& side : sides) names.push_back(side.name);

@@ -73,6 +73,12 @@ Figures figuresOf(const std::string& text, int status) {
 
 }  // namespace
 
+int processorsHere() {
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  return ::sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : 1;
+}
+
 void pinTo(int processors) {
   cpu_set_t allowed;
   CPU_ZERO(&allowed);
@@ -85,7 +91,6 @@ void pinTo(int processors) {
     CPU_SET(cpu, &chosen);
     --processors;
   }
-  if (processors > 0) throw std::runtime_error("there are not enough processors");
   if (::sched_setaffinity(0, sizeof chosen, &chosen) != 0) {
     throw std::runtime_error("the process cannot be pinned");
   }

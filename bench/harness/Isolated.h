@@ -18,7 +18,10 @@ using Figures = std::vector<double>;
  */
 Figures measureApart(int processors, const std::function<Figures()>& measure);
 
-/** Pins the calling thread, and those that it starts later, to that many processors. */
+/** @returns how many processors this process may use. */
+int processorsHere();
+
+/** Pins the calling thread, and those that it starts later, to that many processors at most. */
 void pinTo(int processors);
 
 /** How long a measurement may take until its process is ended. */

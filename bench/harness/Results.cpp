@@ -83,6 +83,15 @@ std::string readable(double value, const std::string& unit) {
 
 }  // namespace
 
+void Table::add(const std::string& name, const std::vector<Cell>& cells, double x) {
+  for (Row& row : rows) {
+    if (row.name != name) continue;
+    row.cells.insert(row.cells.end(), cells.begin(), cells.end());
+    return;
+  }
+  rows.push_back({name, x, cells});
+}
+
 bool Aim::met() const {
   const double measured = median(figure);
   return limit == Limit::AtMost ? measured <= value : measured >= value;

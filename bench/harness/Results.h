@@ -31,9 +31,8 @@ struct Table {
   std::string along;
   std::deque<Row> rows;
 
-  void add(const std::string& name, std::vector<Cell> cells, double x = 0) {
-    rows.push_back({name, x, std::move(cells)});
-  }
+  /** Adds cells to the row of that name, or makes it. */
+  void add(const std::string& name, const std::vector<Cell>& cells, double x = 0);
 };
 
 /** An aim and how it went. */
