@@ -1,6 +1,8 @@
 """Puts together what the benchmarks wrote down: one file, tables, charts and the document.
 
-usage: python3 -B bench/report --results FILE [--document FILE --charts DIRECTORY] JSON...
+usage: python3 -B bench/report --results FILE [--charts DIRECTORY] [--document FILE | --compare FILE] JSON...
+
+--document: fills the tables of a document in. --compare: only looks whether it has a place for each.
 """
 
 import argparse
@@ -67,6 +69,7 @@ def main():
     parser.add_argument("--results", required=True)
     parser.add_argument("--document")
     parser.add_argument("--charts")
+    parser.add_argument("--compare")
     parser.add_argument("files", nargs="+")
     options = parser.parse_args()
     files = [path for path in options.files if path != options.results]
@@ -83,8 +86,14 @@ def main():
         os.makedirs(options.charts, exist_ok=True)
         for table in joined:
             chart.draw(table, os.path.join(options.charts, table["id"] + ".svg"))
-    if options.document:
-        document.fill(options.document, results, joined)
+    try:
+        if options.document:
+            document.fill(options.document, results, joined)
+        if options.compare:
+            document.compare(options.compare, joined)
+    except document.MarksDiffer as error:
+        print(error, file=sys.stderr)
+        return 1
     return 0
 
 

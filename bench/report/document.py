@@ -29,15 +29,29 @@ def contents(results, joined):
     return by_name
 
 
+def marks(text):
+    """The names of the places that a document has for what was measured."""
+    return re.findall(re.escape(BEGIN).replace(r"\{\}", "(.*?)"), text)
+
+
+def compare(path, joined):
+    """Complains when a table has no place, or none is measured for a place that is not a peer's."""
+    with open(path, encoding="utf-8") as file:
+        places = set(marks(file.read()))
+    measured = {table["id"] for table in joined} | {"machine", "aims"}
+    different = {name for name in places ^ measured if not name.startswith("peers-")}
+    if different:
+        raise MarksDiffer(f"{path} and the results differ in {', '.join(sorted(different))}")
+
+
 def fill(path, results, joined):
     """Rewrites the document at that path."""
     with open(path, encoding="utf-8") as file:
         text = file.read()
     by_name = contents(results, joined)
-    found = re.findall(re.escape(BEGIN).replace(r"\{\}", "(.*?)"), text)
-    if sorted(found) != sorted(by_name):
-        raise MarksDiffer(f"{path} and the results differ in "
-                          f"{', '.join(sorted(set(found) ^ set(by_name)))}")
+    if sorted(marks(text)) != sorted(by_name):
+        different = ", ".join(sorted(set(marks(text)) ^ set(by_name)))
+        raise MarksDiffer(f"{path} and the results differ in {different}")
     for name, lines in by_name.items():
         begin = BEGIN.format(name)
         head, rest = text.split(begin, 1)
