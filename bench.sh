@@ -5,6 +5,9 @@
 # usage: ./bench.sh               everything; takes about a quarter of an hour on a machine of its own
 #        ./bench.sh NAME...       only these; the documents stay as they are
 #        ./bench.sh --no-peers    everything but what others do; the documents stay as they are
+#        ./bench.sh --rounds N [NAME...]
+#                             the same with another number of rounds than 7; the documents stay as
+#                             they are
 #        ./bench.sh --smoke       whether everything works, in a minute; no figure means anything
 #        ./bench.sh list          what there is to be measured
 #        ./bench.sh help          this text
@@ -61,7 +64,7 @@ measure() {
   shift 2
   for name; do ! has "$program" "$name" || wanted+=("$name"); done
   [ $# -eq 0 ] || [ ${#wanted[@]} -gt 0 ] || return 0
-  "$program" --json "$json" "${wanted[@]}" || code=1
+  "$program" "${rounds[@]}" --json "$json" "${wanted[@]}" || code=1
 }
 
 # run_all PEERS NAME...: PEERS is yes or no.
@@ -90,7 +93,14 @@ run_all() {
   fi
 }
 
+# without_documents PEERS NAME...: measures, and leaves the documents alone.
+without_documents() {
+  run_all "$@"
+  python3 -B bench/report --results "$output/results.json" "$output"/*.json
+}
+
 code=0
+rounds=()
 case "${1:-all}" in
   all)
     run_all yes
@@ -111,14 +121,13 @@ case "${1:-all}" in
   help | --help | -h)
     sed -n '2,/^\. /{s/^# \{0,1\}//;/^\. /d;p}' "$0"
     ;;
-  --no-peers)
-    run_all no "${@:2}"
-    python3 -B bench/report --results "$output/results.json" "$output"/*.json
+  --no-peers) without_documents no "${@:2}" ;;
+  --rounds)
+    [[ ${2:-} =~ ^[1-9][0-9]*$ ]] || fail "--rounds takes a number"
+    rounds=(--rounds "$2")
+    without_documents yes "${@:3}"
     ;;
   -*) fail "there is no '$1'; ./bench.sh help tells what there is" ;;
-  *)
-    run_all yes "$@"
-    python3 -B bench/report --results "$output/results.json" "$output"/*.json
-    ;;
+  *) without_documents yes "$@" ;;
 esac
 exit "$code"

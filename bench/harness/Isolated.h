@@ -25,6 +25,6 @@ int processorsHere();
 void pinTo(int processors);
 
 /** How long a measurement may take until its process is ended. */
-constexpr unsigned kLongestSeconds = 300;
+constexpr unsigned kLongestSeconds = 100;
 
 }  // namespace zerva::bench

@@ -27,8 +27,14 @@ enum LifeFigure : std::size_t {
   kCall        // microseconds a call of 64 bytes
 };
 
+/** @returns the directives of the services. */
+std::string linesOf(const LifePlan& plan);
+
 /** Brings services up by directives, and takes them down, as a host does. */
 Figures ourLife(const LifePlan& plan);
+
+/** The same with all that `zerva run` adds: what it observes, logs and tells. Nothing is used. */
+Figures hostLife(const LifePlan& plan);
 
 /** The same with what the system alone offers. */
 Figures bareLife(const LifePlan& plan);

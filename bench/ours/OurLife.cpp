@@ -15,14 +15,6 @@ namespace {
 constexpr int kCalls = 5000;
 constexpr std::size_t kPayload = 64;
 
-std::string linesOf(const LifePlan& plan) {
-  std::string lines;
-  for (int i = 0; i < plan.services; ++i) {
-    lines += serviceLine(plan.keyword, copyName(i % plan.libraries), i);
-  }
-  return lines;
-}
-
 /** Looks everything up twice, calls one, and notes how long that takes. */
 void use(World& world, const LifePlan& plan, Figures& figures) {
   const double count = plan.services;
@@ -52,15 +44,23 @@ void expectThreads(const LifePlan& plan) {
 
 }  // namespace
 
+std::string linesOf(const LifePlan& plan) {
+  std::string lines;
+  for (int i = 0; i < plan.services; ++i) {
+    lines += serviceLine(plan.keyword, copyName(i % plan.libraries), i);
+  }
+  return lines;
+}
+
 Figures ourLife(const LifePlan& plan) {
   Figures figures(kCall + 1);
   World world;
   if (plan.used) world.process(accessLines(plan.services));
-  const std::string file = world.write(linesOf(plan));
+  const DirectiveFile file(linesOf(plan));
   const std::size_t before = residentBytes();
 
   const Stopwatch up;
-  world.processFile(file);
+  world.process(file);
   figures[kBringUp] = up.microseconds() / plan.services;
   expectThreads(plan);
   figures[kResident] =

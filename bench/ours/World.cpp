@@ -26,29 +26,28 @@ std::string numbered(const std::string& prefix, int number) {
 
 }  // namespace
 
-World::World(WorldParts parts) : directory_(makeTempDirectory()) {
-  LogSettings::setDefaultLevel(kErrorsOnly);
-  LibraryDirectories::set(
-      {copiesDirectory(), buildDirectory() + "/plugins", buildDirectory() + "/lib"});
-  configurator_ = std::make_unique<ServiceConfigurator>(&channel_, &repository_, &protocols_,
-                                                        parts.dispatchers ? &messages : nullptr,
-                                                        parts.dispatchers ? &invocations : nullptr);
-  if (parts.registry) {
-    process(
-        "service_instance: MT libServiceRegistry.so createServiceRegistry /zerva/serviceregistry "
-        "ServiceRegistryIfc\n");
-  }
+DirectiveFile::DirectiveFile(const std::string& directives) : directory_(makeTempDirectory()) {
+  std::ofstream(path()) << directives;
 }
 
-World::~World() {
+DirectiveFile::~DirectiveFile() {
   std::error_code ignored;
   std::filesystem::remove_all(directory_, ignored);
 }
 
-std::string World::write(const std::string& directives) {
-  std::string path = directory_ + "/services.directives";
-  std::ofstream(path) << directives;
-  return path;
+std::string DirectiveFile::path() const { return directory_ + "/services.directives"; }
+
+PlatformSettings::PlatformSettings() {
+  LogSettings::setDefaultLevel(kErrorsOnly);
+  LibraryDirectories::set(
+      {copiesDirectory(), buildDirectory() + "/plugins", buildDirectory() + "/lib"});
+}
+
+World::World(WorldParts parts)
+    : configurator_(std::make_unique<ServiceConfigurator>(
+          &channel_, &repository_, &protocols_, parts.dispatchers ? &messages : nullptr,
+          parts.dispatchers ? &invocations : nullptr)) {
+  if (parts.registry) process(registryLine());
 }
 
 Echo& World::find(const std::string& ifc) {
@@ -61,6 +60,11 @@ void World::end() {
   configurator_->shutdown();
   if (!drainExecutors(kLongestDrain).complete) throw std::runtime_error("the drain did not end");
   configurator_.reset();
+}
+
+std::string registryLine() {
+  return "service_instance: MT libServiceRegistry.so createServiceRegistry "
+         "/zerva/serviceregistry ServiceRegistryIfc\n";
 }
 
 std::string interfaceName(int number) { return numbered("BenchEchoIfc", number); }

@@ -13,6 +13,25 @@
 
 namespace zerva::bench {
 
+/** A file of directives that goes when the object does. */
+class DirectiveFile {
+ public:
+  explicit DirectiveFile(const std::string& directives);
+  ~DirectiveFile();
+  DirectiveFile(const DirectiveFile&) = delete;
+  DirectiveFile& operator=(const DirectiveFile&) = delete;
+
+  std::string path() const;
+
+ private:
+  const std::string directory_;
+};
+
+/** Sets the platform up: errors only in the log, and where the libraries are. */
+struct PlatformSettings {
+  PlatformSettings();
+};
+
 /** What a configurator of a benchmark is given. */
 struct WorldParts {
   /** Whether there is a registry in this process; else it is found in another. */
@@ -28,16 +47,12 @@ struct WorldParts {
 class World {
  public:
   explicit World(WorldParts parts = {});
-  ~World();
   World(const World&) = delete;
   World& operator=(const World&) = delete;
 
-  /** @returns the path of a file with these lines. */
-  std::string write(const std::string& directives);
-
   /** Does what directives say. */
-  void process(const std::string& directives) { processFile(write(directives)); }
-  void processFile(const std::string& file) { configurator_->processDirectives(file); }
+  void process(const DirectiveFile& file) { configurator_->processDirectives(file.path()); }
+  void process(const std::string& directives) { process(DirectiveFile(directives)); }
 
   SvcRTEContext& context() { return *configurator_; }
   CommsChannel& channel() { return channel_; }
@@ -53,12 +68,15 @@ class World {
   InvokeInterceptorDispatcher invocations;
 
  private:
-  const std::string directory_;
+  const PlatformSettings settings_;
   ServiceRepository repository_;
   ProtocolRepository protocols_;
   CommsChannel channel_{"/bench/host", nullptr};
   std::unique_ptr<ServiceConfigurator> configurator_;
 };
+
+/** @returns the line of the registry. */
+std::string registryLine();
 
 /** @returns the name of the interface of a service, by its number. */
 std::string interfaceName(int number);

@@ -11,11 +11,12 @@ constexpr double kTearDownLimit = 1.2;
 constexpr double kLazyLimit = 1.3;
 constexpr double kLegacyLimit = 1.1;
 
-/** The same services by us and by hand. */
+/** The same services by us, by hand, and by the program. */
 Series lives(const Bench& bench, const LifePlan& plan) {
   makeCopies(plan.libraries);
   return bench.run(1, {{"ours", [plan] { return ourLife(plan); }},
-                       {"floor", [plan] { return bareLife(plan); }}});
+                       {"floor", [plan] { return bareLife(plan); }},
+                       {"ours, by zerva run", [plan] { return hostLife(plan); }}});
 }
 
 Table& bringUpTable(Bench& bench) {

@@ -28,9 +28,9 @@ std::string linesWithoutEffect(int count) {
 /** @returns lines a second. */
 Figures process(const std::string& lines, int count) {
   World world({.registry = false});
-  const std::string file = world.write(lines);
+  const DirectiveFile file(lines);
   const Stopwatch watch;
-  world.processFile(file);
+  world.process(file);
   return {count / watch.microseconds() * 1e6};
 }
 
