@@ -7,7 +7,7 @@ from xml.sax.saxutils import escape
 import tables
 
 COLOURS = ["#1b6ca8", "#e07b39", "#4a9c5d", "#8e5ea2", "#7f7f7f", "#c94f6d"]
-FLOOR = "#9aa5b1"
+FLOORS = ["#9aa5b1", "#5f6b7a", "#c9ced4"]
 FONT = 'font-family="sans-serif"'
 PANEL = 420
 LEFT = 20
@@ -52,18 +52,17 @@ def sides_of(table):
 
 def colours_of(table):
     """What we do in colours, what it is compared with in grey shades."""
-    colours, next_colour = {}, 0
+    colours = {}
+    left = {True: list(FLOORS), False: list(COLOURS)}
     for name in sides_of(table):
-        if name.startswith("floor") and FLOOR not in colours.values():
-            colours[name] = FLOOR
-        else:
-            colours[name] = COLOURS[next_colour % len(COLOURS)]
-            next_colour += 1
+        shades = left[name.startswith("floor")]
+        colours[name] = shades[0]
+        shades.append(shades.pop(0))
     return colours
 
 
 def ticks(low, high):
-    """Round numbers between two, each ten times the one before, or evenly."""
+    """Round numbers between two, each ten times the one before."""
     return [10.0 ** power for power in range(math.floor(math.log10(low)),
                                              math.ceil(math.log10(high)) + 1)]
 
@@ -133,7 +132,7 @@ def line_panel(drawing, table, bits, colours, x, y, scale):
     for tick in ticks(y_low, y_high):
         at = bottom - place(tick, y_low, y_high, height)
         drawing.line(x + 45, at, x + 45 + width, at)
-        drawing.text(x + 40, at + 4, f"{tick:g}", 10, "end")
+        drawing.text(x + 40, at + 4, f"{tick:,.10g}", 10, "end")
     for row in table["rows"].values():
         at = x + 45 + place(row["x"], x_low, x_high, width)
         drawing.line(at, bottom, at, bottom + 4, "#888")
