@@ -45,7 +45,7 @@ void add(Bench& bench, bool used, const std::string& libraries, const Series& se
     std::vector<Cell> cells{{"ours, " + libraries, series.figure(0, grown.figure)}};
     if (grown.hasFloor) cells.push_back({"floor, " + libraries, series.figure(1, grown.figure)});
     bench.table(grown.id, grown.title, grown.unit, "services")
-        .add(std::to_string(services), std::move(cells), services);
+        .add(std::to_string(services), cells, services);
   }
 }
 
