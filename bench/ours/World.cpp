@@ -9,6 +9,7 @@
 #include "bench/ours/TempDirectory.h"
 #include "framework/Executable.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
+#include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 #include "runtime/libServiceExecutor/Drain.h"
 
@@ -18,6 +19,8 @@ namespace {
 
 constexpr int kErrorsOnly = 2;
 constexpr std::chrono::seconds kLongestDrain{60};
+// Longer than a busy machine lets a process stand still.
+constexpr std::chrono::seconds kLongestCall{60};
 
 std::string numbered(const std::string& prefix, int number) {
   const std::string digits = std::to_string(number);
@@ -38,6 +41,7 @@ DirectiveFile::~DirectiveFile() {
 std::string DirectiveFile::path() const { return directory_ + "/services.directives"; }
 
 PlatformSettings::PlatformSettings() {
+  setReplyTimeout(kLongestCall);
   LogSettings::setDefaultLevel(kErrorsOnly);
   LibraryDirectories::set(
       {copiesDirectory(), buildDirectory() + "/plugins", buildDirectory() + "/lib"});
