@@ -1,29 +1,79 @@
 #include "runtime/libClientUtils/Parker.h"
 
+#include <algorithm>
+
+#include "runtime/libClientUtils/Futex.h"
+#include "runtime/libClientUtils/Processors.h"
+
 namespace zerva {
+namespace {
+
+// About what it takes to put a thread to sleep and to wake it on another processor.
+constexpr std::chrono::microseconds kSpinTime{30};
+
+// A look at the clock takes as long as some of these.
+constexpr int kLooksBetweenClocks = 32;
+
+// After looking in vain it is left out once, then three times, seven, and so on up to this.
+constexpr unsigned kMostLeftOut = 127;
+
+}  // namespace
 
 const std::shared_ptr<Parker>& Parker::ofThisThread() {
   thread_local const std::shared_ptr<Parker> parker = std::make_shared<Parker>();
   return parker;
 }
 
-bool Parker::park(Clock::time_point deadline) {
-  std::unique_lock lock(mutex_);
-  const bool unparked = changed_.wait_until(lock, deadline, [this] { return unparked_; });
-  unparked_ = false;
-  return unparked;
-}
+bool Parker::park(Clock::time_point deadline) { return takeToken() || spin() || sleep(&deadline); }
 
 void Parker::park() {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return unparked_; });
-  unparked_ = false;
+  if (!takeToken() && !spin()) sleep(nullptr);
 }
 
 void Parker::unpark() {
-  const std::lock_guard lock(mutex_);
-  unparked_ = true;
-  changed_.notify_one();
+  // Nothing is touched after the exchange but the address, which wakes nobody wrongly: a thread
+  // that wakes without a reason sleeps again.
+  if (state_.exchange(kUnparked, std::memory_order_acq_rel) == kSleeping) wakeOne(state_);
+}
+
+bool Parker::takeToken() {
+  std::uint32_t unparked = kUnparked;
+  return state_.load(std::memory_order_relaxed) == kUnparked &&
+         state_.compare_exchange_strong(unparked, kAwake, std::memory_order_acquire);
+}
+
+/** Looks whether somebody unparks the thread soon. @returns whether somebody did. */
+bool Parker::spin() {
+  if (leftOut_ > 0) {
+    --leftOut_;
+    return false;
+  }
+  if (mayUseSeveralProcessors()) {
+    const Clock::time_point end = Clock::now() + kSpinTime;
+    do {
+      for (int looks = kLooksBetweenClocks; looks > 0; --looks) {
+        if (takeToken()) {
+          inVain_ = 0;
+          return true;
+        }
+        pauseProcessor();
+      }
+    } while (Clock::now() < end);
+  }
+  inVain_ = std::min(2 * inVain_ + 1, kMostLeftOut);
+  leftOut_ = inVain_;
+  return false;
+}
+
+/** @returns whether the thread was unparked; false when the deadline came first. */
+bool Parker::sleep(const Clock::time_point* deadline) {
+  std::uint32_t awake = kAwake;
+  state_.compare_exchange_strong(awake, kSleeping, std::memory_order_relaxed);
+  bool inTime = true;
+  while (inTime && state_.load(std::memory_order_relaxed) == kSleeping) {
+    inTime = sleepWhile(state_, kSleeping, deadline);
+  }
+  return state_.exchange(kAwake, std::memory_order_acquire) == kUnparked;
 }
 
 }  // namespace zerva

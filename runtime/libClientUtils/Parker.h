@@ -1,9 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
+#include <cstdint>
 #include <memory>
-#include <mutex>
 
 #include "framework/Export.h"
 
@@ -15,6 +15,10 @@ using Clock = std::chrono::steady_clock;
  * The one place where a thread of the platform waits. Whatever may end a wait - a reply, a request
  * of the thread's own chain, closing, shutdown - unparks it; the thread then looks for itself what
  * has changed.
+ *
+ * A thread that was unparked soon the last times looks for the next one for some microseconds
+ * before it sleeps, if there is another processor for whoever unparks it: waking a thread that
+ * sleeps takes longer than many a call.
  */
 class ZERVA_EXPORT Parker {
  public:
@@ -22,7 +26,7 @@ class ZERVA_EXPORT Parker {
   static const std::shared_ptr<Parker>& ofThisThread();
 
   /**
-   * Waits until somebody unparks the thread, which may have happened before.
+   * Waits until somebody unparks the thread, which may have happened before. The thread's own.
    *
    * @returns false when the deadline came first.
    */
@@ -31,13 +35,22 @@ class ZERVA_EXPORT Parker {
   /** As above, without deadline. */
   void park();
 
-  /** Ends the present or the next `park`. Any thread. */
+  /** Ends the present or the next `park`. Any thread; does not block. */
   void unpark();
 
  private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool unparked_ = false;  // guarded by mutex_
+  bool takeToken();
+  bool spin();
+  bool sleep(const Clock::time_point* deadline);
+
+  /** What `state_` may be. */
+  enum State : std::uint32_t { kAwake, kUnparked, kSleeping };
+  std::atomic<std::uint32_t> state_{kAwake};
+
+  // Of the thread that parks: how often looking was in vain since it last was not, and how many
+  // times it is left out yet.
+  unsigned inVain_ = 0;
+  unsigned leftOut_ = 0;
 };
 
 }  // namespace zerva

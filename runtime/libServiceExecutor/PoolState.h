@@ -8,9 +8,11 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <vector>
 
 #include "framework/ServiceThreadPool.h"
 #include "framework/Threadable.h"
+#include "runtime/libClientUtils/Parker.h"
 #include "runtime/libClientUtils/ServingThread.h"
 
 /**
@@ -57,19 +59,22 @@ struct ServiceThreadPool::State final : public zerva::RunningPlace {
   void work(Worker& worker);
   bool mayStart() const { return !tasks_.empty() && running_ < size_; }
   bool tooMany() const { return workers_.size() - waiting_ > size_; }
-  bool needsThread() const { return mayStart() && tasks_.size() > idle_ + starting_; }
+  bool needsThread() const { return mayStart() && tasks_.size() > looking_ + starting_; }
+  std::shared_ptr<zerva::Parker> takeSleeper();
+  void wakeAll();
   bool addThread(std::unique_lock<std::mutex>& lock);
 
   const unsigned size_;
 
   std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable workerEnded_;
   // Guarded by mutex_.
+  std::vector<std::shared_ptr<zerva::Parker>> sleepers_;  // of those that look for a task
   std::deque<Task> tasks_;
   std::uint64_t lastTask_ = 0;
   Workers workers_;
   Workers ended_;
-  std::size_t idle_ = 0;      // threads that look for a task
+  std::size_t looking_ = 0;   // threads that look for a task
   std::size_t starting_ = 0;  // threads that were made and do not look yet
   std::size_t running_ = 0;   // tasks that run and do not wait
   std::size_t waiting_ = 0;   // tasks that wait

@@ -21,9 +21,7 @@ class ServiceThreadPool::State::Running {
   ~Running() {
     lock_.lock();
     --pool_.running_;
-    if (pool_.mayStart()) {
-      pool_.changed_.notify_one();
-    }
+    // This thread looks for a task next; others are for those that come in the meantime.
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
@@ -50,7 +48,8 @@ class ServiceThreadPool::State::Leaving {
     const auto self = std::find_if(pool_.workers_.begin(), pool_.workers_.end(),
                                    [this](const auto& known) { return known.get() == &worker_; });
     pool_.ended_.splice(pool_.ended_.end(), pool_.workers_, self);
-    pool_.changed_.notify_all();
+    pool_.wakeAll();
+    pool_.workerEnded_.notify_all();
   }
   Leaving(const Leaving&) = delete;
   Leaving& operator=(const Leaving&) = delete;
@@ -110,7 +109,11 @@ bool ServiceThreadPool::State::execute(std::function<void()> task) {
   const std::uint64_t number = ++lastTask_;
   tasks_.push_back({number, std::move(task)});
   if (!needsThread()) {
-    changed_.notify_one();
+    const std::shared_ptr<zerva::Parker> sleeper = takeSleeper();
+    lock.unlock();
+    if (sleeper != nullptr) {
+      sleeper->unpark();
+    }
     return true;
   }
   // Without a new thread the task starts when one of those that look for tasks is free. Threads
@@ -135,8 +138,9 @@ void ServiceThreadPool::State::leave() {
   ++waiting_;
   if (needsThread()) {
     addThread(lock);
-  } else {
-    changed_.notify_one();
+  } else if (const auto sleeper = mayStart() ? takeSleeper() : nullptr; sleeper != nullptr) {
+    lock.unlock();
+    sleeper->unpark();
   }
 }
 
@@ -167,20 +171,43 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
   if (!started) {
     --starting_;
     workers_.erase(added);
-    changed_.notify_all();
+    wakeAll();
+    workerEnded_.notify_all();
   }
   return started;
+}
+
+/** @returns who slept last of those that look for a task, whose memory is the warmest; or null. */
+std::shared_ptr<zerva::Parker> ServiceThreadPool::State::takeSleeper() {
+  if (sleepers_.empty()) return nullptr;
+  const std::shared_ptr<zerva::Parker> last = std::move(sleepers_.back());
+  sleepers_.pop_back();
+  return last;
+}
+
+void ServiceThreadPool::State::wakeAll() {
+  for (const auto& sleeper : sleepers_) {
+    sleeper->unpark();
+  }
 }
 
 void ServiceThreadPool::State::work(Worker& worker) {
   zerva::servingThread().place = this;
   const Leaving leaving(*this, worker);
+  const std::shared_ptr<zerva::Parker>& parker = zerva::Parker::ofThisThread();
   std::unique_lock lock(mutex_);
   --starting_;
   for (;;) {
-    ++idle_;
-    changed_.wait(lock, [this] { return mayStart() || ending_ || tooMany(); });
-    --idle_;
+    ++looking_;
+    while (!mayStart() && !ending_ && !tooMany()) {
+      sleepers_.push_back(parker);
+      lock.unlock();
+      parker->park();
+      lock.lock();
+      // It is there no more when a sleeper was wanted.
+      sleepers_.erase(std::remove(sleepers_.begin(), sleepers_.end(), parker), sleepers_.end());
+    }
+    --looking_;
     if (!mayStart()) {
       return;
     }
@@ -194,8 +221,8 @@ void ServiceThreadPool::State::work(Worker& worker) {
 void ServiceThreadPool::State::end() {
   std::unique_lock lock(mutex_);
   ending_ = true;
-  changed_.notify_all();
-  changed_.wait(lock, [this] { return workers_.empty(); });
+  wakeAll();
+  workerEnded_.wait(lock, [this] { return workers_.empty(); });
   Workers ended;
   ended.swap(ended_);
   lock.unlock();
