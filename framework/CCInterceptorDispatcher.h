@@ -34,6 +34,9 @@ class ZERVA_EXPORT CCInterceptorDispatcher {
   /** A channel reports that a message reached its receiver. */
   virtual void dispatchReceived(const InterceptedMessage& message);
 
+  /** @returns whether there are any, so that a channel need not put together what nobody sees. */
+  virtual bool hasInterceptors() const;
+
  private:
   struct State;
   std::unique_ptr<State> state_;

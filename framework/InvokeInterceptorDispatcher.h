@@ -31,6 +31,9 @@ class ZERVA_EXPORT InvokeInterceptorDispatcher {
   /** An executor reports an invocation. */
   virtual void dispatch(const Invocation& invocation);
 
+  /** @returns whether there are any, so that an executor need not put together what nobody sees. */
+  virtual bool hasInterceptors() const;
+
  private:
   struct State;
   std::unique_ptr<State> state_;

@@ -28,13 +28,15 @@ const std::string& CommsChannel::getName() const { return state_->mailbox->name(
 
 bool CommsChannel::send(CommsChannelDataContainerMessage& message) {
   auto& sent = message.state();
-  sent.error = state_->mailbox->send(sent.channel, sent.call, sent.data,
+  sent.error = state_->mailbox->send(sent.channel, sent.callee, sent.data,
                                      static_cast<std::uint32_t>(sent.requestId));
   return sent.error.empty();
 }
 
 bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
-  return state_->mailbox->send(channel, {}, std::make_shared<const std::string>(data), 0).empty();
+  return state_->mailbox
+      ->send(zerva::sharedName(channel), {}, std::make_shared<const std::string>(data), 0)
+      .empty();
 }
 
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {

@@ -14,10 +14,12 @@ CommsChannelDataContainerMessage& CommsChannelDataContainerMessage::operator=(
     CommsChannelDataContainerMessage&& other) noexcept = default;
 
 void CommsChannelDataContainerMessage::setChannel(const std::string& channel) {
-  state_->channel = channel;
+  state_->channel = zerva::sharedName(channel);
 }
 
-const std::string& CommsChannelDataContainerMessage::getChannel() const { return state_->channel; }
+const std::string& CommsChannelDataContainerMessage::getChannel() const {
+  return zerva::textOf(state_->channel);
+}
 
 void CommsChannelDataContainerMessage::setData(const std::string& data) {
   state_->data = std::make_shared<const std::string>(data);

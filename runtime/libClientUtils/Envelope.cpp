@@ -31,6 +31,11 @@ ReplyTicket& ReplyTicket::operator=(ReplyTicket&& other) noexcept {
   return *this;
 }
 
+const std::string& textOf(const SharedName& name) {
+  static const auto* const none = new std::string;  // never destroyed
+  return name != nullptr ? *name : *none;
+}
+
 void ReplyTicket::answer(Payload data) { send(std::move(data), {}); }
 
 void ReplyTicket::fail(const std::string& error) { send(nullptr, error); }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/CallChain.h"
@@ -14,11 +15,24 @@ namespace zerva {
 /** The bytes of a message; shared, so that they are not copied on their way. */
 using Payload = std::shared_ptr<const std::string>;
 
-/** What a call is made to. Both are empty on a message that is no call of an interface method. */
+/** A name that many messages carry. */
+using SharedName = std::shared_ptr<const std::string>;
+
+inline SharedName sharedName(std::string_view name) {
+  return std::make_shared<const std::string>(name);
+}
+
+/** @returns the name; empty when there is none. Any thread, also while the process ends. */
+ZERVA_EXPORT const std::string& textOf(const SharedName& name);
+
+/** What a call is made to. */
 struct CalledIn {
   std::string interface;
   std::string protocol;
 };
+
+/** Shared by all calls of a proxy; null on a message that is no call of an interface method. */
+using Callee = std::shared_ptr<const CalledIn>;
 
 /** Takes the replies to requests that were sent: the channel that asked. */
 class ZERVA_EXPORT ReplyReceiver {
@@ -86,11 +100,17 @@ class ZERVA_EXPORT Expiry {
 
 /** A message on its way. */
 struct Envelope {
-  /** Name of the channel that sent it. */
-  std::string from;
+  /** @returns the name of the channel that sent it; empty when no channel did. */
+  const std::string& from() const { return textOf(sender); }
+
+  /** @returns the name of the channel that it is for. */
+  const std::string& to() const { return textOf(receiver); }
+
+  /** Name of the channel that sent it; null when no channel did. */
+  SharedName sender;
   /** Name of the channel that it is for. */
-  std::string to;
-  CalledIn call;
+  SharedName receiver;
+  Callee callee;
   Payload data;
   CallChain chain;
   ReplyTicket ticket;

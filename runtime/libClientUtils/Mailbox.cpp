@@ -60,8 +60,8 @@ class Mailbox::Forgetting {
   const std::uint32_t requestId_;
 };
 
-Mailbox::Mailbox(std::string name, CCInterceptorDispatcher* dispatcher)
-    : name_(std::move(name)), number_(newNumber()), dispatcher_(dispatcher) {}
+Mailbox::Mailbox(const std::string& name, CCInterceptorDispatcher* dispatcher)
+    : name_(sharedName(name)), number_(newNumber()), dispatcher_(dispatcher) {}
 
 Mailbox::~Mailbox() = default;
 
@@ -85,27 +85,30 @@ void Mailbox::serveWith(std::shared_ptr<RequestReceiver> receiver) {
     receiver_ = std::move(receiver);
     served_.store(true, std::memory_order_release);
   }
-  ChannelDirectory::instance().servedMayHaveChanged(name_);
+  ChannelDirectory::instance().servedMayHaveChanged(name());
 }
+
+/** @returns whether an interceptor is to be told of what the channel does. */
+bool Mailbox::isSeen() const { return dispatcher_ != nullptr && dispatcher_->hasInterceptors(); }
 
 std::shared_ptr<RequestReceiver> Mailbox::receiver() const {
   const std::lock_guard lock(mutex_);
   return receiver_;
 }
 
-std::string Mailbox::send(const std::string& to, const CalledIn& call, Payload data,
+std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
   if (requestId != 0) {
     if (std::string error = expect(requestId, to); !error.empty()) {
       return error;
     }
   } else if (const std::lock_guard lock(mutex_); closed_) {
-    return "channel '" + name_ + "' is closed";
+    return "channel '" + name() + "' is closed";
   }
-  const CallChain& served = servingThread().chain;
+  const CallChain& served = servingThread().chain();
   Envelope envelope{name_,
                     to,
-                    call,
+                    callee,
                     std::move(data),
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
                     {},
@@ -113,10 +116,11 @@ std::string Mailbox::send(const std::string& to, const CalledIn& call, Payload d
                     {}};
   if (envelope.chain.length() > kMaximumChainLength) {
     return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
-                                  " requests wait for one another before channel '" + to + "'");
+                                  " requests wait for one another before channel '" + textOf(to) +
+                                  "'");
   }
-  if (dispatcher_ != nullptr) {
-    dispatcher_->dispatchSent({name_, to, sizeOf(envelope.data), requestId, false, {}});
+  if (isSeen()) {
+    dispatcher_->dispatchSent({name(), textOf(to), sizeOf(envelope.data), requestId, false, {}});
   }
   return endWith(requestId, deliverTo(envelope, requestId));
 }
@@ -124,7 +128,7 @@ std::string Mailbox::send(const std::string& to, const CalledIn& call, Payload d
 /** @returns why nobody takes the message; empty when somebody did. */
 std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
   // One that closes at this moment is not found again; a younger one of the name may be.
-  while (const auto destination = ChannelDirectory::instance().find(envelope.to)) {
+  while (const auto destination = ChannelDirectory::instance().find(envelope.to())) {
     if (requestId != 0) {
       envelope.ticket = ReplyTicket(weak_from_this(), requestId);
       envelope.ticket.answerAs(aimAt(requestId, destination));
@@ -137,7 +141,7 @@ std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
       return envelope.refusal;
     }
   }
-  return "nobody serves channel '" + envelope.to + "'";
+  return "nobody serves channel '" + envelope.to() + "'";
 }
 
 bool Mailbox::deliver(Envelope& envelope) {
@@ -149,9 +153,9 @@ bool Mailbox::deliver(Envelope& envelope) {
   const Delivery delivery(*this);
   lock.unlock();
   // Told before the request is handed over, so that it is seen before its reply.
-  if (dispatcher_ != nullptr && envelope.expiry == nullptr) {
+  if (envelope.expiry == nullptr && isSeen()) {
     dispatcher_->dispatchReceived(
-        {envelope.from, name_, sizeOf(envelope.data), envelope.ticket.requestId(), false, {}});
+        {envelope.from(), name(), sizeOf(envelope.data), envelope.ticket.requestId(), false, {}});
   }
   return taker->receive(envelope);
 }
@@ -167,9 +171,9 @@ void Mailbox::answer(Envelope& request, Payload data, const std::string& error) 
   if (request.ticket.requestId() == 0) {
     return;
   }
-  if (dispatcher_ != nullptr) {
+  if (isSeen()) {
     dispatcher_->dispatchSent(
-        {name_, request.from, sizeOf(data), request.ticket.requestId(), true, error});
+        {name(), request.from(), sizeOf(data), request.ticket.requestId(), true, error});
   }
   if (error.empty()) {
     request.ticket.answer(std::move(data));
@@ -180,25 +184,25 @@ void Mailbox::answer(Envelope& request, Payload data, const std::string& error) 
 
 void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                            const std::string& error) {
-  std::unique_lock lock(mutex_);
-  Outstanding* request = awaited(requestId, answerer);
-  if (request == nullptr) {
-    return;
-  }
-  const Delivery delivery(*this);
-  if (dispatcher_ != nullptr) {
+  if (isSeen()) {
+    std::unique_lock lock(mutex_);
+    if (awaited(requestId, answerer) == nullptr) {
+      return;
+    }
+    const Delivery delivery(*this);
     lock.unlock();
     tellReceived(requestId, sizeOf(data), error);
-    lock.lock();
-    request = awaited(requestId, answerer);  // it may have been given up meanwhile
   }
   std::shared_ptr<Parker> waiter;
-  if (request != nullptr) {
-    request->outcome = {std::move(data), error};
-    request->ended = true;
+  {
+    const std::lock_guard lock(mutex_);
+    Outstanding* const request = awaited(requestId, answerer);
+    if (request == nullptr) {
+      return;
+    }
+    request->end({std::move(data), error});
     waiter = request->waiter;
   }
-  lock.unlock();
   if (waiter != nullptr) {
     waiter->unpark();
   }
@@ -212,13 +216,13 @@ void Mailbox::tellReceived(std::uint32_t requestId, std::size_t size, const std:
   const auto failure = exceptionOf([&] {
     std::unique_lock lock(mutex_);
     const auto found = outstanding_.find(requestId);
-    const std::string from = found != outstanding_.end() ? found->second.to : std::string();
+    const std::string from = found != outstanding_.end() ? textOf(found->second.to) : std::string();
     lock.unlock();
-    dispatcher_->dispatchReceived({from, name_, size, requestId, true, error});
+    dispatcher_->dispatchReceived({from, name(), size, requestId, true, error});
   });
   if (failure) {
     logAppUni("Channels", "runtime/libClientUtils", 2, __LINE__,
-              "a reply to channel '%s' was not told to the interceptors: %s", name_.c_str(),
+              "a reply to channel '%s' was not told to the interceptors: %s", name().c_str(),
               failure->c_str());
   }
 }
@@ -235,54 +239,60 @@ Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t an
 }
 
 Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
-  Outstanding request;
-  if (std::string error = startWaiting(requestId, request); !error.empty()) {
+  std::string error;
+  std::shared_ptr<Destination> asked;
+  Outstanding* const request = startWaiting(requestId, asked, error);
+  if (request == nullptr) {
     return {nullptr, std::move(error)};
   }
   const Forgetting forgetting(*this, requestId);
-  Outcome outcome;
-  if (takeEnded(requestId, outcome)) {
-    return outcome;
+  if (!request->ended && asked != nullptr && asked->waitsForCaller()) {
+    error = "channel '" + textOf(request->to) +
+            "' answers only after the waiting thread has started it";
+  } else if (!request->ended) {
+    asked.reset();
+    error = waitFor(*request);
   }
-  if (const auto asked = request.asked.lock(); asked != nullptr && asked->waitsForCaller()) {
-    return {nullptr,
-            "channel '" + request.to + "' answers only after the waiting thread has started it"};
-  }
-  ServingThread& thread = servingThread();
-  const WaitingScope waiting;
-  bool inTime = true;
-  for (;;) {
-    if (takeEnded(requestId, outcome)) {
-      return outcome;
-    }
-    if (thread.serving != nullptr && thread.serving->isShutDown()) {
-      return {nullptr, "the service that waits for channel '" + request.to + "' was shut down"};
-    }
-    if (!inTime) {
-      return {nullptr, "channel '" + request.to + "' did not answer in time"};
-    }
-    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain)) {
-      inTime = request.waiter->park(request.deadline);
-    }
-  }
+  // One that ended at the last moment has ended.
+  return request->ended ? std::move(request->outcome) : Outcome{nullptr, std::move(error)};
 }
 
-std::string Mailbox::expect(std::uint32_t requestId, const std::string& to) {
+/** Waits until a request has ended. @returns why nobody waits any longer when it has not. */
+std::string Mailbox::waitFor(const Outstanding& request) {
+  ServingThread& thread = servingThread();
+  Parker& parker = *request.waiter;
+  const WaitingScope waiting;
+  bool inTime = true;
+  while (!request.ended) {
+    if (thread.serving != nullptr && thread.serving->isShutDown()) {
+      return "the service that waits for channel '" + textOf(request.to) + "' was shut down";
+    }
+    if (!inTime) {
+      return "channel '" + textOf(request.to) + "' did not answer in time";
+    }
+    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
+      inTime = parker.park(request.deadline);
+    }
+  }
+  return {};
+}
+
+std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to) {
   const auto now = Clock::now();
   const std::lock_guard lock(mutex_);
   if (closed_) {
-    return "channel '" + name_ + "' is closed";
+    return "channel '" + name() + "' is closed";
   }
   if (outstanding_.size() >= kManyOutstanding) {
     dropForgotten(now);
   }
-  Outstanding request;
-  request.to = to;
-  request.deadline = now + replyTimeout();
-  if (!outstanding_.emplace(requestId, std::move(request)).second) {
-    return "request " + std::to_string(requestId) + " of channel '" + name_ +
+  const auto [place, isNew] = outstanding_.try_emplace(requestId);
+  if (!isNew) {
+    return "request " + std::to_string(requestId) + " of channel '" + name() +
            "' is outstanding already";
   }
+  place->second.deadline = now + replyTimeout();
+  place->second.to = to;
   return {};
 }
 
@@ -311,36 +321,36 @@ std::string Mailbox::endWith(std::uint32_t requestId, const std::string& error) 
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (requestId != 0 && found != outstanding_.end() && !found->second.ended) {
-    found->second.ended = true;
-    found->second.outcome.error = error;
+    found->second.end({nullptr, error});
   }
   return error;
 }
 
-std::string Mailbox::startWaiting(std::uint32_t requestId, Outstanding& copy) {
+/**
+ * @returns the request, which stays where it is until the calling thread forgets it; null when it
+ *     cannot be waited for.
+ * @param asked gets who was asked.
+ * @param error gets why it cannot be waited for.
+ */
+Mailbox::Outstanding* Mailbox::startWaiting(std::uint32_t requestId,
+                                            std::shared_ptr<Destination>& asked,
+                                            std::string& error) {
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (found == outstanding_.end()) {
-    return closed_ ? "channel '" + name_ + "' is closed"
-                   : "request " + std::to_string(requestId) + " of channel '" + name_ +
-                         "' is not outstanding";
+    error = closed_ ? "channel '" + name() + "' is closed"
+                    : "request " + std::to_string(requestId) + " of channel '" + name() +
+                          "' is not outstanding";
+    return nullptr;
   }
   if (found->second.waiter != nullptr) {
-    return "another thread waits for request " + std::to_string(requestId) + " of channel '" +
-           name_ + "'";
+    error = "another thread waits for request " + std::to_string(requestId) + " of channel '" +
+            name() + "'";
+    return nullptr;
   }
   found->second.waiter = Parker::ofThisThread();
-  copy = found->second;
-  return {};
-}
-
-bool Mailbox::takeEnded(std::uint32_t requestId, Outcome& outcome) {
-  const std::lock_guard lock(mutex_);
-  Outstanding& request = outstanding_.at(requestId);
-  if (request.ended) {
-    outcome = std::move(request.outcome);
-  }
-  return request.ended;
+  asked = found->second.asked.lock();
+  return &found->second;
 }
 
 void Mailbox::dropForgotten(Clock::time_point now) {
@@ -363,8 +373,7 @@ void Mailbox::close() {
     unused = std::move(receiver_);
     for (auto& [id, request] : outstanding_) {
       if (!request.ended) {
-        request.ended = true;
-        request.outcome.error = "channel '" + name_ + "' was closed";
+        request.end({nullptr, "channel '" + name() + "' was closed"});
       }
       if (request.waiter != nullptr) {
         waiters.push_back(request.waiter);
@@ -375,7 +384,7 @@ void Mailbox::close() {
     waiter->unpark();
   }
   if (unused != nullptr) {
-    ChannelDirectory::instance().servedMayHaveChanged(name_);
+    ChannelDirectory::instance().servedMayHaveChanged(name());
   }
 }
 

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/Destination.h"
@@ -47,10 +48,10 @@ class ZERVA_EXPORT Mailbox final : public Destination,
                                    public ReplyReceiver,
                                    public std::enable_shared_from_this<Mailbox> {
  public:
-  Mailbox(std::string name, CCInterceptorDispatcher* dispatcher);
+  Mailbox(const std::string& name, CCInterceptorDispatcher* dispatcher);
   virtual ~Mailbox();
 
-  const std::string& name() const { return name_; }
+  const std::string& name() const { return *name_; }
 
   /** What serves the channel, from the point of view of an object that looks for its own. */
   enum class Serves { Another, Object, OneInTheMaking };
@@ -63,7 +64,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   bool isServed() const { return served_.load(std::memory_order_acquire); }
 
   /** Sends a request or a message; see `CommsChannelIfc::send`. @returns why it failed, or "". */
-  std::string send(const std::string& to, const CalledIn& call, Payload data,
+  std::string send(const SharedName& to, const Callee& callee, Payload data,
                    std::uint32_t requestId);
 
   /** How a request ended. */
@@ -102,29 +103,40 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   class Delivery;
   class Forgetting;
 
-  /** A request that was sent and whose end nobody has heard of yet. */
+  /**
+   * A request that was sent and whose end nobody has heard of yet. Written under the lock; the
+   * thread that waits reads it without: when it has ended, and before that what does not change
+   * while somebody waits.
+   */
   struct Outstanding {
-    std::string to;
+    void end(Outcome how) {
+      outcome = std::move(how);
+      ended.store(true, std::memory_order_release);
+    }
+
+    SharedName to;
     std::weak_ptr<Destination> asked;
     std::uint64_t answerer = 0;
     Clock::time_point deadline;
-    bool ended = false;
-    Outcome outcome;
     std::shared_ptr<Parker> waiter;
+    std::atomic<bool> ended{false};
+    Outcome outcome;  // once it has ended
   };
 
+  bool isSeen() const;
   std::shared_ptr<RequestReceiver> receiver() const;
-  std::string expect(std::uint32_t requestId, const std::string& to);
+  std::string expect(std::uint32_t requestId, const SharedName& to);
   std::uint64_t aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
   std::string deliverTo(Envelope& envelope, std::uint32_t requestId);
   void tellReceived(std::uint32_t requestId, std::size_t size, const std::string& error);
   Outstanding* awaited(std::uint32_t requestId, std::uint64_t answerer);
   std::string endWith(std::uint32_t requestId, const std::string& error);
-  std::string startWaiting(std::uint32_t requestId, Outstanding& copy);
-  bool takeEnded(std::uint32_t requestId, Outcome& outcome);
+  Outstanding* startWaiting(std::uint32_t requestId, std::shared_ptr<Destination>& asked,
+                            std::string& error);
+  std::string waitFor(const Outstanding& request);
   void dropForgotten(Clock::time_point now);
 
-  const std::string name_;
+  const SharedName name_;
   const std::uint64_t number_;  // no other of this process ever has it
   CCInterceptorDispatcher* const dispatcher_;
   std::atomic<bool> served_{false};

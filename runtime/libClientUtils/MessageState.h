@@ -7,8 +7,8 @@
 
 /** The bytes are shared with the envelope that they travel in. */
 struct CommsChannelDataContainerMessage::State {
-  std::string channel;
-  zerva::CalledIn call;
+  zerva::SharedName channel;
+  zerva::Callee callee;
   zerva::Payload data;
   long requestId = 0;
   std::string error;

@@ -14,21 +14,20 @@
 /** Constant after construction but for the counter, so any number of threads may call at once. */
 struct ProxyRequestImpl::State {
   CommsChannelIfc* channel;
-  std::string svcChannel;
-  std::string ifc;
-  std::string protocol;
+  zerva::SharedName svcChannel;
+  zerva::Callee callee;
   ProtocolAdapter* adapter;
   std::string qualifier;
   FrameworkContext* context;
   std::atomic<std::uint32_t> lastId{0};
 
-  State(CommsChannelIfc* theChannel, std::string theSvcChannel, std::string theIfc,
+  State(CommsChannelIfc* theChannel, const std::string& theSvcChannel, std::string theIfc,
         std::string theProtocol, ProtocolAdapter* theAdapter, std::string theQualifier,
         FrameworkContext* theContext)
       : channel(theChannel),
-        svcChannel(std::move(theSvcChannel)),
-        ifc(std::move(theIfc)),
-        protocol(std::move(theProtocol)),
+        svcChannel(zerva::sharedName(theSvcChannel)),
+        callee(std::make_shared<const zerva::CalledIn>(
+            zerva::CalledIn{std::move(theIfc), std::move(theProtocol)})),
         adapter(theAdapter),
         qualifier(std::move(theQualifier)),
         context(theContext) {}
@@ -52,17 +51,17 @@ ProxyRequestImpl::ProxyRequestImpl(CommsChannelIfc* channel, const std::string& 
 
 ProxyRequestImpl::~ProxyRequestImpl() = default;
 
-const std::string& ProxyRequestImpl::getSvcChannel() const { return state_->svcChannel; }
+const std::string& ProxyRequestImpl::getSvcChannel() const { return *state_->svcChannel; }
 
 const std::string& ProxyRequestImpl::getQualifier() const { return state_->qualifier; }
 
 void ProxyRequestImpl::call(const std::string& method, const Writable& arguments,
                             Readable& result) {
   const auto fail = [&](const std::string& cause) {
-    throw CallException(state_->ifc, method, state_->svcChannel, cause);
+    throw CallException(state_->callee->interface, method, *state_->svcChannel, cause);
   };
   if (state_->adapter == nullptr) {
-    fail("protocol '" + state_->protocol + "' is not known here");
+    fail("protocol '" + state_->callee->protocol + "' is not known here");
   }
   std::string bytes;
   state_->adapter->writeCall(method, arguments, bytes);
@@ -70,7 +69,7 @@ void ProxyRequestImpl::call(const std::string& method, const Writable& arguments
   CommsChannelDataContainerMessage message;
   auto& sent = message.state();
   sent.channel = state_->svcChannel;
-  sent.call = {state_->ifc, state_->protocol};
+  sent.callee = state_->callee;
   sent.data = std::make_shared<const std::string>(std::move(bytes));
   sent.requestId = state_->newId();
   // A request that could not be sent has an answer too: the reason.

@@ -7,10 +7,16 @@ ServingThread& servingThread() {
   return thread;
 }
 
+const CallChain& ServingThread::chain() const {
+  // Never destroyed, since threads may ask for it while the process ends.
+  static const auto* const none = new CallChain;
+  return served != nullptr ? *served : *none;
+}
+
 ServingScope::ServingScope(Serving* serving, const CallChain& chain) : before_(servingThread()) {
   ServingThread& thread = servingThread();
   thread.serving = serving;
-  thread.chain = chain;
+  thread.served = &chain;
   ++thread.nesting;
 }
 

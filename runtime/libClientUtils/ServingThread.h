@@ -43,16 +43,22 @@ class ZERVA_EXPORT RunningPlace {
   ~RunningPlace() = default;
 };
 
-/** What the platform knows of the calling thread. */
-struct ServingThread {
+/**
+ * What the platform knows of the calling thread. It needs no destructor, which a thread could not
+ * have noted without memory.
+ */
+struct ZERVA_EXPORT ServingThread {
   /** The executor whose request the thread serves; null for a thread that serves none. */
   Serving* serving = nullptr;
-  /** The chain of the request that it serves. */
-  CallChain chain;
+  /** The chain of the request that it serves; null when it serves none. */
+  const CallChain* served = nullptr;
   /** How many requests it serves inside each other. */
   unsigned nesting = 0;
   /** Its place in a pool; null for a thread of another kind. */
   RunningPlace* place = nullptr;
+
+  /** @returns the chain of the request that it serves. */
+  const CallChain& chain() const;
 };
 
 /** @returns the calling thread's own. */
@@ -61,6 +67,7 @@ ZERVA_EXPORT ServingThread& servingThread();
 /** While it lives, the calling thread serves a request. */
 class ZERVA_EXPORT ServingScope {
  public:
+  /** @param chain not copied. */
   ServingScope(Serving* serving, const CallChain& chain);
   ~ServingScope();
   ServingScope(const ServingScope&) = delete;

@@ -31,3 +31,5 @@ void CCInterceptorDispatcher::dispatchReceived(const InterceptedMessage& message
     interceptor->messageReceived(message);
   }
 }
+
+bool CCInterceptorDispatcher::hasInterceptors() const { return !state_->interceptors.isEmpty(); }

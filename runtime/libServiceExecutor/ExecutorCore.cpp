@@ -218,7 +218,7 @@ bool ExecutorCore::serveNext(const CallChain& chain) {
 
 /** Refuses a message that its sender may not ask about. */
 void ExecutorCore::failNested(Envelope& envelope, const std::string& error) {
-  EXECUTOR_LOG(2, "a message from channel '%s' was not served: %s", envelope.from.c_str(),
+  EXECUTOR_LOG(2, "a message from channel '%s' was not served: %s", envelope.from().c_str(),
                error.c_str());
   mailbox_->answer(envelope, nullptr, error);
 }
@@ -282,30 +282,36 @@ void ExecutorCore::serve(Envelope& envelope, Executable& service) {
 }
 
 void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
-  const auto start = Clock::now();
+  const bool seen = settings_.dispatcher != nullptr && settings_.dispatcher->hasInterceptors();
+  const auto start = seen ? Clock::now() : Clock::time_point();
   Payload answer = nothing();
-  const bool isCall = !envelope.call.interface.empty();
+  const bool isCall = envelope.callee != nullptr && !envelope.callee->interface.empty();
   std::string method;
-  const std::string error =
-      isCall ? call(service, envelope, method, answer) : handOver(service, envelope, answer);
-  const auto duration = Clock::now() - start;
+  const std::string error = isCall ? call(service, envelope, seen ? &method : nullptr, answer)
+                                   : handOver(service, envelope, answer);
+  const auto duration = seen ? Clock::now() - start : Clock::duration();
   if (!error.empty()) {
     EXECUTOR_LOG(2, "%s: a message from channel '%s' failed: %s", description().c_str(),
-                 envelope.from.c_str(), error.c_str());
+                 envelope.from().c_str(), error.c_str());
   }
   // Reported first, so that whoever gets the answer finds the request counted.
-  if (settings_.dispatcher != nullptr) {
-    settings_.dispatcher->dispatch({isCall ? envelope.call.interface : settings_.interfaces, method,
-                                    envelope.from, channelName_, duration, error});
+  if (seen) {
+    settings_.dispatcher->dispatch({isCall ? envelope.callee->interface : settings_.interfaces,
+                                    method, envelope.from(), channelName_, duration, error});
   }
   mailbox_->answer(envelope, std::move(answer), error);
 }
 
-/** Makes a call of an interface method. @returns why it failed, or "". */
-std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string& method,
+/**
+ * Makes a call of an interface method.
+ *
+ * @param method gets its name, for those who see the call; may be null.
+ * @returns why it failed, or "".
+ */
+std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
                                Payload& answer) {
-  std::string interface = envelope.call.interface;
-  std::string protocol = envelope.call.protocol;
+  std::string interface = envelope.callee->interface;
+  std::string protocol = envelope.callee->protocol;
   std::string reply;
   std::optional<std::string> refusal;
   ProtocolAdapter* adapter = nullptr;
@@ -324,7 +330,9 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
   }
   const auto error = exceptionOf([&] {
     try {
-      method = adapter->methodOf(*envelope.data);
+      if (method != nullptr) {
+        *method = adapter->methodOf(*envelope.data);
+      }
       invoker->invoke(service, *adapter, *envelope.data, reply);
     } catch (const DecodeException& exception) {
       refusal = exception.what();
@@ -345,7 +353,7 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
 std::string ExecutorCore::handOver(Executable& service, const Envelope& envelope, Payload& answer) {
   CommsChannelDataContainerMessage message;
   message.state() = {
-      envelope.from, {}, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
+      envelope.sender, {}, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
   CommsChannelDataContainerMessage reply;
   if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
     // Also a service that throws an empty text has failed.

@@ -127,7 +127,7 @@ class ExecutorCore final : public RequestReceiver,
   void serveMessage(Envelope& envelope, Executable& service);
   void failNested(Envelope& envelope, const std::string& error);
   std::string handOver(Executable& service, const Envelope& envelope, Payload& answer);
-  std::string call(Executable& service, const Envelope& envelope, std::string& method,
+  std::string call(Executable& service, const Envelope& envelope, std::string* method,
                    Payload& answer);
   void fire(Expiry& expiry, const Executable& service);
   void handToPool(std::size_t requests);

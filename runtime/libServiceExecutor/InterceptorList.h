@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -20,15 +21,17 @@ class InterceptorList {
     const std::lock_guard lock(mutex_);
     auto changed = *all_;
     changed.push_back(interceptor);
-    all_ = std::make_shared<const std::vector<Interceptor*>>(std::move(changed));
+    replaceWith(std::move(changed));
   }
 
   void remove(Interceptor* interceptor) {
     const std::lock_guard lock(mutex_);
     auto changed = *all_;
     changed.erase(std::remove(changed.begin(), changed.end(), interceptor), changed.end());
-    all_ = std::make_shared<const std::vector<Interceptor*>>(std::move(changed));
+    replaceWith(std::move(changed));
   }
+
+  bool isEmpty() const { return empty_.load(std::memory_order_acquire); }
 
   Snapshot all() const {
     const std::lock_guard lock(mutex_);
@@ -36,6 +39,13 @@ class InterceptorList {
   }
 
  private:
+  /** Under the lock. */
+  void replaceWith(std::vector<Interceptor*> changed) {
+    all_ = std::make_shared<const std::vector<Interceptor*>>(std::move(changed));
+    empty_.store(all_->empty(), std::memory_order_release);
+  }
+
+  std::atomic<bool> empty_{true};
   mutable std::mutex mutex_;
   Snapshot all_ = std::make_shared<const std::vector<Interceptor*>>();  // guarded by mutex_
 };

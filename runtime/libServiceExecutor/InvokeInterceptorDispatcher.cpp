@@ -24,3 +24,7 @@ void InvokeInterceptorDispatcher::dispatch(const Invocation& invocation) {
     interceptor->invoked(invocation);
   }
 }
+
+bool InvokeInterceptorDispatcher::hasInterceptors() const {
+  return !state_->interceptors.isEmpty();
+}

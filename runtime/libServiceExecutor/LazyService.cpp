@@ -114,10 +114,10 @@ void ExecutorCore::awaitService() {
   unsigned attemptsBefore = 0;
   {
     const std::lock_guard lock(mutex_);
-    if (nothingToAwait(thread.chain)) {
+    if (nothingToAwait(thread.chain())) {
       return;
     }
-    wish(thread.chain ? thread.chain : CallChain::begin());
+    wish(thread.chain() ? thread.chain() : CallChain::begin());
     attemptsBefore = attempts_;
     awaitingService_.push_back(parker);
     maker = ownParker_;
@@ -135,7 +135,7 @@ void ExecutorCore::awaitService() {
   const WaitingScope waiting;
   bool inTime = true;
   while (inTime && !over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
-    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain)) {
+    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
       inTime = parker->park(deadline);
     }
   }

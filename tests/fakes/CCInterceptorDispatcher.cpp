@@ -32,3 +32,5 @@ void CCInterceptorDispatcher::dispatchSent(const InterceptedMessage& message) {
 void CCInterceptorDispatcher::dispatchReceived(const InterceptedMessage& message) {
   for (CCInterceptor* interceptor : state_->interceptors) interceptor->messageReceived(message);
 }
+
+bool CCInterceptorDispatcher::hasInterceptors() const { return !state_->interceptors.empty(); }

@@ -28,3 +28,5 @@ void InvokeInterceptorDispatcher::removeInterceptor(InvokeInterceptor* intercept
 void InvokeInterceptorDispatcher::dispatch(const Invocation& invocation) {
   for (InvokeInterceptor* interceptor : state_->interceptors) interceptor->invoked(invocation);
 }
+
+bool InvokeInterceptorDispatcher::hasInterceptors() const { return !state_->interceptors.empty(); }

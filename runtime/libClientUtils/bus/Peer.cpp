@@ -24,6 +24,12 @@ constexpr std::size_t kLongestFailure = std::size_t{64} * 1024;
 
 std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() : 0; }
 
+/** @returns what a message calls; nothing when it is no call. */
+const CalledIn& calleeOf(const Envelope& envelope) {
+  static const CalledIn none;
+  return envelope.callee != nullptr ? *envelope.callee : none;
+}
+
 /** @returns whether a frame that begins like this is one that the other side takes. */
 bool fits(const std::string& head, std::size_t data) {
   return head.size() - sizeof(std::uint32_t) + data <= kMaximumFrame;
@@ -58,15 +64,16 @@ void Peer::begin(std::shared_ptr<Connection> connection) {
 }
 
 bool Peer::deliver(Envelope& envelope) {
-  const std::size_t longest = std::max(
-      {envelope.from.size(), envelope.call.interface.size(), envelope.call.protocol.size()});
+  const CalledIn& callee = calleeOf(envelope);
+  const std::size_t longest =
+      std::max({envelope.from().size(), callee.interface.size(), callee.protocol.size()});
   if (longest > kMaximumName) {
     envelope.refusal = "the name of the sending channel, the interface or the protocol has " +
                        std::to_string(longest) + " bytes, too many for another process";
     return false;
   }
   const MessageFrame message{
-      envelope.chain.id(), envelope.chain.links(), envelope.from, envelope.to,
+      envelope.chain.id(), envelope.chain.links(), envelope.from(), envelope.to(),
       envelope.data != nullptr ? std::string_view(*envelope.data) : std::string_view()};
   if (envelope.ticket.requestId() != 0) {
     return sendRequest(envelope, message);
@@ -86,8 +93,9 @@ bool Peer::sendRequest(Envelope& envelope, const MessageFrame& message) {
   if (wireId == 0) {
     return false;
   }
-  std::string head = encodeHead(
-      RequestFrame{wireId, requestId, envelope.call.interface, envelope.call.protocol, message});
+  const CalledIn& callee = calleeOf(envelope);
+  std::string head =
+      encodeHead(RequestFrame{wireId, requestId, callee.interface, callee.protocol, message});
   const bool fitting = fits(head, message.data.size());
   const auto result = fitting ? outgoing_.send(std::move(head), envelope.data, kMaximumQueued)
                               : Outgoing::Result::Full;
@@ -252,8 +260,8 @@ void Peer::take(const CrossedFrame& /*frame*/) {
 }
 
 void Peer::take(const MessageFrame& frame) {
-  Envelope envelope{std::string(frame.from),
-                    std::string(frame.to),
+  Envelope envelope{sharedName(frame.from),
+                    sharedName(frame.to),
                     {},
                     std::make_shared<const std::string>(frame.data),
                     CallChain::ofOtherProcess(frame.chain, frame.links),
@@ -263,11 +271,21 @@ void Peer::take(const MessageFrame& frame) {
   takeEnvelope(envelope);
 }
 
+/** @returns what a request calls; mostly the same as the last one of this peer did. */
+Callee Peer::calleeIn(const RequestFrame& frame) {
+  if (lastCallee_ == nullptr || lastCallee_->interface != frame.interface ||
+      lastCallee_->protocol != frame.protocol) {
+    lastCallee_ = std::make_shared<const CalledIn>(
+        CalledIn{std::string(frame.interface), std::string(frame.protocol)});
+  }
+  return lastCallee_;
+}
+
 void Peer::take(const RequestFrame& frame) {
   const MessageFrame& message = frame.message;
-  Envelope envelope{std::string(message.from),
-                    std::string(message.to),
-                    {std::string(frame.interface), std::string(frame.protocol)},
+  Envelope envelope{sharedName(message.from),
+                    sharedName(message.to),
+                    calleeIn(frame),
                     std::make_shared<const std::string>(message.data),
                     CallChain::ofOtherProcess(message.chain, message.links),
                     ReplyTicket(weak_from_this(), frame.requestId),
@@ -285,16 +303,16 @@ void Peer::takeEnvelope(Envelope& envelope) {
   }
   const auto error = exceptionOf([&] {
     // To a channel of this process only: nothing is passed on, so nothing goes round.
-    while (const auto channel = ChannelDirectory::instance().findHere(envelope.to)) {
+    while (const auto channel = ChannelDirectory::instance().findHere(envelope.to())) {
       if (channel->deliver(envelope)) {
         return;
       }
     }
-    envelope.ticket.fail("nobody serves channel '" + envelope.to + "'");
+    envelope.ticket.fail("nobody serves channel '" + envelope.to() + "'");
   });
   if (error) {
     BUS_LOG(2, "a message from %s to channel '%s' was lost: %s", describeProcess(id_).c_str(),
-            envelope.to.c_str(), error->c_str());
+            envelope.to().c_str(), error->c_str());
   }
 }
 

@@ -69,6 +69,7 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   void take(const CrossedFrame& frame);
   void take(const MessageFrame& frame);
   void take(const RequestFrame& frame);
+  Callee calleeIn(const RequestFrame& frame);
   void take(const ReplyFrame& frame);
   void take(const FailureFrame& frame);
   void take(const HelloFrame& frame);
@@ -91,6 +92,7 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   bool otherVersion_ = false;
   std::shared_ptr<Connection> connection_;
   asio::steady_timer patience_;
+  Callee lastCallee_;
 };
 
 }  // namespace zerva

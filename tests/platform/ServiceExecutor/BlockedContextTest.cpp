@@ -29,7 +29,8 @@ class AnExecutorWhoseCalleeBlocks : public testing::Test {
   void call(const std::string& channel) {
     CommsChannelDataContainerMessage message;
     message.setChannel(channel);
-    message.state().call = {"CalledIfc", "protocol"};
+    message.state().callee =
+        std::make_shared<const zerva::CalledIn>(zerva::CalledIn{"CalledIfc", "protocol"});
     ASSERT_TRUE(caller.send(message));
   }
 

@@ -76,7 +76,9 @@ TEST(AChannelThatIsDeleted, WaitsForAReplyThatIsBeingHandedOver) {
   // Its inside tells that it was closed, while the channel itself must not be touched any more.
   const auto inside = caller->state().mailbox;
   std::thread opening([&] {
-    openWhen(held, [&] { return !inside->send("/nobody", {}, nullptr, 0).starts_with("nobody"); });
+    openWhen(held, [&] {
+      return !inside->send(zerva::sharedName("/nobody"), {}, nullptr, 0).starts_with("nobody");
+    });
   });
 
   caller.reset();

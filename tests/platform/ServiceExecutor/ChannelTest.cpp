@@ -115,7 +115,7 @@ TEST(AReply, FromSomebodyWhoWasNotAsked_IsNotHeard) {
   });
   world.run(&service, "/svc", Mode::ST);
   const auto sut = std::make_shared<zerva::Mailbox>("/test/caller", nullptr);
-  ASSERT_EQ(sut->send("/svc", {}, nullptr, 3), "");
+  ASSERT_EQ(sut->send(zerva::sharedName("/svc"), {}, nullptr, 3), "");
 
   sut->receiveReply(3, 0, std::make_shared<const std::string>("forged"), "");
   gate.open();
@@ -221,7 +221,7 @@ TEST(AChannel, ThatIsClosed_WakesWhoWaitsOnIt) {
   const auto sut = std::make_shared<zerva::Mailbox>("/test/caller", nullptr);
   zerva::Mailbox::Outcome outcome;
   std::thread waiting([&] {
-    ASSERT_EQ(sut->send("/svc", {}, nullptr, 1), "");
+    ASSERT_EQ(sut->send(zerva::sharedName("/svc"), {}, nullptr, 1), "");
     outcome = sut->awaitReply(1);
   });
   ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
@@ -275,18 +275,19 @@ TEST(AMailbox, ForgetsRequestsWhoseRepliesNobodyEverAskedFor) {
   world.run(&service, "/svc", Mode::ST);
   const auto sut = std::make_shared<zerva::Mailbox>("/test/caller", nullptr);
   for (std::uint32_t id = 1; id <= 64; ++id) {
-    ASSERT_EQ(sut->send("/svc", {}, nullptr, id), "");
+    ASSERT_EQ(sut->send(zerva::sharedName("/svc"), {}, nullptr, id), "");
   }
   // The oldest id is free again once it is too old to be asked for.
-  EXPECT_TRUE(waitUntil([&] { return sut->send("/svc", {}, nullptr, 1).empty(); }));
+  EXPECT_TRUE(
+      waitUntil([&] { return sut->send(zerva::sharedName("/svc"), {}, nullptr, 1).empty(); }));
   world.end();
 }
 
 TEST(AMailbox, ThatIsClosed_SaysSoWhenSomethingIsSentOrAwaited) {
   const auto sut = std::make_shared<zerva::Mailbox>("/closed", nullptr);
   sut->close();
-  EXPECT_EQ(sut->send("/nobody", {}, nullptr, 1), "channel '/closed' is closed");
-  EXPECT_EQ(sut->send("/nobody", {}, nullptr, 0), "channel '/closed' is closed");
+  EXPECT_EQ(sut->send(zerva::sharedName("/nobody"), {}, nullptr, 1), "channel '/closed' is closed");
+  EXPECT_EQ(sut->send(zerva::sharedName("/nobody"), {}, nullptr, 0), "channel '/closed' is closed");
   EXPECT_EQ(sut->awaitReply(1).error, "channel '/closed' is closed");
 }
 

@@ -52,6 +52,26 @@ TEST(AChannelDispatcher, SeesEveryMessageOfTheChannelsMadeWithIt) {
   world.end();
 }
 
+TEST(AChannelDispatcher, TellsWhetherAnybodyIsToBeTold) {
+  CCInterceptorDispatcher sut;
+  EXPECT_FALSE(sut.hasInterceptors());
+  Messages messages;
+  sut.addInterceptor(&messages);
+  EXPECT_TRUE(sut.hasInterceptors());
+  sut.removeInterceptor(&messages);
+  EXPECT_FALSE(sut.hasInterceptors());
+}
+
+TEST(AnInvokeDispatcher, TellsWhetherAnybodyIsToBeTold) {
+  InvokeInterceptorDispatcher sut;
+  EXPECT_FALSE(sut.hasInterceptors());
+  Invocations invocations;
+  sut.addInterceptor(&invocations);
+  EXPECT_TRUE(sut.hasInterceptors());
+  sut.removeInterceptor(&invocations);
+  EXPECT_FALSE(sut.hasInterceptors());
+}
+
 TEST(AChannelDispatcher, SeesTheOtherEndToo) {
   CCInterceptorDispatcher sut;
   Messages messages;
