@@ -20,7 +20,7 @@ for target in "${targets[@]}"; do
 done
 
 # Limits for one input: megabytes of memory in all, seconds, bytes.
-readonly limits=(-rss_limit_mb=2048 -malloc_limit_mb=512 -timeout=10 -max_len=4096)
+readonly limits=(-rss_limit_mb=2048 -malloc_limit_mb=512 -timeout=60 -max_len=4096)
 
 # figures LOG: executions, coverage, and how many inputs are kept, from what libFuzzer says last.
 figures() {
