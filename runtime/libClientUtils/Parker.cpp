@@ -1,6 +1,9 @@
 #include "runtime/libClientUtils/Parker.h"
 
+#include <pthread.h>
+
 #include <algorithm>
+#include <system_error>
 
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/Processors.h"
@@ -17,11 +20,43 @@ constexpr int kLooksBetweenClocks = 32;
 // After looking in vain it is left out once, then three times, seven, and so on up to this.
 constexpr unsigned kMostLeftOut = 127;
 
+/** The calling thread's; a thread that still waits while it ends gets another one. */
+thread_local const std::shared_ptr<Parker>* own = nullptr;
+
+/** Gives back a thread's place when the thread ends. */
+class ThreadKey {
+ public:
+  ThreadKey() {
+    check(::pthread_key_create(&key_, [](void* value) {
+      own = nullptr;
+      delete static_cast<const std::shared_ptr<Parker>*>(value);
+    }));
+  }
+
+  void set(const std::shared_ptr<Parker>* value) const {
+    check(::pthread_setspecific(key_, value));
+  }
+
+ private:
+  static void check(int error) {
+    if (error != 0) throw std::system_error(error, std::generic_category(), "a thread's place");
+  }
+
+  pthread_key_t key_ = 0;
+};
+
 }  // namespace
 
 const std::shared_ptr<Parker>& Parker::ofThisThread() {
-  thread_local const std::shared_ptr<Parker> parker = std::make_shared<Parker>();
-  return parker;
+  // A destructor of the language's own would have to be noted, for which the C library takes memory
+  // and ends the process when there is none. The value of one of the first keys has its place.
+  static const ThreadKey key;
+  if (own == nullptr) {
+    auto made = std::make_unique<const std::shared_ptr<Parker>>(std::make_shared<Parker>());
+    key.set(made.get());
+    own = made.release();
+  }
+  return *own;
 }
 
 bool Parker::park(Clock::time_point deadline) { return takeToken() || spin() || sleep(&deadline); }

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #include "runtime/libClientUtils/Parker.h"
@@ -49,6 +50,17 @@ TEST(AParker, WaitsForADeadlineThatIsYearsAway) {
   std::thread other([&] { sut.unpark(); });
   EXPECT_TRUE(sut.park(Clock::now() + std::chrono::hours(24 * 365 * 80)));
   other.join();
+}
+
+TEST(AThread, HasOneParkerThatGoesWithIt) {
+  std::weak_ptr<Parker> seen;
+  std::thread([&] {
+    const auto sut = Parker::ofThisThread();
+    EXPECT_EQ(Parker::ofThisThread(), sut);
+    seen = sut;
+  }).join();
+  EXPECT_TRUE(seen.expired());
+  EXPECT_NE(Parker::ofThisThread(), nullptr);
 }
 
 // Whether the threads look for each other or sleep changes all the time here.
