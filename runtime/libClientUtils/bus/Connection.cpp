@@ -7,6 +7,7 @@
 #include <asio/buffer.hpp>
 #include <asio/post.hpp>
 #include <cerrno>
+#include <span>
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
@@ -15,11 +16,7 @@ namespace zerva {
 
 Connection::Connection(std::shared_ptr<asio::io_context> context, FileDescriptor socket,
                        std::size_t limit)
-    : context_(std::move(context)),
-      socket_(*context_),
-      frames_(limit),
-      chunk_(),
-      descriptor_(socket.get()) {
+    : context_(std::move(context)), socket_(*context_), frames_(limit), descriptor_(socket.get()) {
   socket_.assign(asio::local::stream_protocol(), socket.get());
   socket.release();
 }
@@ -57,7 +54,8 @@ void Connection::close() {
 }
 
 void Connection::read() {
-  socket_.async_read_some(asio::buffer(chunk_),
+  const std::span<char> room = frames_.room();
+  socket_.async_read_some(asio::buffer(room.data(), room.size()),
                           [self = shared_from_this()](asio::error_code error, std::size_t size) {
                             if (error == asio::error::operation_aborted) {
                               return;
@@ -72,7 +70,7 @@ void Connection::read() {
 
 void Connection::received(std::size_t size) {
   const auto error = exceptionOf([&] {
-    frames_.append({chunk_.data(), size});
+    frames_.arrived(size);
     takeFrames();
     if (socket_.is_open()) {
       read();

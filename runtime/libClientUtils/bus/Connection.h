@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <array>
 #include <asio/io_context.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <functional>
@@ -73,8 +72,6 @@ class Connection final : public std::enable_shared_from_this<Connection> {
   bool hungUp() const;
 
  private:
-  static constexpr std::size_t kChunk = std::size_t{32} * 1024;
-
   void read();
   void received(std::size_t size);
   void takeFrames();
@@ -86,7 +83,6 @@ class Connection final : public std::enable_shared_from_this<Connection> {
   asio::local::stream_protocol::socket socket_;
   FrameBuffer frames_;
   std::shared_ptr<const Handler> handler_;
-  std::array<char, kChunk> chunk_;
 
   mutable std::mutex mutex_;
   int descriptor_;  // guarded by mutex_; -1 once it is closed

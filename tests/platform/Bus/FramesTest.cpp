@@ -2,6 +2,7 @@
 
 #include "runtime/libClientUtils/bus/FrameBuffer.h"
 #include "runtime/libClientUtils/bus/Frames.h"
+#include "runtime/libClientUtils/bus/WireNumbers.h"
 
 namespace {
 
@@ -150,6 +151,79 @@ TEST(AFrameBuffer, TakesAFrameAsLongAsTheLimitAndNoneThatIsLonger) {
   EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
   sut.append(kHelloBytes.substr(0, 4));
   EXPECT_EQ(sut.next(frame), FrameBuffer::Next::TooLong);
+}
+
+/** What a frame of a length begins with. */
+std::string lengthOf(std::uint32_t length) {
+  std::string number;
+  appendNumber(number, length);
+  return number;
+}
+
+TEST(AFrameBuffer, HasRoomForTheRestOfALongFrameAsSoonAsItsLengthIsThere) {
+  constexpr std::uint32_t kLong = 100'000;
+  FrameBuffer sut(kMaximumFrame);
+  sut.append(lengthOf(kLong));
+  EXPECT_GE(sut.room().size(), kLong);
+}
+
+TEST(AFrameBuffer, HasNoMoreRoomThanAFewTimesWhatHasArrivedWhateverAFrameSays) {
+  FrameBuffer sut(kMaximumFrame);
+  sut.append(lengthOf(kMaximumFrame));
+  for (std::size_t arrived = 4; arrived < kMaximumFrame; arrived += 1000) {
+    sut.append(std::string(1000, 'x'));
+    ASSERT_LE(sut.capacity(), std::max(FrameBuffer::kAtOnce, 2 * sut.held()));
+  }
+}
+
+TEST(AFrameBuffer, HasNoRoomForAFrameThatIsLongerThanTheLimit) {
+  FrameBuffer sut(kMaximumGreeting);
+  sut.append(lengthOf(kMaximumFrame));
+  EXPECT_FALSE(sut.room().empty());
+  EXPECT_LT(sut.capacity(), FrameBuffer::kAtOnce);
+}
+
+TEST(AFrameBuffer, GrowsAFewTimesOnlyWhileALongFrameArrives) {
+  FrameBuffer sut(kMaximumFrame);
+  sut.append(lengthOf(kMaximumFrame));
+  std::size_t before = sut.capacity();
+  int growths = 0;
+  while (sut.held() < kMaximumFrame) {
+    sut.append(std::string(1000, 'x'));
+    growths += sut.capacity() != before ? 1 : 0;
+    before = sut.capacity();
+  }
+  EXPECT_LE(growths, 10);
+}
+
+TEST(AFrameBuffer, DoesNotKeepWhatOneLongFrameNeeded) {
+  FrameBuffer sut(kMaximumFrame);
+  sut.append(lengthOf(kMaximumFrame) + std::string(kMaximumFrame, 'x'));
+  std::string_view frame;
+  ASSERT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  EXPECT_EQ(frame, std::string(kMaximumFrame, 'x'));
+  sut.append("x");
+  EXPECT_LT(sut.capacity(), FrameBuffer::kAtOnce);
+}
+
+TEST(AFrameBuffer, GivesAFrameThatArrivesBehindManyShortOnes) {
+  const std::string last(50'000, 'l');
+  FrameBuffer sut(kMaximumFrame);
+  std::string all;
+  for (int i = 0; i < 5000; ++i) all += kReplyBytes;
+  all += lengthOf(50'000) + last;
+  std::string got;
+  std::size_t count = 0;
+  for (std::size_t at = 0; at < all.size(); at += 777) {
+    sut.append(std::string_view(all).substr(at, 777));
+    std::string_view frame;
+    while (sut.next(frame) == FrameBuffer::Next::Whole) {
+      got = frame;
+      ++count;
+    }
+  }
+  EXPECT_EQ(count, 5001U);
+  EXPECT_EQ(got, last);
 }
 
 }  // namespace
