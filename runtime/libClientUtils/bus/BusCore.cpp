@@ -106,17 +106,16 @@ void BusCore::servedMayHaveChanged(const std::string& name) {
 std::shared_ptr<Destination> BusCore::find(const std::string& name) {
   std::set<std::string> except;
   while (!closed_ && name.size() <= kMaximumName) {
-    const auto found = names_.find(name, except);
+    auto found = names_.find(name, except);
     if (!found) {
       return nullptr;
     }
     Way way = reach(found->id);
-    std::string server = found->id + " since " + std::to_string(found->since);
     if (way.peer != nullptr) {
-      return std::make_shared<RemoteChannel>(std::move(way.peer), std::move(server));
+      return std::make_shared<RemoteChannel>(std::move(way.peer), std::move(*found));
     }
     if (!way.unreachable.empty()) {
-      return std::make_shared<UnreachableChannel>(std::move(way.unreachable), std::move(server));
+      return std::make_shared<UnreachableChannel>(std::move(way.unreachable), std::move(*found));
     }
     except.insert(found->id);
   }

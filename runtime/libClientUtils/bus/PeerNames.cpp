@@ -18,10 +18,12 @@ PeerNames::PeerNames(const BusDirectory& directory, std::string id)
 
 std::string PeerNames::refresh() {
   std::string complaint;
-  if (!openCurrent(complaint)) {
+  off_t size = 0;
+  if (!openCurrent(size, complaint)) {
     return complaint;
   }
-  return readOn();
+  // Nearly always there is nothing new.
+  return size != offset_ ? readOn() : std::string();
 }
 
 std::optional<std::uint64_t> PeerNames::servedSince(const std::string& name) const {
@@ -29,11 +31,17 @@ std::optional<std::uint64_t> PeerNames::servedSince(const std::string& name) con
   return found != parser_.names().end() ? std::optional(found->second) : std::nullopt;
 }
 
-/** Sees to it that the file which has the name now is open. @returns whether it can be read. */
-bool PeerNames::openCurrent(std::string& complaint) {
+/**
+ * Sees to it that the file which has the name now is open.
+ *
+ * @param size gets how long it is.
+ * @returns whether it can be read.
+ */
+bool PeerNames::openCurrent(off_t& size, std::string& complaint) {
   struct stat status {};
   // The owner puts a new file into its place when much of the old one holds no more.
   if (file_ && ::fstat(file_.get(), &status) == 0 && status.st_nlink > 0) {
+    size = status.st_size;
     return true;
   }
   FileDescriptor current = directory_.open(BusDirectory::journalName(id_), O_RDONLY);
@@ -54,6 +62,7 @@ bool PeerNames::openCurrent(std::string& complaint) {
     complaint = complain("its file cannot be read: it is no file of this user");
     file_.reset();
   }
+  size = status.st_size;
   return static_cast<bool>(file_);
 }
 
@@ -68,7 +77,6 @@ std::string PeerNames::complain(const std::string& cause) {
 std::string PeerNames::readOn() {
   constexpr std::size_t kChunk = std::size_t{64} * 1024;
   char first[256];
-  // Nearly always there is nothing new.
   ssize_t got = ::pread(file_.get(), first, sizeof first, offset_);
   if (got <= 0) {
     return {};

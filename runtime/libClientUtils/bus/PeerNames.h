@@ -29,7 +29,7 @@ class PeerNames {
   std::optional<std::uint64_t> servedSince(const std::string& name) const;
 
  private:
-  bool openCurrent(std::string& complaint);
+  bool openCurrent(off_t& size, std::string& complaint);
   std::string readOn();
   std::string complain(const std::string& cause);
 
