@@ -1,5 +1,6 @@
 #include "runtime/libClientUtils/bus/Frames.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "runtime/libClientUtils/CallChain.h"
@@ -27,21 +28,39 @@ void appendText(std::string& to, std::string_view text) {
   to += text;
 }
 
-/** Puts length and type before a frame's fields. */
-std::string frameOf(Type type, const std::string& fields, std::size_t dataSize) {
+std::size_t textSize(std::string_view text) { return sizeof(std::uint16_t) + text.size(); }
+
+// What a frame begins with; its length is known when the rest is.
+constexpr std::size_t kLengthBytes = sizeof(std::uint32_t);
+
+/** @returns the beginning of a frame, for fields of at most so many bytes. */
+std::string begun(Type type, std::size_t fields) {
   std::string head;
-  head.reserve(sizeof(std::uint32_t) + 1 + fields.size());
-  appendNumber(head, static_cast<std::uint32_t>(1 + fields.size() + dataSize));
+  head.reserve(kLengthBytes + 1 + fields);
+  head.append(kLengthBytes, '\0');
   appendNumber(head, static_cast<std::uint8_t>(type));
-  return head += fields;
+  return head;
+}
+
+/** Puts the length before the fields of a frame. */
+std::string finished(std::string head, std::size_t dataSize) {
+  const auto length = static_cast<std::uint32_t>(head.size() - kLengthBytes + dataSize);
+  const auto bytes = bytesOf(length);
+  std::copy(bytes.begin(), bytes.end(), head.begin());
+  return head;
 }
 
 std::string greeting(Type type, std::uint16_t version, std::string_view id) {
-  std::string fields;
-  appendNumber(fields, kMagic);
-  appendNumber(fields, version);
-  appendText(fields, id);
-  return frameOf(type, fields, 0);
+  std::string head = begun(type, sizeof kMagic + sizeof version + textSize(id));
+  appendNumber(head, kMagic);
+  appendNumber(head, version);
+  appendText(head, id);
+  return finished(std::move(head), 0);
+}
+
+std::size_t messageSize(const MessageFrame& frame) {
+  return sizeof frame.chain + sizeof(std::uint16_t) + frame.links.size() * sizeof(std::uint64_t) +
+         textSize(frame.from) + textSize(frame.to);
 }
 
 void appendMessage(std::string& to, const MessageFrame& frame) {
@@ -77,6 +96,8 @@ bool takeMessage(WireReader& reader, MessageFrame& message) {
       links > kMaximumChainLength) {
     return false;
   }
+  // Not more than the limit, whatever else is missing.
+  message.links.reserve(links);
   for (; links > 0; --links) {
     std::uint64_t link = 0;
     if (!reader.take(link)) {
@@ -134,34 +155,38 @@ std::string encodeHead(const WelcomeFrame& frame) {
   return greeting(Type::Welcome, frame.version, frame.id);
 }
 
-std::string encodeHead(const CrossedFrame& /*frame*/) { return frameOf(Type::Crossed, {}, 0); }
+std::string encodeHead(const CrossedFrame& /*frame*/) {
+  return finished(begun(Type::Crossed, 0), 0);
+}
 
 std::string encodeHead(const MessageFrame& frame) {
-  std::string fields;
-  appendMessage(fields, frame);
-  return frameOf(Type::Message, fields, frame.data.size());
+  std::string head = begun(Type::Message, messageSize(frame));
+  appendMessage(head, frame);
+  return finished(std::move(head), frame.data.size());
 }
 
 std::string encodeHead(const RequestFrame& frame) {
-  std::string fields;
-  appendNumber(fields, frame.wireId);
-  appendNumber(fields, frame.requestId);
-  appendText(fields, frame.interface);
-  appendText(fields, frame.protocol);
-  appendMessage(fields, frame.message);
-  return frameOf(Type::Request, fields, frame.message.data.size());
+  std::string head = begun(Type::Request, sizeof frame.wireId + sizeof frame.requestId +
+                                              textSize(frame.interface) + textSize(frame.protocol) +
+                                              messageSize(frame.message));
+  appendNumber(head, frame.wireId);
+  appendNumber(head, frame.requestId);
+  appendText(head, frame.interface);
+  appendText(head, frame.protocol);
+  appendMessage(head, frame.message);
+  return finished(std::move(head), frame.message.data.size());
 }
 
 std::string encodeHead(const ReplyFrame& frame) {
-  std::string fields;
-  appendNumber(fields, frame.wireId);
-  return frameOf(Type::Reply, fields, frame.data.size());
+  std::string head = begun(Type::Reply, sizeof frame.wireId);
+  appendNumber(head, frame.wireId);
+  return finished(std::move(head), frame.data.size());
 }
 
 std::string encodeHead(const FailureFrame& frame) {
-  std::string fields;
-  appendNumber(fields, frame.wireId);
-  return frameOf(Type::Failure, fields, frame.error.size());
+  std::string head = begun(Type::Failure, sizeof frame.wireId);
+  appendNumber(head, frame.wireId);
+  return finished(std::move(head), frame.error.size());
 }
 
 Frame decodeFrame(std::string_view body) {

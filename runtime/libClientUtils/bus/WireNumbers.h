@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -9,13 +10,23 @@ namespace zerva {
 
 inline constexpr unsigned kBitsOfByte = 8;
 
-/** Appends a number, the most significant byte first, whatever this machine does. */
+/** @returns a number's bytes, the most significant first, whatever this machine does. */
+template <typename Number>
+std::array<char, sizeof(Number)> bytesOf(Number number) {
+  std::array<char, sizeof(Number)> bytes{};
+  std::uint64_t left = number;
+  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) {
+    *byte = static_cast<char>(static_cast<unsigned char>(left));
+    left >>= kBitsOfByte;
+  }
+  return bytes;
+}
+
+/** Appends a number, the most significant byte first. */
 template <typename Number>
 void appendNumber(std::string& to, Number number) {
-  for (unsigned left = sizeof number; left > 0; --left) {
-    to += static_cast<char>(
-        static_cast<unsigned char>(std::uint64_t{number} >> ((left - 1) * kBitsOfByte)));
-  }
+  const auto bytes = bytesOf(number);
+  to.append(bytes.data(), bytes.size());
 }
 
 /** Takes numbers and texts off the front of bytes that nobody vouches for. */
