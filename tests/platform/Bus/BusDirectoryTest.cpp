@@ -49,8 +49,10 @@ TEST_F(TheBusDirectory, IsEmptyWhenTheBusIsClosed) {
   EXPECT_TRUE(std::filesystem::is_empty(path));
 }
 
+#if !defined(__SANITIZE_ADDRESS__)
 // A bus that could not be opened to the end, for want of a descriptor behind its socket, left the
-// socket in the directory.
+// socket in the directory. Not under that sanitizer: its check of an object's type opens
+// descriptors, and where none are left it calls good objects bad ones.
 TEST_F(TheBusDirectory, IsEmptyWhenTheBusCannotBeOpenedForWantOfDescriptors) {
   rlimit before{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
@@ -64,6 +66,7 @@ TEST_F(TheBusDirectory, IsEmptyWhenTheBusCannotBeOpenedForWantOfDescriptors) {
   }
   EXPECT_GT(failures, 0);
 }
+#endif
 
 TEST_F(TheBusDirectory, MayBeNamedRelativeToWhereTheProgramIs) {
   const auto before = std::filesystem::current_path();
