@@ -22,7 +22,7 @@ std::string currentExceptionText() {
   } catch (...) {
     const std::type_info* type = abi::__cxa_current_exception_type();
     return type == nullptr ? "an exception of another language"
-                           : "an exception of type " + typeName(*type);
+                           : "an exception of type " + typeName(type->name());
   }
 }
 

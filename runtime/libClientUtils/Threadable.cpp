@@ -25,17 +25,18 @@ Threadable::~Threadable() {
 void Threadable::waitForThreadCompletion() {
   // Another waiter may delete this object as soon as the thread has ended.
   const std::shared_ptr<State> state = state_;
-  const std::string body = zerva::describe(this);
   std::unique_lock lock(state->mutex);
   if (state->phase == State::Phase::kNone) return;
+  const zerva::Description body(this);
   const bool own = state->onOwnThread();
   lock.unlock();
   if (own) {
     logAppUni(kModule, kSource, kError, __LINE__,
-              "The thread body %s waits for its own thread; the wait is given up", body.c_str());
+              "The thread body %s waits for its own thread; the wait is given up",
+              body.text().c_str());
     return;
   }
-  const zerva::Waiting waiting("the end of the thread body " + body);
+  const zerva::Waiting waiting("the end of the thread body ", body);
   lock.lock();
   state->join(lock);
 }

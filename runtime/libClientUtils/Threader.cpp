@@ -11,10 +11,10 @@
 #include <utility>
 
 #include "framework/Logging.h"
+#include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ThreadSettings.h"
 #include "runtime/libClientUtils/ThreadState.h"
-#include "runtime/libClientUtils/Waiting.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ constexpr int kWarning = 3;
 struct Start {
   Threadable* body;
   /** Said before the body runs, which may delete itself. */
-  std::string description;
+  zerva::Description description;
   std::shared_ptr<Threadable::State> state;
   std::string name;
   ThreadPriority priority;
@@ -80,7 +80,7 @@ void reportException(const Start& start) {
   const std::string text = zerva::currentExceptionText();
   logAppUni(kModule, kSource, kError, __LINE__,
             "An exception ended the thread '%s' with the body %s: %s", start.name.c_str(),
-            start.description.c_str(), text.c_str());
+            start.description.text().c_str(), text.c_str());
 }
 
 // A forced unwinding is caught without an object, which the reference that names it is bound to.
@@ -131,11 +131,11 @@ Threader::~Threader() = default;
 bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name,
                      ThreadPriority priority, int stackSize) {
   if (threadId != nullptr) *threadId = 0;
-  const std::string description = zerva::describe(body);
+  const zerva::Description description(body);
   const auto fail = [&](const std::string& cause) {
     logAppUni(kModule, kSource, kError, __LINE__,
               "The thread '%s' with the body %s cannot be made: %s", name.c_str(),
-              description.c_str(), cause.c_str());
+              description.text().c_str(), cause.c_str());
     return false;
   };
   if (body == nullptr) return fail("there is no body");

@@ -7,11 +7,11 @@
 
 namespace zerva {
 
-std::string typeName(const std::type_info& type) {
+std::string typeName(const char* name) {
   int status = 0;
-  const std::unique_ptr<char, void (*)(void*)> name(
-      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
-  return name == nullptr ? type.name() : name.get();
+  const std::unique_ptr<char, void (*)(void*)> readable(
+      abi::__cxa_demangle(name, nullptr, nullptr, &status), std::free);
+  return readable == nullptr ? name : readable.get();
 }
 
 }  // namespace zerva

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <string>
-#include <typeinfo>
 
 namespace zerva {
 
-/** @returns the type's name as it is written in a source. */
-std::string typeName(const std::type_info& type);
+/**
+ * @param name a type's name as `std::type_info` has it.
+ * @returns it as it is written in a source.
+ */
+std::string typeName(const char* name);
 
 }  // namespace zerva

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "framework/Export.h"
-
-class Executable;
-class Threadable;
+#include "runtime/libClientUtils/Description.h"
 
 namespace zerva {
 
@@ -17,6 +17,10 @@ class ZERVA_EXPORT Waiting {
  public:
   /** @param what a phrase that completes "waits for". */
   explicit Waiting(std::string what);
+
+  /** @param whose what the phrase ends with. */
+  Waiting(std::string what, Description whose);
+
   ~Waiting();
   Waiting(const Waiting&) = delete;
   Waiting& operator=(const Waiting&) = delete;
@@ -24,17 +28,19 @@ class ZERVA_EXPORT Waiting {
   /** @returns what the threads of the process wait for now, the wait that began first first. */
   static std::vector<std::string> all();
 
-  /** Notes which executor was told last to shut down; its service's `stop` comes next. */
-  static void noteShutdown(std::string executor);
+  /**
+   * Notes which executor was told last to shut down; its service's `stop` comes next.
+   *
+   * @param executor tells it, if somebody asks: on any thread, until another one is noted, also
+   *     when the executor is gone.
+   */
+  static void noteShutdown(std::function<std::string()> executor);
 
   /** @returns what `noteShutdown` noted last; empty when nothing was. */
   static std::string lastShutdown();
+
+ private:
+  void begin(std::string what, std::optional<Description> whose);
 };
-
-/** @returns the object's type and the library that the type comes from; never throws for null. */
-ZERVA_EXPORT std::string describe(const Executable* executable);
-
-/** As above, for the body of a thread. */
-ZERVA_EXPORT std::string describe(const Threadable* body);
 
 }  // namespace zerva

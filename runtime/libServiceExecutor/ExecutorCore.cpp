@@ -18,7 +18,6 @@
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/MessageState.h"
-#include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
 
 namespace zerva {
@@ -35,11 +34,6 @@ const Payload& nothing() {
   return empty;
 }
 
-/** @returns the service that is to be made, for people. */
-std::string plannedService(const ExecutorSettings& settings) {
-  return "service of " + settings.creator + " in " + settings.lib;
-}
-
 void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {
   for (const auto& parker : parkers) {
     parker->unpark();
@@ -54,8 +48,10 @@ ExecutorCore::ExecutorCore(ExecutorSettings settings)
       mailbox_(mailboxOf(settings_.channel)),
       builder_(std::this_thread::get_id()),
       thread_(*this),
-      service_(settings_.service),
-      what_(service_ != nullptr ? describe(service_) : plannedService(settings_)) {
+      service_(settings_.service) {
+  if (service_ != nullptr) {
+    what_.emplace(service_);
+  }
   if (mailbox_ == nullptr) {
     EXECUTOR_LOG(2, "channel '%s' is not of this platform: its requests are not served",
                  channelName_.c_str());
@@ -116,9 +112,14 @@ void ExecutorCore::waitUntilIdle() {
   ended_.wait(lock, [this] { return underWay_ == 0; });
 }
 
-std::string ExecutorCore::description() const {
+std::function<std::string()> ExecutorCore::laterDescription() const {
   const std::lock_guard lock(mutex_);
-  return what_ + " (interface '" + settings_.interfaces + "', channel '" + channelName_ + "')";
+  const std::string planned =
+      what_ ? "" : "service of " + settings_.creator + " in " + settings_.lib;
+  return [what = what_, planned, interfaces = settings_.interfaces, channel = channelName_] {
+    return (what ? what->text() : planned) + " (interface '" + interfaces + "', channel '" +
+           channel + "')";
+  };
 }
 
 Executable* ExecutorCore::service() const {

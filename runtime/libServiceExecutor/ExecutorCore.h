@@ -3,13 +3,16 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "framework/Threadable.h"
+#include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/ServingThread.h"
 
@@ -70,7 +73,10 @@ class ExecutorCore final : public RequestReceiver,
   void waitForThread() { thread_.waitForThreadCompletion(); }
 
   /** @returns the service, its interfaces and its channel, for people. */
-  std::string description() const;
+  std::string description() const { return laterDescription()(); }
+
+  /** @returns what makes the same, also when the executor is gone. */
+  std::function<std::string()> laterDescription() const;
 
   /** @returns the service; null as long as it is not made. */
   Executable* service() const;
@@ -152,7 +158,7 @@ class ExecutorCore final : public RequestReceiver,
   std::atomic<bool> closed_{false};
   bool started_ = false;
   Executable* service_;
-  std::string what_;  // the service, for people
+  std::optional<Description> what_;  // the service, as soon as there is one
   std::deque<Envelope> queue_;
   unsigned underWay_ = 0;
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply

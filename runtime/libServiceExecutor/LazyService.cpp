@@ -65,7 +65,10 @@ ExecutorCore::Made ExecutorCore::callContext(const CallChain& chain) {
 
 /** Tells everyone who waits how the making ended. */
 void ExecutorCore::settle(const Made& made) {
-  const std::string what = made.service != nullptr ? describe(made.service) : std::string();
+  std::optional<Description> what;
+  if (made.service != nullptr) {
+    what.emplace(made.service);
+  }
   std::deque<Envelope> refused;
   std::size_t forPool = 0;
   std::vector<std::shared_ptr<Parker>> woken;
@@ -78,7 +81,7 @@ void ExecutorCore::settle(const Made& made) {
     ++attempts_;
     service_ = made.service;
     if (service_ != nullptr) {
-      what_ = what;
+      what_.swap(what);
     }
     woken = awaitingService_;
     if (made.service == nullptr) {

@@ -90,6 +90,6 @@ void ServiceExecutor::initService() {
 }
 
 void ServiceExecutor::shutdown() {
-  zerva::Waiting::noteShutdown(state_->core->description());
+  zerva::Waiting::noteShutdown(state_->core->laterDescription());
   state_->core->shutdown();
 }

@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <memory>
 #include <optional>
 
+#include "framework/Dll.h"
 #include "framework/Service.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "tests/platform/Libraries.h"
 
 namespace {
 
@@ -17,9 +20,11 @@ class DescribedService : public Service {
 namespace zerva {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 TEST(Waits, AreListedInTheOrderInWhichTheyBegan) {
   std::optional<Waiting> first("one thing");
@@ -38,9 +43,18 @@ TEST(Waits, AreNotListedWhenTheyAreOver) {
   EXPECT_THAT(Waiting::all(), IsEmpty());
 }
 
+TEST(Waits, MayEndWithADescription) {
+  const DescribedService service;
+
+  const Waiting sut("the end of ", Description(static_cast<const Threadable*>(&service)));
+
+  EXPECT_THAT(Waiting::all(),
+              ElementsAre(AllOf(StartsWith("the end of "), HasSubstr("DescribedService of "))));
+}
+
 TEST(TheLastShutdown, IsTheOneThatWasNotedLast) {
-  Waiting::noteShutdown("one executor");
-  Waiting::noteShutdown("another executor");
+  Waiting::noteShutdown([] { return "one executor"; });
+  Waiting::noteShutdown([] { return "another executor"; });
 
   EXPECT_EQ(Waiting::lastShutdown(), "another executor");
 }
@@ -53,6 +67,18 @@ TEST(ADescription, NamesTheTypeAndTheLibraryOfAnObject) {
     EXPECT_THAT(sut, HasSubstr("DescribedService"));
     EXPECT_THAT(sut, HasSubstr(" of platform_client_"));
   }
+}
+
+TEST(ADescription, OutlivesTheObjectAndItsLibrary) {
+  std::optional<Description> sut;
+  {
+    Dll library(libraryDirectory() / "libplatform_plugin.so");
+    auto* const create = reinterpret_cast<Service* (*)()>(library.symbol("createPluginService"));
+    const std::unique_ptr<Service> service(create());
+    sut.emplace(static_cast<const Executable*>(service.get()));
+  }
+
+  EXPECT_THAT(sut->text(), HasSubstr("PluginService of libplatform_plugin.so"));
 }
 
 TEST(ADescription, OfNothing_SaysSo) {
