@@ -2,20 +2,17 @@
 
 #include <list>
 #include <mutex>
+#include <unordered_map>
 #include <utility>
 
 namespace zerva {
 namespace {
 
-struct Library {
-  const Dll* object;
-  std::string name;
-};
-
 struct Libraries {
   std::mutex mutex;
   // Guarded by mutex.
-  std::list<Library> open;
+  std::list<std::string> names;
+  std::unordered_map<const Dll*, std::list<std::string>::iterator> open;
 };
 
 /** Never destroyed: what is left undeleted on purpose hangs on it. */
@@ -33,19 +30,23 @@ std::size_t OpenLibraries::objects() {
 
 std::vector<std::string> OpenLibraries::names() {
   const std::lock_guard lock(libraries().mutex);
-  std::vector<std::string> names;
-  for (const Library& library : libraries().open) names.push_back(library.name);
-  return names;
+  return {libraries().names.begin(), libraries().names.end()};
 }
 
 void OpenLibraries::add(const Dll* library, std::string name) {
+  std::list<std::string> mine;
+  mine.push_back(std::move(name));
   const std::lock_guard lock(libraries().mutex);
-  libraries().open.push_back({library, std::move(name)});
+  libraries().open[library] = mine.begin();
+  libraries().names.splice(libraries().names.end(), mine);
 }
 
 void OpenLibraries::remove(const Dll* library) {
   const std::lock_guard lock(libraries().mutex);
-  libraries().open.remove_if([library](const Library& one) { return one.object == library; });
+  const auto found = libraries().open.find(library);
+  if (found == libraries().open.end()) return;
+  libraries().names.erase(found->second);
+  libraries().open.erase(found);
 }
 
 }  // namespace zerva
