@@ -57,17 +57,16 @@ void applyName(const std::string& name) {
 
 void applyPriority(ThreadPriority priority, const std::string& name) {
   // A thread starts with what the thread that made it has, which may be anything.
-  int policy = ::sched_getscheduler(::getpid());
+  int policy = SCHED_IDLE;
   sched_param parameters{};
-  ::sched_getparam(::getpid(), &parameters);
-  if (priority == THREAD_PRIORITY_LOW) {
-    policy = SCHED_IDLE;
-    parameters.sched_priority = 0;
-  } else if (priority == THREAD_PRIORITY_HIGH) {
+  if (priority == THREAD_PRIORITY_HIGH) {
     policy = SCHED_RR;
     parameters.sched_priority = ::sched_get_priority_min(SCHED_RR);
-  } else if (policy == ::sched_getscheduler(0)) {
-    return;
+  } else if (priority != THREAD_PRIORITY_LOW) {
+    const pid_t process = ::getpid();
+    policy = ::sched_getscheduler(process);
+    if (policy == ::sched_getscheduler(0)) return;
+    ::sched_getparam(process, &parameters);
   }
   const int error = pthread_setschedparam(pthread_self(), policy, &parameters);
   if (error == 0) return;
