@@ -18,6 +18,7 @@
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
@@ -134,6 +135,8 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   EndRequest request;
   Host host(report);
   const ReserveForTheWayDown wayDown(reserve);
+  // As long as this may still be the only thread.
+  prepareForManySleepers();
   const SignalThread signalThread(signals, [&](int number) {
     endSignalled(number, signals, request, host, bus, report, reserve);
   });

@@ -13,6 +13,7 @@
 #include "framework/Logging.h"
 #include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/ThreadSettings.h"
 #include "runtime/libClientUtils/ThreadState.h"
 
@@ -142,6 +143,8 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
   auto start = std::make_unique<Start>(Start{body, description, state, name, priority});
   const std::size_t bytes =
       zerva::ThreadSettings::stackSize(static_cast<std::size_t>(std::max(0, stackSize)));
+  static const bool prepared = (zerva::prepareForManySleepers(), true);
+  static_cast<void>(prepared);
   int error = 0;
   {
     std::unique_lock lock(state->mutex);
