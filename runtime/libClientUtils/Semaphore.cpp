@@ -1,29 +1,19 @@
 #include "framework/Semaphore.h"
 
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <new>
-#include <thread>
+#include <variant>
+
+#include "runtime/libClientUtils/Permits.h"
+#include "runtime/libClientUtils/RecursivePermits.h"
 
 struct Semaphore::State {
-  State(int initial, int most, bool mayNest) : maximum(most), recursive(mayNest), free(initial) {}
+  using Permits = std::variant<zerva::Permits, zerva::RecursivePermits>;
 
-  bool takenAgainBy(std::thread::id thread) const {
-    return recursive && taken > 0 && lastTaker == thread;
-  }
+  State(int initial, int maximum, bool recursive)
+      : permits(recursive ? Permits(std::in_place_type<zerva::RecursivePermits>, initial, maximum)
+                          : Permits(std::in_place_type<zerva::Permits>, initial, maximum)) {}
 
-  const int maximum;
-  const bool recursive;
-
-  std::mutex mutex;
-  std::condition_variable given;
-  // Guarded by mutex.
-  int free;
-  int waiting = 0;
-  int taken = 0;
-  int takenAgain = 0;
-  std::thread::id lastTaker;
+  Permits permits;
 };
 
 Semaphore::Semaphore(int initial, int maximum, bool recursive) {
@@ -36,43 +26,9 @@ Semaphore::~Semaphore() { state().~State(); }
 Semaphore::State& Semaphore::state() { return *std::launder(reinterpret_cast<State*>(state_)); }
 
 bool Semaphore::take(int timeout) {
-  State& s = state();
-  const auto self = std::this_thread::get_id();
-  std::unique_lock lock(s.mutex);
-  if (s.takenAgainBy(self)) {
-    ++s.takenAgain;
-    return true;
-  }
-  if (s.free <= 0 && timeout != 0) {
-    ++s.waiting;
-    const auto isFree = [&s] { return s.free > 0; };
-    if (timeout < 0) {
-      s.given.wait(lock, isFree);
-    } else {
-      // A deadline of this clock does not move when somebody sets the time of day.
-      s.given.wait_until(
-          lock, std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout), isFree);
-    }
-    --s.waiting;
-  }
-  if (s.free <= 0) return false;
-  --s.free;
-  ++s.taken;
-  s.lastTaker = self;
-  return true;
+  return std::visit([timeout](auto& permits) { return permits.take(timeout); }, state().permits);
 }
 
 bool Semaphore::give() {
-  State& s = state();
-  const std::lock_guard lock(s.mutex);
-  if (s.takenAgain > 0) {
-    --s.takenAgain;
-    return true;
-  }
-  if (s.free >= s.maximum) return false;
-  ++s.free;
-  if (s.taken > 0) --s.taken;
-  // Under the lock: once it is released, a thread that was woken may delete the semaphore.
-  if (s.waiting > 0) s.given.notify_one();
-  return true;
+  return std::visit([](auto& permits) { return permits.give(); }, state().permits);
 }

@@ -169,6 +169,50 @@ TEST(ASemaphore, LosesNoPermitBetweenThoseWhoGiveAndThoseWhoTake) {
   EXPECT_FALSE(sut.take(0));
 }
 
+TEST(ASemaphore, ThatIsGivenSeveralTimesAtOnce_WakesAsManyWhoWait) {
+  constexpr std::size_t kTakers = 3;
+  constexpr int kRounds = 3000;
+  Semaphore sut(0, kTakers, false);
+  Semaphore taken(0, kTakers, false);
+
+  // Nobody gives more before all who wait have got theirs.
+  concurrently(kTakers + 1, [&](std::size_t thread) {
+    for (int round = 0; round < kRounds; ++round) {
+      for (std::size_t taker = 0; thread == kTakers && taker < kTakers; ++taker) {
+        ASSERT_TRUE(sut.give());
+      }
+      for (std::size_t taker = 0; thread == kTakers && taker < kTakers; ++taker) {
+        ASSERT_TRUE(taken.take(kWithoutLimit));
+      }
+      if (thread < kTakers) {
+        ASSERT_TRUE(sut.take(kWithoutLimit));
+        ASSERT_TRUE(taken.give());
+      }
+    }
+  });
+}
+
+TEST(ASemaphore, LosesNoWakingToOneWhoseTimeRunsOut) {
+  constexpr int kPermits = 500;
+  Semaphore sut(0, kPermits, false);
+  std::atomic<int> taken{0};
+
+  concurrently(5, [&](std::size_t thread) {
+    for (int i = 0; i < kPermits; ++i) {
+      if (thread == 0) {
+        ASSERT_TRUE(sut.give());
+        // One at a time, so that each giving meets those who wait and those who give up.
+        ASSERT_TRUE(waitUntil([&] { return taken > i; }));
+      } else if (thread < 4) {
+        taken += sut.take(1) ? 1 : 0;
+      }
+    }
+    while (thread == 4 && taken < kPermits) taken += sut.take(1) ? 1 : 0;
+  });
+
+  EXPECT_EQ(taken, kPermits);
+}
+
 TEST(ASemaphore, MayBeDeletedByTheOneWhomItWoke) {
   for (int i = 0; i < 300; ++i) {
     auto* const sut = new Semaphore(0, 1, false);
