@@ -34,7 +34,10 @@ class ZERVA_EXPORT CCInterceptorDispatcher {
   /** A channel reports that a message reached its receiver. */
   virtual void dispatchReceived(const InterceptedMessage& message);
 
-  /** @returns whether there are any, so that a channel need not put together what nobody sees. */
+  /**
+   * @returns whether there are any. As long as there are none a channel reports nothing, so whoever
+   *     overrides the report overrides this too; it is asked under locks and must not call back.
+   */
   virtual bool hasInterceptors() const;
 
  private:

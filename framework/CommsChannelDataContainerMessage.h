@@ -20,7 +20,7 @@ class ZERVA_EXPORT CommsChannelDataContainerMessage {
   void setChannel(const std::string& channel);
 
   /** @returns the name of the channel that the message is for; in a message that was received, of
-   * the channel that it came from. */
+   * the channel that it came from; valid until the next `setChannel`. */
   const std::string& getChannel() const;
 
   /** Sets the bytes that are sent; any bytes, zeros included. */

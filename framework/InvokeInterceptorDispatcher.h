@@ -31,7 +31,11 @@ class ZERVA_EXPORT InvokeInterceptorDispatcher {
   /** An executor reports an invocation. */
   virtual void dispatch(const Invocation& invocation);
 
-  /** @returns whether there are any, so that an executor need not put together what nobody sees. */
+  /**
+   * @returns whether there are any. As long as there are none an executor reports nothing, so
+   * whoever overrides the report overrides this too; it is asked under locks and must not call
+   * back.
+   */
   virtual bool hasInterceptors() const;
 
  private:

@@ -184,19 +184,15 @@ void Mailbox::answer(Envelope& request, Payload data, const std::string& error) 
 
 void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                            const std::string& error) {
-  if (isSeen()) {
-    std::unique_lock lock(mutex_);
-    if (awaited(requestId, answerer) == nullptr) {
-      return;
-    }
-    const Delivery delivery(*this);
-    lock.unlock();
-    tellReceived(requestId, sizeOf(data), error);
-  }
   std::shared_ptr<Parker> waiter;
   {
-    const std::lock_guard lock(mutex_);
-    Outstanding* const request = awaited(requestId, answerer);
+    std::unique_lock lock(mutex_);
+    Outstanding* request = awaited(requestId, answerer);
+    // While a request is awaited the channel is there, and so is its dispatcher.
+    if (request != nullptr && isSeen()) {
+      tellReceived(lock, requestId, sizeOf(data), error);
+      request = awaited(requestId, answerer);  // it may have been given up meanwhile
+    }
     if (request == nullptr) {
       return;
     }
@@ -209,22 +205,26 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
 }
 
 /**
- * Tells the interceptors of a reply, before it is handed over, so that whoever gets it finds it
- * counted. What goes wrong with them is not to keep the reply from who waits for it.
+ * Tells the interceptors of an awaited reply, before it is handed over, so that whoever gets it
+ * finds it counted. What goes wrong with them is not to keep the reply from who waits for it. The
+ * lock is released meanwhile.
  */
-void Mailbox::tellReceived(std::uint32_t requestId, std::size_t size, const std::string& error) {
-  const auto failure = exceptionOf([&] {
-    std::unique_lock lock(mutex_);
-    const auto found = outstanding_.find(requestId);
-    const std::string from = found != outstanding_.end() ? textOf(found->second.to) : std::string();
+void Mailbox::tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId,
+                           std::size_t size, const std::string& error) {
+  {
+    const Delivery delivery(*this);
+    const SharedName from = outstanding_.at(requestId).to;
     lock.unlock();
-    dispatcher_->dispatchReceived({from, name(), size, requestId, true, error});
-  });
-  if (failure) {
-    logAppUni("Channels", "runtime/libClientUtils", 2, __LINE__,
-              "a reply to channel '%s' was not told to the interceptors: %s", name().c_str(),
-              failure->c_str());
+    const auto failure = exceptionOf([&] {
+      dispatcher_->dispatchReceived({textOf(from), name(), size, requestId, true, error});
+    });
+    if (failure) {
+      logAppUni("Channels", "runtime/libClientUtils", 2, __LINE__,
+                "a reply to channel '%s' was not told to the interceptors: %s", name().c_str(),
+                failure->c_str());
+    }
   }
+  lock.lock();
 }
 
 /**
@@ -318,10 +318,18 @@ std::string Mailbox::endWith(std::uint32_t requestId, const std::string& error) 
   if (error.empty()) {
     return {};
   }
-  const std::lock_guard lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  if (requestId != 0 && found != outstanding_.end() && !found->second.ended) {
-    found->second.end({nullptr, error});
+  std::shared_ptr<Parker> waiter;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto found = outstanding_.find(requestId);
+    if (requestId != 0 && found != outstanding_.end() && !found->second.ended) {
+      found->second.end({nullptr, error});
+      waiter = found->second.waiter;
+    }
+  }
+  // Another thread may wait for it already.
+  if (waiter != nullptr) {
+    waiter->unpark();
   }
   return error;
 }

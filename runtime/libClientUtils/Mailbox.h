@@ -128,7 +128,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   std::string expect(std::uint32_t requestId, const SharedName& to);
   std::uint64_t aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
   std::string deliverTo(Envelope& envelope, std::uint32_t requestId);
-  void tellReceived(std::uint32_t requestId, std::size_t size, const std::string& error);
+  void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,
+                    const std::string& error);
   Outstanding* awaited(std::uint32_t requestId, std::uint64_t answerer);
   std::string endWith(std::uint32_t requestId, const std::string& error);
   Outstanding* startWaiting(std::uint32_t requestId, std::shared_ptr<Destination>& asked,

@@ -30,8 +30,9 @@ std::shared_ptr<Mailbox> mailboxOf(CommsChannelIfc* channel) {
 }
 
 const Payload& nothing() {
-  static const Payload empty = std::make_shared<const std::string>();
-  return empty;
+  // Never destroyed, since threads may serve while the process ends.
+  static const auto* const empty = new Payload(std::make_shared<const std::string>());
+  return *empty;
 }
 
 void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {

@@ -49,6 +49,7 @@ struct ServiceThreadPool::State final : public zerva::RunningPlace {
   using Workers = std::list<std::unique_ptr<Worker>>;
 
   class Leaving;
+  class Looking;
   class Running;
 
   struct Task {
@@ -57,6 +58,7 @@ struct ServiceThreadPool::State final : public zerva::RunningPlace {
   };
 
   void work(Worker& worker);
+  void awaitTask(std::unique_lock<std::mutex>& lock);
   bool mayStart() const { return !tasks_.empty() && running_ < size_; }
   bool tooMany() const { return workers_.size() - waiting_ > size_; }
   bool needsThread() const { return mayStart() && tasks_.size() > looking_ + starting_; }

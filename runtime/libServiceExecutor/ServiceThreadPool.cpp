@@ -31,6 +31,18 @@ class ServiceThreadPool::State::Running {
   std::unique_lock<std::mutex>& lock_;
 };
 
+/** While it lives, a thread looks for a task. Made and destroyed under the lock. */
+class ServiceThreadPool::State::Looking {
+ public:
+  explicit Looking(State& pool) : pool_(pool) { ++pool_.looking_; }
+  ~Looking() { --pool_.looking_; }
+  Looking(const Looking&) = delete;
+  Looking& operator=(const Looking&) = delete;
+
+ private:
+  State& pool_;
+};
+
 /** Takes a thread out of the pool when it ends, also when somebody ends it in the middle. */
 class ServiceThreadPool::State::Leaving {
  public:
@@ -109,7 +121,7 @@ bool ServiceThreadPool::State::execute(std::function<void()> task) {
   const std::uint64_t number = ++lastTask_;
   tasks_.push_back({number, std::move(task)});
   if (!needsThread()) {
-    const std::shared_ptr<zerva::Parker> sleeper = takeSleeper();
+    const std::shared_ptr<zerva::Parker> sleeper = mayStart() ? takeSleeper() : nullptr;
     lock.unlock();
     if (sleeper != nullptr) {
       sleeper->unpark();
@@ -191,23 +203,28 @@ void ServiceThreadPool::State::wakeAll() {
   }
 }
 
+/** Waits until there is a task, or the thread is not needed any more; counted meanwhile. */
+void ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
+  // However it ends, also for want of memory: one that is counted is relied on.
+  const Looking looking(*this);
+  while (!mayStart() && !ending_ && !tooMany()) {
+    const std::shared_ptr<zerva::Parker>& parker = zerva::Parker::ofThisThread();
+    sleepers_.push_back(parker);
+    lock.unlock();
+    parker->park();
+    lock.lock();
+    // It is there no more when a sleeper was wanted.
+    sleepers_.erase(std::remove(sleepers_.begin(), sleepers_.end(), parker), sleepers_.end());
+  }
+}
+
 void ServiceThreadPool::State::work(Worker& worker) {
   zerva::servingThread().place = this;
   const Leaving leaving(*this, worker);
-  const std::shared_ptr<zerva::Parker>& parker = zerva::Parker::ofThisThread();
   std::unique_lock lock(mutex_);
   --starting_;
   for (;;) {
-    ++looking_;
-    while (!mayStart() && !ending_ && !tooMany()) {
-      sleepers_.push_back(parker);
-      lock.unlock();
-      parker->park();
-      lock.lock();
-      // It is there no more when a sleeper was wanted.
-      sleepers_.erase(std::remove(sleepers_.begin(), sleepers_.end(), parker), sleepers_.end());
-    }
-    --looking_;
+    awaitTask(lock);
     if (!mayStart()) {
       return;
     }

@@ -26,8 +26,8 @@ std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() 
 
 /** @returns what a message calls; nothing when it is no call. */
 const CalledIn& calleeOf(const Envelope& envelope) {
-  static const CalledIn none;
-  return envelope.callee != nullptr ? *envelope.callee : none;
+  static const auto* const none = new CalledIn;  // never destroyed: threads may outlive main
+  return envelope.callee != nullptr ? *envelope.callee : *none;
 }
 
 /** @returns whether a frame that begins like this is one that the other side takes. */
