@@ -109,4 +109,27 @@ TEST(AnExecutorThatIsDeleted, AnswersARequestThatReachesItTooLate) {
   EXPECT_EQ(answer.error, "nobody serves channel '/svc'");
 }
 
+/** Counts how often it is asked whether anybody is to be told. */
+class AskedDispatcher final : public CCInterceptorDispatcher {
+ public:
+  bool hasInterceptors() const override {
+    ++asked;
+    return false;
+  }
+  mutable int asked = 0;
+};
+
+// The dispatcher has to live as long as the channel and no longer, and a reply may come later.
+TEST(AReplyThatComesTooLate, AsksNothingOfTheDispatcherOfAChannelThatIsGone) {
+  AskedDispatcher dispatcher;
+  auto caller = std::make_unique<CommsChannel>("/test/caller", &dispatcher);
+  const auto sut = caller->state().mailbox;
+  caller.reset();
+  const int before = dispatcher.asked;
+
+  sut->receiveReply(1, 1, nullptr, "too late");
+
+  EXPECT_EQ(dispatcher.asked, before);
+}
+
 }  // namespace
