@@ -154,6 +154,12 @@ bool FaultyLife::inMakingAProxy() const {
   return kind_ == "proxy" ? reached() : holds(stack, "initProxyAndAddToRepository");
 }
 
+std::string FaultyLife::waits() const {
+  const std::string errors = process_.errors();
+  const std::size_t watchdog = errors.find("watchdog: ");
+  return watchdog == std::string::npos ? "" : errors.substr(watchdog);
+}
+
 /**
  * Known limit: what the configurator has made, or has had made, and not recorded yet when there is
  * no memory is nobody's.

@@ -50,6 +50,9 @@ class FaultyLife {
   std::string output() const { return process_.output(); }
   std::string errors() const { return process_.errors(); }
 
+  /** @returns what the watchdog says that its threads wait in; empty when it has said nothing. */
+  std::string waits() const;
+
  private:
   bool away() const { return kind_.ends_with("_away"); }
   bool hasFault() const { return nth_ > 0 || kind_.starts_with("space"); }
