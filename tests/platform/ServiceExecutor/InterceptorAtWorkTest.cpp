@@ -1,13 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <new>
 #include <string>
 #include <thread>
 
 #include "framework/CCInterceptorDispatcher.h"
+#include "tests/platform/ClientUtils/ThreadReports.h"
+#include "tests/platform/ServiceExecutor/ReplyTimeoutIs.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
 #include "tests/support/WaitUntil.h"
@@ -15,6 +19,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using zerva::waitUntil;
 
 /** Notes what it sees, and then does what the test wants. */
@@ -130,6 +135,34 @@ TEST(AnInterceptor, ThatThrows_DoesNotKeepAReplyFromItsCaller) {
 
   EXPECT_EQ(answer.data, "four") << answer.error;
   world.end();
+}
+
+// The request is on its way while the interceptor sees it, and another thread may wait for it then.
+TEST(AnInterceptor, OfARequestThatNobodyTakes_DoesNotKeepTheThreadThatWaitsForIt) {
+  const zerva::ReplyTimeoutIs forGood(std::chrono::hours(1));
+  CCInterceptorDispatcher dispatcher;
+  Messages sut;
+  dispatcher.addInterceptor(&sut);
+  CommsChannel caller("/test/caller", &dispatcher);
+  std::atomic<int> waiting{0};
+  CommsChannelDataContainerMessage reply;
+  std::thread waiter;
+  sut.then = [&] {
+    waiter = std::thread([&] {
+      waiting = gettid();
+      EXPECT_FALSE(caller.receiveReply(reply, 7));
+    });
+    ASSERT_TRUE(waitUntil([&] { return waiting != 0 && zerva::threadState(waiting) == 'S'; }));
+  };
+  CommsChannelDataContainerMessage message;
+  message.setChannel("/nobody");
+  message.setRequestId(7);
+
+  EXPECT_FALSE(caller.send(message));
+
+  waiter.join();
+  EXPECT_THAT(reply.getError(), HasSubstr("'/nobody'"));
+  dispatcher.removeInterceptor(&sut);
 }
 
 TEST(AnInterceptor, OfMessages_MayRemoveItselfWhileItIsCalled) {
