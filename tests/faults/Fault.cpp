@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <execinfo.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -14,7 +15,7 @@ namespace zerva::fault {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Kind>, 22> kNames{{{"new", Kind::New},
+constexpr std::array<std::pair<const char*, Kind>, 23> kNames{{{"new", Kind::New},
                                                                {"malloc", Kind::Malloc},
                                                                {"dlopen", Kind::DlOpen},
                                                                {"dlsym", Kind::DlSym},
@@ -34,6 +35,7 @@ constexpr std::array<std::pair<const char*, Kind>, 22> kNames{{{"new", Kind::New
                                                                {"openbusfile", Kind::OpenBusFile},
                                                                {"descriptor", Kind::Descriptor},
                                                                {"diskfull", Kind::DiskFull},
+                                                               {"death", Kind::Death},
                                                                {"clock", Kind::Clock},
                                                                {"proxy", Kind::Proxy}}};
 
@@ -53,6 +55,23 @@ void tell() {
   backtrace_symbols_fd(frames.data(), backtrace(frames.data(), frames.size()), STDERR_FILENO);
 }
 
+/** Calls by which a life goes on; there is one only of those that several kinds share. */
+bool isAStep(Kind kind) {
+  switch (kind) {
+    case Kind::None:
+    case Kind::New:
+    case Kind::Malloc:
+    case Kind::SendPart:
+    case Kind::SendFull:
+    case Kind::DiskFull:
+    case Kind::Proxy:
+    case Kind::Clock:
+      return false;
+    default:
+      return true;
+  }
+}
+
 }  // namespace
 
 Kind kindOf(const std::string& name) {
@@ -70,11 +89,14 @@ void choose(Kind kind, long nth) {
 void count(bool on) { counting = on; }
 
 bool hits(Kind kind) {
-  if (!counting.load(std::memory_order_relaxed) || chosen.load(std::memory_order_relaxed) != kind ||
+  const Kind wanted = chosen.load(std::memory_order_relaxed);
+  const bool counts = kind == wanted || (wanted == Kind::Death && isAStep(kind));
+  if (!counts || !counting.load(std::memory_order_relaxed) ||
       counted.fetch_add(1, std::memory_order_relaxed) + 1 != failing) {
     return false;
   }
   tell();
+  if (wanted == Kind::Death) kill(getpid(), SIGKILL);
   return true;
 }
 

@@ -32,6 +32,7 @@ enum class Kind {
   DiskFull,     // writing to a file that is not a standard one: ENOSPC, from that call on
   Descriptor,   // eventfd, timerfd_create, epoll_create1, signalfd, pidfd_open: EMFILE
   Proxy,        // the creator of a proxy throws std::bad_alloc
+  Death,        // any of the calls above but those for memory: the process is killed before it
   Clock         // each look at the wall clock finds it put forward or back, by up to a day
 };
 

@@ -108,6 +108,19 @@ TEST_P(ALifeWithAFault, WhicheverCallFails_GoesDownInOrder) {
   RecordProperty("faults", static_cast<int>(reached));
 }
 
+TEST(ALife, KilledAtAnyStep_HarmsNeitherTheOtherHostNorTheNextLife) {
+  // What is to be left alone is outside of the process: under the sanitizers some steps will do.
+  constexpr long kStride = kSample == 40 ? 1 : 15;
+  std::size_t killed = 0;
+  for (long next = 1;; next += 2 * kStride) {
+    const std::size_t reached = runLives("death_away", {next, next + kStride});
+    killed += reached;
+    if (reached < 2 || testing::Test::HasFailure()) break;
+  }
+  EXPECT_GT(killed, 2U);
+  RecordProperty("faults", static_cast<int>(killed));
+}
+
 TEST(ALife, WhoseDirectiveFileCannotBeRead_IsRefused) {
   FaultyLife sut("readfile", 1);
   EXPECT_EQ(sut.complaint(), "");

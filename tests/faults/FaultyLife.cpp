@@ -88,7 +88,8 @@ FaultyLife::FaultyLife(const std::string& kind, long nth,
     : kind_(kind),
       nth_(nth),
       other_(away() ? other() : nullptr),
-      process_(build() / "bin/faulty_life", arguments(), environmentFor(hasFault(), environment)) {}
+      process_(build() / "bin/faulty_life", arguments(kind_.substr(0, kind_.find('_')), nth_),
+               environmentFor(hasFault(), environment)) {}
 
 std::unique_ptr<ChildProcess> FaultyLife::other() const {
   auto host = std::make_unique<ChildProcess>(
@@ -101,17 +102,18 @@ std::unique_ptr<ChildProcess> FaultyLife::other() const {
   return host;
 }
 
-std::vector<std::string> FaultyLife::arguments() const {
+std::vector<std::string> FaultyLife::arguments(const std::string& call, long nth) const {
   std::string directives = firstHost();
   if (!away()) {
     const std::string second = directory_.write("second.directives", secondHost());
     directives = registry() + startOf(second) + directives;
   }
-  std::vector<std::string> all{kind_.substr(0, kind_.find('_')),
-                               std::to_string(nth_),
+  const bool faulty = nth > 0 || call == "space";
+  std::vector<std::string> all{call,
+                               std::to_string(nth),
                                directory_.write("first.directives", directives),
                                directory_.file("bus"),
-                               std::to_string(hasFault() ? kSeconds : kWithoutFault),
+                               std::to_string(faulty ? kSeconds : kWithoutFault),
                                std::to_string(kMoreSeconds)};
   if (away()) all.emplace_back("/zerva/serviceregistry");
   return all;
@@ -126,6 +128,13 @@ std::string FaultyLife::complaint() {
 
 std::string FaultyLife::wrong() {
   const auto code = process_.wait(std::chrono::seconds(kSeconds + kWithoutFault * kSlower));
+  const bool killed = kind_ == "death_away" && reached() && code == 128 + SIGKILL;
+  std::string found = killed ? wrongWithAnother() : wrongWith(code);
+  return found.empty() ? wrongWithWhatIsLeft() : found;
+}
+
+/** @param code the one that it ended with, if it did. */
+std::string FaultyLife::wrongWith(std::optional<int> code) const {
   if (!code) return "it does not end, not even by its watchdog";
   if (*code == Watchdog::exitCode) return "it hangs";
   if (holds(process_.errors(), "Sanitizer: ") && !leaksWhatWasBeingMade()) {
@@ -133,6 +142,18 @@ std::string FaultyLife::wrong() {
   }
   if (!isAnEnd(*code)) return "it ends with " + std::to_string(*code);
   if (*code != 0 && process_.errors().empty()) return "nobody is told what failed";
+  return {};
+}
+
+std::string FaultyLife::wrongWithAnother() const {
+  ChildProcess another(build() / "bin/faulty_life", arguments("none", 0),
+                       environmentFor(false, {}));
+  const auto code = another.wait(std::chrono::seconds(kWithoutFault * kSlower));
+  if (code == 0 && holds(another.output(), "busy: and back: done")) return {};
+  return "the next life is harmed\n" + another.output() + another.errors();
+}
+
+std::string FaultyLife::wrongWithWhatIsLeft() {
   if (!process_.survivors().empty()) return "a process is left";
   if (other_ != nullptr) {
     other_->signal(SIGTERM);

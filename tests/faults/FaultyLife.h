@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,9 +58,12 @@ class FaultyLife {
   bool away() const { return kind_.ends_with("_away"); }
   bool hasFault() const { return nth_ > 0 || kind_.starts_with("space"); }
   std::unique_ptr<ChildProcess> other() const;
-  std::vector<std::string> arguments() const;
+  std::vector<std::string> arguments(const std::string& call, long nth) const;
   bool leaksWhatWasBeingMade() const;
   std::string wrong();
+  std::string wrongWith(std::optional<int> code) const;
+  std::string wrongWithAnother() const;
+  std::string wrongWithWhatIsLeft();
 
   const std::string kind_;
   const long nth_;
