@@ -2,9 +2,11 @@
 #include <thread>
 
 #include "framework/CallException.h"
+#include "framework/Dll.h"
 #include "framework/Proxy.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/WaitUntil.h"
 #include "tests/system/SystemWorld.h"
 
 namespace zerva {
@@ -92,14 +94,20 @@ TEST_F(Stress, LazyServicesFindEachOtherInARingWhileTheyAreMade) {
 }
 
 TEST_F(Stress, TimersExpireWhileTheirOwnersAreStoppedAndDeleted) {
+  Dll library("libTicking.so");
+  const auto* const expiries =
+      static_cast<const std::atomic<int>*>(library.symbol("expiriesOfTicking"));
+  ASSERT_NE(expiries, nullptr) << library.error();
   for (int round = rounds(20); round > 0; --round) {
     start(
         "service_instance: ST libTicking.so createTicking /test/st StIfc\n"
         "service_instance: MT libTicking.so createTicking /test/mt MtIfc\n"
         "service_legacy: libTicking.so createTicking LegacyIfc\n");
-    std::this_thread::sleep_for(std::chrono::milliseconds(round % 5));
+    const int enough = *expiries + round % 5;
+    ASSERT_TRUE(waitUntil([&] { return *expiries >= enough; }));
     end();
   }
+  EXPECT_GE(*expiries, 20);
 }
 
 TEST_F(Stress, ServicesAreShutDownWhileCallsStreamIn) {
@@ -111,8 +119,10 @@ TEST_F(Stress, ServicesAreShutDownWhileCallsStreamIn) {
       ASSERT_NE(found.back(), nullptr);
     }
     std::atomic<int> calls{0};
+    std::atomic<bool> over{false};
     std::thread stopper([&] {
-      while (calls < 200) std::this_thread::yield();
+      EXPECT_TRUE(waitUntil([&] { return calls >= 200; }));
+      over = true;
       sut->shutdown();
     });
     concurrently(9, [&](std::size_t thread) {
@@ -121,11 +131,10 @@ TEST_F(Stress, ServicesAreShutDownWhileCallsStreamIn) {
           found[thread % 3]->pass({"RelayIfc1", "RelayIfc3"});
           ++calls;
         }
-      } catch (const CallException&) {
-        // It is over.
+      } catch (const CallException& error) {
+        EXPECT_TRUE(over) << error.what();
       }
     });
-    calls = 200;
     stopper.join();
     end();
   }

@@ -7,6 +7,10 @@
 #include "SvcRTEContext.h"
 #include "framework/Service.h"
 
+/** How many timers have expired, of all these services. */
+extern "C" ZERVA_EXPORT std::atomic<int> expiriesOfTicking;
+std::atomic<int> expiriesOfTicking{0};
+
 class TickingService : public Service {
  public:
   ~TickingService() override { alive_ = false; }
@@ -17,6 +21,7 @@ class TickingService : public Service {
 
   void timerExpired(int /*timer*/) override {
     if (!alive_) std::abort();
+    ++expiriesOfTicking;
   }
 
  private:
