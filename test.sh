@@ -15,6 +15,9 @@
 #        ./test.sh fuzz [SECONDS]
 #                             the fuzz targets, 60 seconds each if not said otherwise; the last line
 #                             counts them. scripts/fuzz.sh runs single ones
+#        ./test.sh soak [LIVES]
+#                             starts and stops the demo's processes, 10,000 times if not said
+#                             otherwise; called again after it was ended it goes on
 #        ./test.sh help       this text
 #
 # The last line is "N passed, N failed", counted over all presets that were run; the exit code is 0
@@ -74,7 +77,8 @@ run_checks() {
 }
 
 verb=${1:-all}
-[ $# -le 1 ] || [ "$verb" = mutation ] || { [ "$verb" = fuzz ] && [ $# -eq 2 ]; } || verb=help
+[ $# -le 1 ] || [ "$verb" = mutation ] || { [[ $verb = fuzz || $verb = soak ]] && [ $# -eq 2 ]; } ||
+  verb=help
 case "$verb" in
   all)
     scripts/install-dependencies.sh test
@@ -127,6 +131,10 @@ case "$verb" in
   fuzz)
     scripts/install-dependencies.sh fuzz
     scripts/fuzz.sh "${@:2}"
+    ;;
+  soak)
+    scripts/install-dependencies.sh test
+    scripts/soak.sh "${@:2}"
     ;;
   help | --help | -h)
     sed -n '2,/^\. /{s/^# \{0,1\}//;/^\. /d;p}' "$0"
