@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Runs clang-tidy on every source of the product and the examples, and on the headers they include.
 # A source is not looked at again when it, the project's headers that it includes, its compiler
-# options and .clang-tidy are as they were when it passed.
+# options and .clang-tidy are as they were when it passed, in whichever checkout: what has passed is
+# kept beside other caches of the user, for a month.
 #
 # usage: scripts/check-tidy.sh [FILE...]
 . "$(dirname "$0")/common.sh"
 
-readonly stamps=build/checks/tidy
-mkdir -p "$stamps/passed"
+readonly stamps=build/checks/tidy passed=${XDG_CACHE_HOME:-$HOME/.cache}/zerva/tidy
+mkdir -p "$stamps" "$passed"
+find "$passed" -type f -mtime +30 -delete
 
 mapfile -t files < <(sources 'src/*.cpp' 'runtime/*.cpp' 'host/*.cpp' 'registry/*.cpp' \
   'examples/*.cpp')
@@ -61,8 +63,10 @@ inclusions() {
     }'
 }
 
-# options FILE: its line of the compile commands.
-options() { grep -F "\"$PWD/$1\"" -B 1 "$stamps/compile_commands.json" || true; }
+# options FILE: its line of the compile commands, wherever the checkout is.
+options() {
+  { grep -F "\"$PWD/$1\"" -B 1 "$stamps/compile_commands.json" || true; } | sed "s,$PWD/,,g"
+}
 
 declare -A state
 common=$({ cat .clang-tidy; clang-tidy --version; } | sha256sum)
@@ -75,7 +79,7 @@ done < <(inclusions)
 todo=()
 for file in "${files[@]}"; do
   [ -n "$(options "$file")" ] || fail "$file is in no target of linux32"
-  [ -e "$stamps/passed/${state[$file]}" ] || todo+=("$file" "${state[$file]}")
+  [ -e "$passed/${state[$file]}" ] || todo+=("$file" "${state[$file]}")
 done
 [ ${#todo[@]} -gt 0 ] || exit 0
 
@@ -83,14 +87,14 @@ done
 tidy() {
   local said
   if said=$(clang-tidy --quiet -p "$stamps" "$1" 2>/dev/null); then
-    touch "$stamps/passed/$2"
+    touch "$passed/$2"
   else
     printf '%s\n' "$said" >&2
     return 1
   fi
 }
 export -f tidy
-export stamps
+export stamps passed
 
 say "checking $((${#todo[@]} / 2)) sources with clang-tidy"
 printf '%s\0' "${todo[@]}" | xargs -0 -n 2 -P "$(nproc)" bash -c 'tidy "$1" "$2"' tidy ||
