@@ -216,6 +216,11 @@ void Peer::connectionEnded(const std::string& why) {
     return;
   }
   if (why.empty()) {
+    // Who asked is told, and may have nobody to tell.
+    if (const std::size_t unanswered = asked_.count(); unanswered > 0) {
+      BUS_LOG(3, "%s ended before it answered what was asked of it: %zu in all",
+              describeProcess(id_).c_str(), unanswered);
+    }
     end(describeProcess(id_) + " ended before it answered");
     return;
   }
