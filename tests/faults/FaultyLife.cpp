@@ -7,7 +7,9 @@
 #include <chrono>
 #include <cstdlib>
 #include <iterator>
+#include <sstream>
 
+#include "tests/faults/LifeOutput.h"
 #include "tests/support/Patience.h"
 #include "tests/support/Watchdog.h"
 
@@ -56,13 +58,13 @@ std::string startOf(const std::string& second) {
 
 std::string firstHost() {
   return access("First") + access("Third") +
-         "service_instance: MT libRelay.so createRelay /test/First First\n"
-         "service_info: ST libRelay.so createRelay /test/Third Third\n"
+         "service_instance: MT libRelay.so createFirst /test/First First\n"
+         "service_info: ST libRelay.so createThird /test/Third Third\n"
          "service_legacy: libBusy.so createBusy BusyIfc\n";
 }
 
 std::string secondHost() {
-  return access("Second") + "service_instance: MT libRelay.so createRelay /test/Second Second\n";
+  return access("Second") + "service_instance: MT libRelay.so createSecond /test/Second Second\n";
 }
 
 /** With which codes a host may end that met a fault. */
@@ -142,12 +144,11 @@ std::string FaultyLife::wrong() {
 std::string FaultyLife::wrongWith(std::optional<int> code) const {
   if (!code) return "it does not end, not even by its watchdog";
   if (*code == Watchdog::exitCode) return "it hangs";
-  if (holds(process_.errors(), "Sanitizer: ") && !leaksWhatWasBeingMade()) {
+  if (holds(process_.errors(), "Sanitizer: ") && !leaksWhatWasMade()) {
     return "a sanitizer complains";
   }
   if (!isAnEnd(*code)) return "it ends with " + std::to_string(*code);
-  if (*code != 0 && process_.errors().empty()) return "nobody is told what failed";
-  return {};
+  return wrongInWhatIsSaid(*code);
 }
 
 std::string FaultyLife::wrongWithAnother() const {
@@ -163,12 +164,26 @@ std::string FaultyLife::wrongWithWhatIsLeft() {
   if (other_ != nullptr) {
     other_->signal(SIGTERM);
     if (other_->wait() != 0) return "the second host is harmed\n" + other_->errors();
+    const std::string disorder = LifeOutput::disorderOfSecond(other_->output());
+    if (!disorder.empty()) return "in the second host " + disorder + "\n" + other_->output();
   }
   std::error_code none;
   for (const auto& file : std::filesystem::directory_iterator(directory_.file("bus"), none)) {
     return "a file is left: " + file.path().filename().string();
   }
   return {};
+}
+
+/** What follows from its output when it ended by itself with this code. */
+std::string FaultyLife::wrongInWhatIsSaid(int code) const {
+  const LifeOutput life(process_.output(), process_.errors(), !away());
+  const std::string lost = life.lost();
+  if ((code != 0 || !lost.empty()) && !life.tells()) {
+    return "nobody is told what failed, code " + std::to_string(code) + ", missing: " + lost;
+  }
+  const std::string disorder = life.disorder(failsWhatIsMade());
+  if (!disorder.empty()) return disorder;
+  return away() ? "" : LifeOutput::disorderOfSecond(process_.output());
 }
 
 bool FaultyLife::reached() const { return holds(process_.errors(), "the fault comes now"); }
@@ -186,15 +201,29 @@ std::string FaultyLife::waits() const {
   return watchdog == std::string::npos ? "" : errors.substr(watchdog);
 }
 
+std::string FaultyLife::faultStack() const {
+  const std::string errors = process_.errors();
+  const std::string mark = "the fault comes now\n";
+  const std::size_t begin = errors.find(mark);
+  if (begin == std::string::npos) return {};
+  std::istringstream lines(errors.substr(begin + mark.size()));
+  std::string stack;
+  // Each names an address, in brackets at its end.
+  for (std::string line; std::getline(lines, line) && line.ends_with(']');) stack += line + "\n";
+  return stack;
+}
+
 /**
  * Known limit: what the configurator has made, or has had made, and not recorded yet when there is
  * no memory is nobody's.
  */
-bool FaultyLife::leaksWhatWasBeingMade() const {
-  const std::string errors = process_.errors();
-  const std::size_t report = errors.find("LeakSanitizer: ");
-  return report != std::string::npos && kind_.starts_with("new") &&
-         holds(errors.substr(0, report), "19ServiceConfigurator");
+bool FaultyLife::failsWhatIsMade() const {
+  return (kind_.starts_with("new") || kind_ == "malloc") &&
+         holds(faultStack(), "19ServiceConfigurator");
+}
+
+bool FaultyLife::leaksWhatWasMade() const {
+  return holds(process_.errors(), "LeakSanitizer: ") && failsWhatIsMade();
 }
 
 bool FaultyLife::hung() {

@@ -59,7 +59,10 @@ class FaultyLife {
   bool hasFault() const { return nth_ > 0 || kind_.starts_with("space"); }
   std::unique_ptr<ChildProcess> other() const;
   std::vector<std::string> arguments(const std::string& call, long nth) const;
-  bool leaksWhatWasBeingMade() const;
+  std::string faultStack() const;
+  bool failsWhatIsMade() const;
+  bool leaksWhatWasMade() const;
+  std::string wrongInWhatIsSaid(int code) const;
   std::string wrong();
   std::string wrongWith(std::optional<int> code) const;
   std::string wrongWithAnother() const;

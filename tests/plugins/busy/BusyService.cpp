@@ -16,9 +16,12 @@
 
 #include "SvcRTEContext.h"
 #include "framework/Service.h"
+#include "tests/plugins/Journal.h"
 #include "tests/plugins/relay/Relay.h"
 
 namespace {
+
+constexpr const char* kName = "BusyIfc";
 
 using Clock = std::chrono::steady_clock;
 
@@ -46,7 +49,13 @@ std::chrono::seconds patience() {
 
 class BusyService : public Service {
  public:
+  BusyService() { zerva::journal(kName, "made"); }
+  BusyService(const BusyService&) = delete;
+  BusyService& operator=(const BusyService&) = delete;
+  ~BusyService() override { zerva::journal(kName, "deleted"); }
+
   void init(SvcRTEContext* context) override {
+    zerva::journal(kName, "initialised");
     context_ = context;
     timer_ = context->createTimer(this, 2);
     if (!context->startTimer(timer_)) say("timer", "it was not started");
@@ -60,6 +69,7 @@ class BusyService : public Service {
 
   void run() override {
     const TheEnd theEnd;
+    zerva::journal(kName, "begun");
     attempt("timer", [this] { awaitExpiries(); });
     attempt("here", [this] { call("First", {"Third"}); });
     attempt("lazy", [this] { call("Third", {}); });
@@ -69,6 +79,7 @@ class BusyService : public Service {
     if (std::getenv("ZERVA_BUSY_HOLD") != nullptr) {
       attempt("late", [this] { call("First", {"hold"}); });
     }
+    zerva::journal(kName, "over");
   }
 
  private:

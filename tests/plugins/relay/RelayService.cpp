@@ -11,13 +11,24 @@
 #include "SvcRTEContext.h"
 #include "framework/Logging.h"
 #include "framework/Service.h"
+#include "tests/plugins/Journal.h"
 #include "tests/plugins/relay/Relay.h"
 
 class RelayService : public Service, public Relay {
  public:
-  void init(SvcRTEContext* context) override { context_ = context; }
+  /** @param name under which it keeps a journal; none when it is null. */
+  explicit RelayService(const char* name = nullptr) : name_(name) { zerva::journal(name_, "made"); }
+  RelayService(const RelayService&) = delete;
+  RelayService& operator=(const RelayService&) = delete;
+  ~RelayService() override { zerva::journal(name_, "deleted"); }
+
+  void init(SvcRTEContext* context) override {
+    zerva::journal(name_, "initialised");
+    context_ = context;
+  }
 
   void stop() override {
+    zerva::journal(name_, "stopped");
     const std::lock_guard<std::mutex> lock(mutex_);
     stopped_ = true;
     changed_.notify_all();
@@ -52,6 +63,7 @@ class RelayService : public Service, public Relay {
     throw std::runtime_error("held until it was stopped");
   }
 
+  const char* const name_;
   SvcRTEContext* context_ = nullptr;
   std::mutex mutex_;
   std::condition_variable changed_;
@@ -59,6 +71,11 @@ class RelayService : public Service, public Relay {
 };
 
 extern "C" ZERVA_EXPORT Service* createRelay() { return new RelayService; }
+
+// Some that keep a journal.
+extern "C" ZERVA_EXPORT Service* createFirst() { return new RelayService("First"); }
+extern "C" ZERVA_EXPORT Service* createSecond() { return new RelayService("Second"); }
+extern "C" ZERVA_EXPORT Service* createThird() { return new RelayService("Third"); }
 
 /** Makes nothing the first two times. */
 extern "C" ZERVA_EXPORT Service* createReluctantRelay() {
