@@ -1,11 +1,9 @@
 #include "framework/Process.h"
 
-#include <signal.h>
-#include <sys/wait.h>
-
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "framework/Logging.h"
 #include "runtime/libClientUtils/ProcessStart.h"
@@ -23,33 +21,29 @@ struct __attribute__((visibility("hidden"))) Process::State {
   /** What was started; null when nothing was. */
   zerva::ProcessTable::Child child;
 
-  /** @param id that of the program as soon as it runs, whatever happens then. */
-  void start(int argc, char** argv, char** envp, char* directory, int& id);
+  void start(int argc, char** argv, char** envp, char* directory);
 };
 
 Process::Process(int argc, char** argv, char** envp, char* directory)
     : state_(std::make_unique<State>()) {
   zerva::ProcessTable::instance().addObject(this);
-  int id = 0;
   try {
-    state_->start(argc, argv, envp, directory, id);
+    state_->start(argc, argv, envp, directory);
   } catch (...) {
-    // Nobody knows the program, so nobody would ever end it.
-    if (id > 0) {
-      ::kill(-id, SIGKILL);
-      ::waitpid(id, nullptr, 0);
-    }
     zerva::ProcessTable::instance().removeObject(this, nullptr);
     throw;
   }
 }
 
-void Process::State::start(int argc, char** argv, char** envp, char* directory, int& id) {
+void Process::State::start(int argc, char** argv, char** envp, char* directory) {
   const bool named = argc > 0 && argv != nullptr && argv[0] != nullptr;
   const std::string program = named ? argv[0] : "";
+  // Made before it runs: one that nobody knows nobody would ever end.
+  zerva::ProcessTable::Place place(program);
+  int id = 0;
   const int error = named ? zerva::startProcess(argv, envp, directory, id) : EINVAL;
   if (error == 0) {
-    child = zerva::ProcessTable::instance().addChild(id, program);
+    child = zerva::ProcessTable::instance().addChild(std::move(place), id);
     return;
   }
   logAppUni(kModule, kSource, kError, __LINE__, "The program '%s' cannot be started%s%s: %s",

@@ -53,12 +53,16 @@ void ProcessTable::removeObject(const Process* object, const Child& child) {
   forgetEnded();
 }
 
-ProcessTable::Child ProcessTable::addChild(int id, const std::string& program) {
-  auto child = std::make_shared<StartedChild>(id, program);
+ProcessTable::Place::Place(const std::string& program)
+    : entry_(1, Entry{std::make_shared<StartedChild>(program), true}) {}
+
+ProcessTable::Child ProcessTable::addChild(Place place, int id) {
+  Child child = place.entry_.front().child;
+  child->begin(id);
   int error = 0;
   {
     const std::lock_guard lock(mutex_);
-    entries_.push_back({child, true});
+    entries_.splice(entries_.end(), place.entry_);
     if (reaperRuns_) {
       reaper_.wake();
     } else {

@@ -25,6 +25,24 @@ class ProcessTable {
  public:
   using Child = std::shared_ptr<StartedChild>;
 
+ private:
+  struct Entry {
+    Child child;
+    /** Whether its `Process` object lives. */
+    bool owned;
+  };
+
+ public:
+  /** A child that is to be started, and its place in the table. */
+  class Place {
+   public:
+    explicit Place(const std::string& program);
+
+   private:
+    friend class ProcessTable;
+    std::list<Entry> entry_;
+  };
+
   static ProcessTable& instance();
 
   /** A `Process` tells that it begins to live. */
@@ -33,8 +51,8 @@ class ProcessTable {
   /** A `Process` tells that it ends. @param child what it started; may be null. */
   void removeObject(const Process* object, const Child& child);
 
-  /** Notes a child that was started, and sees to it that it is reaped. */
-  Child addChild(int id, const std::string& program);
+  /** Notes a child that was started, and sees to it that it is reaped. Needs no memory. */
+  Child addChild(Place place, int id);
 
   std::vector<StartedProcess> list() const;
   std::vector<StartedProcess> terminateAll(std::chrono::milliseconds grace);
@@ -49,12 +67,6 @@ class ProcessTable {
   void reap(std::vector<int>& watched);
 
  private:
-  struct Entry {
-    Child child;
-    /** Whether its `Process` object lives. */
-    bool owned;
-  };
-
   using Deadline = std::chrono::steady_clock::time_point;
 
   ProcessTable() = default;

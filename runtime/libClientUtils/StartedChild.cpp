@@ -30,8 +30,13 @@ bool askSystem(int descriptor, int id, int options, siginfo_t& info) {
 
 }  // namespace
 
-StartedChild::StartedChild(int id, std::string program)
-    : status_{id, std::move(program), true, -1, 0}, descriptor_(::pidfd_open(id, 0)) {}
+StartedChild::StartedChild(std::string program) : status_{0, std::move(program), false, -1, 0} {}
+
+void StartedChild::begin(int id) {
+  status_.id = id;
+  status_.running = true;
+  descriptor_ = ::pidfd_open(id, 0);
+}
 
 StartedChild::~StartedChild() {
   if (descriptor_ >= 0) ::close(descriptor_);

@@ -12,11 +12,14 @@ namespace zerva {
  */
 class StartedChild {
  public:
-  /** @param id a child of this process that nobody else waits for. */
-  StartedChild(int id, std::string program);
+  /** One that is not started yet. */
+  explicit StartedChild(std::string program);
   ~StartedChild();
   StartedChild(const StartedChild&) = delete;
   StartedChild& operator=(const StartedChild&) = delete;
+
+  /** It runs. @param id a child of this process that nobody else waits for. */
+  void begin(int id);
 
   /** Descriptor that gets readable when the child ends; -1 when there was none to be had. */
   int descriptor() const { return descriptor_; }
@@ -47,7 +50,7 @@ class StartedChild {
   void noteReaped();
 
   StartedProcess status_;
-  int descriptor_;
+  int descriptor_ = -1;
   bool heldBack_ = false;
   bool reaped_ = false;
 };

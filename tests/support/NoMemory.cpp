@@ -1,0 +1,34 @@
+#include "tests/support/NoMemory.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace zerva {
+
+namespace {
+
+thread_local int left = 0;
+
+}  // namespace
+
+void letAllocationFail(int nth) { left = nth; }
+
+bool allocationIsToFail() { return left > 0; }
+
+}  // namespace zerva
+
+__attribute__((visibility("default"))) void* operator new(std::size_t size) {
+  if (zerva::left > 0 && --zerva::left == 0) throw std::bad_alloc();
+  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+
+__attribute__((visibility("default"))) void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+__attribute__((visibility("default"))) void operator delete(void* memory,
+                                                            std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
