@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "framework/Export.h"
 #include "runtime/libClientUtils/bus/FileDescriptor.h"
 #include "runtime/libClientUtils/bus/FrameBuffer.h"
 
@@ -21,7 +22,7 @@ namespace zerva {
  * A socket to another process: what arrives is cut into frames on the bus thread, what is sent goes
  * out on the sender's thread as far as the socket takes it.
  */
-class Connection final : public std::enable_shared_from_this<Connection> {
+class ZERVA_EXPORT Connection final : public std::enable_shared_from_this<Connection> {
  public:
   /** Who is told, on the bus thread. */
   struct Handler {
