@@ -1,9 +1,11 @@
 #include "runtime/libClientUtils/bus/BusCore.h"
 
+#include <algorithm>
 #include <asio/post.hpp>
 #include <asio/steady_timer.hpp>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -27,6 +29,10 @@ constexpr std::chrono::milliseconds kFarewell{500};
 // A process that was killed gives its sockets back before its locks, or after them.
 constexpr unsigned kLooksForLeftover = 6;
 constexpr std::chrono::milliseconds kFirstLook{20};
+
+// A process has one bus at a time, and another name each time that it opens it. So many may be
+// connected at once; each holds a descriptor, and the beginning of a frame of any length.
+constexpr std::ptrdiff_t kNamesOfAProcess = 4;
 
 std::string errorText(int error) { return std::generic_category().message(error); }
 
@@ -166,7 +172,7 @@ BusCore::Way BusCore::reach(const std::string& id) {
 void BusCore::greeted(const std::shared_ptr<Connection>& connection, const std::string& id) {
   std::shared_ptr<Peer> peer;
   {
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     if (closed_) {
       connection->close();
       return;
@@ -178,6 +184,13 @@ void BusCore::greeted(const std::shared_ptr<Connection>& connection, const std::
       connection->close();
       return;
     }
+    if (offer == Peer::Offer::Replace && hasTooManyNames(processOf(id))) {
+      lock.unlock();
+      connection->close();
+      BUS_LOG(3, "a connection is refused: %s is connected under %td names already",
+              describeProcess(id).c_str(), kNamesOfAProcess);
+      return;
+    }
     peer = offer == Peer::Offer::Adopt ? known->second : newPeer(id);
   }
   if (const auto error = exceptionOf([&] { peer->adopt(connection); })) {
@@ -185,6 +198,14 @@ void BusCore::greeted(const std::shared_ptr<Connection>& connection, const std::
     BUS_LOG(2, "the connection of %s is given up: %s", describeProcess(id).c_str(), error->c_str());
     peer->end("the connection to " + describeProcess(id) + " was given up: " + *error);
   }
+}
+
+/** Under the lock, on the bus thread. */
+bool BusCore::hasTooManyNames(int process) const {
+  const auto names = std::count_if(all_.begin(), all_.end(), [process](const auto& peer) {
+    return processOf(peer->id()) == process && peer->isHeld();
+  });
+  return names >= kNamesOfAProcess;
 }
 
 /** Under the lock. */

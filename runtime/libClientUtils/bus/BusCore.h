@@ -49,6 +49,7 @@ class BusCore final : public RemoteChannels {
   FileDescriptor listen() const;
   Way reach(const std::string& id);
   void greeted(const std::shared_ptr<Connection>& connection, const std::string& id);
+  bool hasTooManyNames(int process) const;
   std::shared_ptr<Peer> newPeer(const std::string& id);
   void forget(const std::shared_ptr<Peer>& peer);
   void peerEnded(const std::shared_ptr<Peer>& peer, bool otherVersion);

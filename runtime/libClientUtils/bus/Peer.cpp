@@ -160,11 +160,15 @@ Peer::Offer Peer::considers() const {
     case State::Open:
       // Another one is wanted only by a process that has given the first up. Else it is the own
       // crossing of the one that is used.
-      return outgoing_.isEnded() || connection_->hungUp() ? Offer::Replace : Offer::Cross;
+      return isHeld() ? Offer::Cross : Offer::Replace;
     case State::Ended:
       break;
   }
   return Offer::Replace;
+}
+
+bool Peer::isHeld() const {
+  return !outgoing_.isEnded() && (connection_ == nullptr || !connection_->hungUp());
 }
 
 void Peer::adopt(std::shared_ptr<Connection> connection) {

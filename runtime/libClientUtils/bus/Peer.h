@@ -54,6 +54,9 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   enum class Offer { Adopt, Cross, Replace };
   Offer considers() const;
 
+  /** @returns whether the other process still holds the stream. */
+  bool isHeld() const;
+
   /** Uses a connection that the other process has begun, instead of the own one, if any. */
   void adopt(std::shared_ptr<Connection> connection);
 

@@ -166,6 +166,57 @@ TEST_F(AStranger, ThatGaveItsFirstConnectionUp_IsTakenAgain) {
   }
 }
 
+/** A name that the bus has never heard of, of this process. */
+std::string anotherName(int number) {
+  const std::string digits = std::to_string(number);
+  return std::to_string(::getpid()) + "-" + std::string(16 - digits.size(), '0') + digits;
+}
+
+std::unique_ptr<Stranger> greetAs(const std::string& socket, const std::string& name) {
+  auto stranger = std::make_unique<Stranger>(socket);
+  stranger->say(encodeHead(HelloFrame{kWireVersion, name}));
+  return stranger;
+}
+
+// Each name held a descriptor and the beginning of a frame of up to 16 MiB, and names were to be
+// had without end.
+TEST_F(AStranger, ThatTakesNameAfterName_HasFourAtMost) {
+  const RecordingSink log("Bus");
+  std::vector<std::unique_ptr<Stranger>> taken;
+  for (int name = 0; name < 4; ++name) {
+    taken.push_back(greetAs(socketPath(), anotherName(name)));
+    EXPECT_TRUE(std::holds_alternative<WelcomeFrame>(decodeFrame(taken.back()->hear())));
+  }
+  for (int name = 4; name < 40; ++name) {
+    EXPECT_EQ(greetAs(socketPath(), anotherName(name))->hear(), "");
+  }
+  EXPECT_TRUE(waitUntil([&] { return log.texts().size() == 36; }));
+  EXPECT_EQ(log.texts().back(), "a connection is refused: process " + std::to_string(::getpid()) +
+                                    " is connected under 4 names already");
+  taken.front()->say(request(1, "/echo", "x"));
+  EXPECT_EQ(taken.front()->hear(), (encodeHead(ReplyFrame{1, "x"}) + "x").substr(4));
+}
+
+TEST_F(AStranger, ThatOpensItsBusAgainAndAgain_IsTakenUnderEachName) {
+  for (int name = 0; name < 40; ++name) {
+    EXPECT_TRUE(std::holds_alternative<WelcomeFrame>(
+        decodeFrame(greetAs(socketPath(), anotherName(name))->hear())));
+  }
+}
+
+TEST_F(AStranger, ThatSaysHalfAMessageAfterItsHello_HoldsUpNobody) {
+  Stranger stranger(socketPath());
+  stranger.say(hello());
+  stranger.hear();
+  const std::string whole = request(1, "/echo", std::string(100'000, 'x'));
+  stranger.say(whole.substr(0, whole.size() / 2));
+
+  expectWorking();
+
+  stranger.say(whole.substr(whole.size() / 2));
+  EXPECT_THAT(stranger.hear(), testing::SizeIs(100'005));
+}
+
 TEST_F(AStranger, ThatSaysNothing_HoldsUpNobodyAndIsNotKeptForEver) {
   std::vector<std::unique_ptr<Stranger>> silent;
   for (int i = 0; i < 70; ++i) {
@@ -246,6 +297,33 @@ TEST_F(AStranger, WhoHasAnswered_IsHeardOnceAndForItsOwnRequestOnly) {
   stranger.say(encodeHead(ReplyFrame{asked.wireId, "twice"}) + "twice");
   asking.join();
   EXPECT_EQ(answer.data, "right");
+  ::close(listening);
+}
+
+// Both have got a request of the same number.
+TEST_F(AStranger, ThatAnswersWhatAnotherWasAsked_IsNotHeard) {
+  const ReplyTimeoutOf longTime(std::chrono::hours(1));
+  const int listening = listenAs(id, "/slow");
+  Answer answer{};
+  std::thread asking([&] { answer = ask("/slow", "question"); });
+  Stranger asked(::accept(listening, nullptr, nullptr));
+  asked.hear();
+  asked.say(encodeHead(WelcomeFrame{kWireVersion, id}));
+  const std::string heard = asked.hear();
+  const Frame frame = decodeFrame(heard);
+  const std::uint32_t wireId = std::get<RequestFrame>(frame).wireId;
+
+  Stranger other(socketPath());
+  other.say(encodeHead(HelloFrame{kWireVersion, otherId}));
+  other.hear();
+  other.say(encodeHead(ReplyFrame{wireId, "forged"}) + "forged");
+  other.say(encodeHead(FailureFrame{wireId, "forged"}) + "forged");
+  other.say(request(7, "/echo", "x"));
+  EXPECT_EQ(other.hear(), (encodeHead(ReplyFrame{7, "x"}) + "x").substr(4));
+
+  asked.say(encodeHead(ReplyFrame{wireId, "right"}) + "right");
+  asking.join();
+  EXPECT_EQ(answer.data, "right") << answer.error;
   ::close(listening);
 }
 
