@@ -15,29 +15,33 @@ namespace zerva::fault {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Kind>, 23> kNames{{{"new", Kind::New},
-                                                               {"malloc", Kind::Malloc},
-                                                               {"dlopen", Kind::DlOpen},
-                                                               {"dlsym", Kind::DlSym},
-                                                               {"thread", Kind::Thread},
-                                                               {"socket", Kind::Socket},
-                                                               {"bind", Kind::Bind},
-                                                               {"listen", Kind::Listen},
-                                                               {"connect", Kind::Connect},
-                                                               {"accept", Kind::Accept},
-                                                               {"send", Kind::Send},
-                                                               {"sendpart", Kind::SendPart},
-                                                               {"sendfull", Kind::SendFull},
-                                                               {"receive", Kind::Receive},
-                                                               {"spawn", Kind::Spawn},
-                                                               {"openfile", Kind::OpenFile},
-                                                               {"readfile", Kind::ReadFile},
-                                                               {"openbusfile", Kind::OpenBusFile},
-                                                               {"descriptor", Kind::Descriptor},
-                                                               {"diskfull", Kind::DiskFull},
-                                                               {"death", Kind::Death},
-                                                               {"clock", Kind::Clock},
-                                                               {"proxy", Kind::Proxy}}};
+constexpr auto kNames =
+    std::to_array<std::pair<const char*, Kind>>({{"new", Kind::New},
+                                                 {"malloc", Kind::Malloc},
+                                                 {"dlopen", Kind::DlOpen},
+                                                 {"dlsym", Kind::DlSym},
+                                                 {"thread", Kind::Thread},
+                                                 {"socket", Kind::Socket},
+                                                 {"bind", Kind::Bind},
+                                                 {"listen", Kind::Listen},
+                                                 {"connect", Kind::Connect},
+                                                 {"accept", Kind::Accept},
+                                                 {"send", Kind::Send},
+                                                 {"sendpart", Kind::SendPart},
+                                                 {"sendfull", Kind::SendFull},
+                                                 {"receive", Kind::Receive},
+                                                 {"spawn", Kind::Spawn},
+                                                 {"openfile", Kind::OpenFile},
+                                                 {"readfile", Kind::ReadFile},
+                                                 {"openbusfile", Kind::OpenBusFile},
+                                                 {"busfilefull", Kind::BusFileFull},
+                                                 {"busfilequota", Kind::BusFileQuota},
+                                                 {"busfiledenied", Kind::BusFileDenied},
+                                                 {"descriptor", Kind::Descriptor},
+                                                 {"diskfull", Kind::DiskFull},
+                                                 {"death", Kind::Death},
+                                                 {"clock", Kind::Clock},
+                                                 {"proxy", Kind::Proxy}});
 
 // Read by every thread in every call that can fail, the first of them before main.
 std::atomic<Kind> chosen{Kind::None};
@@ -63,6 +67,9 @@ bool isAStep(Kind kind) {
     case Kind::Malloc:
     case Kind::SendPart:
     case Kind::SendFull:
+    case Kind::BusFileFull:
+    case Kind::BusFileQuota:
+    case Kind::BusFileDenied:
     case Kind::DiskFull:
     case Kind::Proxy:
     case Kind::Clock:

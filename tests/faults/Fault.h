@@ -11,29 +11,32 @@ namespace zerva::fault {
 /** Which functions count together. */
 enum class Kind {
   None,
-  New,          // operator new
-  Malloc,       // malloc, calloc and realloc of the C library; not where it is instrumented
-  DlOpen,       // dlopen: there is no such file
-  DlSym,        // dlsym: there is no such symbol
-  Thread,       // pthread_create: EAGAIN
-  Socket,       // socket: EMFILE
-  Bind,         // bind: ENOSPC
-  Listen,       // listen: ENOBUFS
-  Connect,      // connect: EAGAIN
-  Accept,       // accept4: EMFILE
-  Send,         // sendmsg: ECONNRESET
-  SendPart,     // sendmsg takes one byte and no more
-  SendFull,     // sendmsg: EAGAIN
-  Receive,      // recv: ECONNRESET
-  Spawn,        // posix_spawnp: EAGAIN
-  OpenFile,     // opening the directive file: EMFILE
-  ReadFile,     // reading the directive file: EIO
-  OpenBusFile,  // opening a file of the bus: EMFILE
-  DiskFull,     // writing to a file that is not a standard one: ENOSPC, from that call on
-  Descriptor,   // eventfd, timerfd_create, epoll_create1, signalfd, pidfd_open: EMFILE
-  Proxy,        // the creator of a proxy throws std::bad_alloc
-  Death,        // any of the calls above but those for memory: the process is killed before it
-  Clock         // each look at the wall clock finds it put forward or back, by up to a day
+  New,            // operator new
+  Malloc,         // malloc, calloc and realloc of the C library; not where it is instrumented
+  DlOpen,         // dlopen: there is no such file
+  DlSym,          // dlsym: there is no such symbol
+  Thread,         // pthread_create: EAGAIN
+  Socket,         // socket: EMFILE
+  Bind,           // bind: ENOSPC
+  Listen,         // listen: ENOBUFS
+  Connect,        // connect: EAGAIN
+  Accept,         // accept4: EMFILE
+  Send,           // sendmsg: ECONNRESET
+  SendPart,       // sendmsg takes one byte and no more
+  SendFull,       // sendmsg: EAGAIN
+  Receive,        // recv: ECONNRESET
+  Spawn,          // posix_spawnp: EAGAIN
+  OpenFile,       // opening the directive file: EMFILE
+  ReadFile,       // reading the directive file: EIO
+  OpenBusFile,    // opening a file of the bus: EMFILE
+  BusFileFull,    // the same: ENOSPC
+  BusFileQuota,   // the same: EDQUOT
+  BusFileDenied,  // the same: EACCES
+  DiskFull,       // writing to a file that is not a standard one: ENOSPC, from that call on
+  Descriptor,     // eventfd, timerfd_create, epoll_create1, signalfd, pidfd_open: EMFILE
+  Proxy,          // the creator of a proxy throws std::bad_alloc
+  Death,          // any of the calls above but those for memory: the process is killed before it
+  Clock           // each look at the wall clock finds it put forward or back, by up to a day
 };
 
 /** @returns the kind that has a name, which is as above with small letters; None when none has. */

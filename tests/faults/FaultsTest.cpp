@@ -97,8 +97,10 @@ class ALifeWithAFault : public testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Of, ALifeWithAFault,
                          testing::Values("dlopen", "thread", "socket", "bind", "listen",
                                          "connect_away", "accept", "send_away", "receive_away",
-                                         "openbusfile_away", "send", "sendpart", "sendfull",
-                                         "receive", "spawn", "openfile", "openbusfile",
+                                         "openbusfile_away", "socket_away", "thread_away",
+                                         "descriptor_away", "dlopen_away", "busfilefull",
+                                         "busfilequota", "busfiledenied", "send", "sendpart",
+                                         "sendfull", "receive", "spawn", "openfile", "openbusfile",
                                          "descriptor"),
                          nameOfKind);
 
@@ -155,15 +157,21 @@ INSTANTIATE_TEST_SUITE_P(OfTheCLibrary, ALifeWithoutMemory, testing::Values("mal
 // Known limit. The end of the directive file is the only way out of reading it, and after an error
 // it does not come.
 TEST(AnError, InReadingItsDirectiveFile_IsRefusedOrReadsOnForGood) {
+  int refused = 0;
+  int hung = 0;
   for (long read = 1;; ++read) {
     FaultyLife sut("readfile", read);
     if (sut.hung()) {
-      EXPECT_THAT(sut.waits(), HasSubstr("ServiceConfigurator17processDirectives"));
+      ++hung;
+      EXPECT_THAT(sut.waits(), HasSubstr("Directives"));
     } else {
       EXPECT_EQ(sut.complaint(), "");
+      refused += sut.reached() ? 1 : 0;
     }
     if (!sut.reached()) break;
   }
+  EXPECT_GT(refused, 0);
+  EXPECT_GT(hung, 0);
 }
 
 // Known limit. The making of proxies is locked while one is made, and what leaves it by an

@@ -6,9 +6,11 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "tests/faults/FaultyCalls.h"
 
@@ -33,6 +35,18 @@ FILE* openFile(const char* name, const char* path, const char* mode) {
       reinterpret_cast<FILE* (*)(const char*, const char*)>(systems(name))(path, mode);
   if (wanted && file != nullptr) directives = fileno(file);
   return file;
+}
+
+/** Opens a file of the bus, unless it is the call that fails, of whichever kind. */
+int openBusFile(const char* function, int directory, const char* name, int flags, mode_t mode) {
+  constexpr std::array<std::pair<Kind, int>, 3> kErrors{
+      {{Kind::BusFileFull, ENOSPC}, {Kind::BusFileQuota, EDQUOT}, {Kind::BusFileDenied, EACCES}}};
+  for (const auto& [kind, error] : kErrors) {
+    if (!hits(kind)) continue;
+    errno = error;
+    return -1;
+  }
+  return callOr<int>(Kind::OpenBusFile, EMFILE, function, directory, name, flags, mode);
 }
 
 bool isOnDisk(int descriptor) {
@@ -75,10 +89,10 @@ ssize_t faultyWrite(int descriptor, const void* from, std::size_t size) {
 }
 
 int faultyOpenAt(int directory, const char* name, int flags, mode_t mode) {
-  return callOr<int>(Kind::OpenBusFile, EMFILE, "openat", directory, name, flags, mode);
+  return openBusFile("openat", directory, name, flags, mode);
 }
 
 int faultyOpenAt64(int directory, const char* name, int flags, mode_t mode) {
-  return callOr<int>(Kind::OpenBusFile, EMFILE, "openat64", directory, name, flags, mode);
+  return openBusFile("openat64", directory, name, flags, mode);
 }
 }

@@ -174,6 +174,10 @@ std::string FaultyLife::wrongWithWhatIsLeft() {
   return {};
 }
 
+std::string FaultyLife::lost() const {
+  return LifeOutput(process_.output(), process_.errors(), !away()).lost();
+}
+
 /** What follows from its output when it ended by itself with this code. */
 std::string FaultyLife::wrongInWhatIsSaid(int code) const {
   const LifeOutput life(process_.output(), process_.errors(), !away());

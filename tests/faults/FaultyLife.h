@@ -43,6 +43,9 @@ class FaultyLife {
   /** @returns whether the watchdog ended it, or it gave up waiting for a request under way. */
   bool hung();
 
+  /** @returns what a life without a fault does and this one did not; empty when it did all. */
+  std::string lost() const;
+
   /** @returns how many calls of the kind there were; for one that ended by itself. */
   long calls() const;
 

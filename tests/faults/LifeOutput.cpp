@@ -1,7 +1,6 @@
 #include "tests/faults/LifeOutput.h"
 
 #include <algorithm>
-#include <regex>
 #include <sstream>
 #include <utility>
 
@@ -14,6 +13,23 @@ std::vector<std::string> linesOf(const std::string& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
+}
+
+bool isIn(const std::string& line, const std::string& part) {
+  return line.find(part) != std::string::npos;
+}
+
+/** @returns whether a line of standard error is the log's, the host's or the file checker's. */
+bool isComplaint(const std::string& line) {
+  return line.starts_with("zerva: ") || line.starts_with("A log line of ") ||
+         isIn(line, ": error: ") || isIn(line, " fatal    [") || isIn(line, " error    [") ||
+         isIn(line, " warning  [");
+}
+
+/** @returns whether a caller says what it got, and not what it makes of having got nothing. */
+bool isCallersException(const std::string& line) {
+  return line.starts_with("busy: ") && !line.ends_with(": done") &&
+         !line.ends_with("it does not expire") && !line.ends_with(" is not found");
 }
 
 /** What the services say of themselves, in the order in which they do, each once. */
@@ -89,13 +105,15 @@ std::string disorderOf(const Order& order, const std::string& output, bool someA
 
 /** @returns what the host says came up and does not say went down. */
 std::string notDown(const std::vector<std::string>& lines) {
+  const std::string up = "up       ";
   for (const std::string& line : lines) {
-    static const std::regex up("up       (\\S+): .*, init took .*");
-    std::smatch found;
-    if (!std::regex_match(line, found, up)) continue;
-    const std::string name = found[1];
+    const std::size_t colon = line.find(": ");
+    // A started program has no initialisation.
+    if (!line.starts_with(up) || !isIn(line, ", init took ") || colon == std::string::npos)
+      continue;
+    const std::string name = line.substr(up.size(), colon - up.size());
     if (!holds(lines, "deleted  " + name)) return name + " came up and is not deleted";
-    if (line.find("no channel") == std::string::npos && !holds(lines, "stopped  " + name)) {
+    if (!isIn(line, "no channel") && !holds(lines, "stopped  " + name)) {
       return name + " came up and is not stopped";
     }
   }
@@ -126,18 +144,11 @@ std::string LifeOutput::lost() const {
 }
 
 bool LifeOutput::tells() const {
-  static const std::regex log("\\d{4}-\\d\\d-\\d\\d \\S+ (fatal|error|warning) .*");
-  static const std::regex caller("busy: .*: (?!done$|it does not expire$|\\w+ is not found$).*");
-  const auto says = [](const std::vector<std::string>& lines, auto isOne) {
-    return std::any_of(lines.begin(), lines.end(), isOne);
-  };
-  return says(linesOf(errors_),
-              [](const std::string& line) {
-                return line.starts_with("zerva: ") || line.starts_with("A log line of ") ||
-                       line.find(": error: ") != std::string::npos || std::regex_match(line, log);
-              }) ||
-         says(linesOf(output_), [](const std::string& line) {
-           return line.starts_with("failed   ") || std::regex_match(line, caller);
+  const std::vector<std::string> errors = linesOf(errors_);
+  const std::vector<std::string> output = linesOf(output_);
+  return std::any_of(errors.begin(), errors.end(), isComplaint) ||
+         std::any_of(output.begin(), output.end(), [](const std::string& line) {
+           return line.starts_with("failed   ") || isCallersException(line);
          });
 }
 

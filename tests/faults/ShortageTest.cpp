@@ -17,7 +17,10 @@ TEST(ALife, OnAFullDisk_GoesDownInOrderFromWhicheverWriteOn) {
   for (long write = 1;; ++write) {
     FaultyLife sut("diskfull", write);
     EXPECT_EQ(sut.complaint(), "");
-    if (!sut.reached()) break;
+    if (!sut.reached()) {
+      EXPECT_GT(write, 1) << "nothing is written to the disk";
+      break;
+    }
   }
 }
 
@@ -28,6 +31,7 @@ TEST(ALife, WhoseWallClockIsPutForwardAndBack_DoesNotCare) {
     EXPECT_THAT(sut.output(), HasSubstr(std::string("busy: ") + what + ": done")) << sut.errors();
   }
   EXPECT_THAT(sut.output(), HasSubstr("did not answer in time"));
+  EXPECT_GT(sut.calls(), 0) << "nobody looks at the clock";
 }
 
 #if !defined(__SANITIZE_ADDRESS__)
@@ -39,6 +43,9 @@ TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
   for (long limit = kFewest; limit <= kEnough; ++limit) {
     FaultyLife sut("descriptors", limit);
     EXPECT_EQ(sut.complaint(), "");
+    if (limit == kFewest || limit == kEnough) {
+      EXPECT_EQ(sut.lost().empty(), limit == kEnough) << "the limit does not tell";
+    }
   }
 }
 
@@ -49,7 +56,7 @@ TEST(ALife, WithFewDescriptors_GoesDownInOrderHoweverFewTheyAre) {
 // The sanitizers take more address space for themselves than there is to be limited.
 TEST(ALife, WithLittleAddressSpace_GoesDownInOrderHoweverLittleItIs) {
   constexpr long kStep = 256;
-  // To what it needs at its height.
+  // To what it needs at its height, which is more than there is at first.
   for (long limit = 0;; limit += kStep) {
     FaultyLife sut("space_away", limit);
     // Where the room ends while a proxy is made, what is known of that holds.
@@ -61,6 +68,7 @@ TEST(ALife, WithLittleAddressSpace_GoesDownInOrderHoweverLittleItIs) {
     }
     if (testing::Test::HasFailure() ||
         sut.output().find("busy: and back: done") != std::string::npos) {
+      EXPECT_GT(limit, 0) << "the limit does not tell";
       break;
     }
   }
