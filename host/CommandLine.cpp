@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "framework/ZervaVersion.h"
+#include "host/check/CheckCommand.h"
 
 namespace zerva {
 namespace {
@@ -119,19 +120,25 @@ void addRun(CLI::App& app, RunOptions& options) {
 
 }  // namespace
 
-std::variant<RunOptions, ExitCode> readCommandLine(int argc, const char* const* argv) {
+Command readCommandLine(int argc, const char* const* argv) {
   CLI::App app{"Runs the services of a process as a directive file says"};
   RunOptions options;
+  CheckOptions checkOptions;
+  LoadOptions loadOptions;
   app.name("zerva");
   app.set_version_flag("--version", "zerva " + ZervaVersion());
   app.require_subcommand(1);
   app.footer(describeExitCodes());
   addRun(app, options);
+  const CLI::App* check = addCheck(app, checkOptions);
+  const CLI::App* load = addLoadLibrary(app, loadOptions);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? ExitCode::WentDown : ExitCode::Usage;
   }
+  if (check->parsed()) return checkOptions;
+  if (load->parsed()) return loadOptions;
   return options;
 }
 

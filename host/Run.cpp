@@ -3,13 +3,13 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/Console.h"
+#include "host/DefaultLibraryDirectories.h"
 #include "host/DirectiveFileCheck.h"
 #include "host/EndRequest.h"
 #include "host/Host.h"
@@ -57,15 +57,6 @@ bool setUpLog(const RunOptions& options) {
   if (options.logFile.empty() || LogSettings::logToFile(options.logFile, error)) return true;
   complain("cannot open the log file " + options.logFile + ": " + error);
   return false;
-}
-
-/** The directory lib beside the one that the executable is in, when there is one. */
-std::vector<std::string> defaultLibraryDirectories() {
-  std::error_code error;
-  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-  const auto directory = executable.parent_path().parent_path() / "lib";
-  if (error || !std::filesystem::is_directory(directory, error)) return {};
-  return {directory.string()};
 }
 
 void setUpPlatform(const RunOptions& options) {

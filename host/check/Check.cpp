@@ -1,0 +1,156 @@
+#include "host/check/Check.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <utility>
+
+#include "host/check/CheckReport.h"
+#include "host/check/LibraryLoad.h"
+#include "host/check/LibraryTree.h"
+#include "host/check/LibraryUse.h"
+#include "host/check/LookedUp.h"
+#include "host/check/ProgramSearch.h"
+#include "host/check/ReadFile.h"
+#include "host/check/RuleTable.h"
+#include "host/check/TargetPlaces.h"
+
+namespace zerva {
+namespace {
+
+void complain(const std::string& text) { std::fprintf(stderr, "zerva: %s\n", text.c_str()); }
+
+/** Opens libraries for real, each with each creator once. */
+class Loader {
+ public:
+  explicit Loader(const CheckOptions& options, std::vector<std::string> directories)
+      : options_(options), directories_(std::move(directories)) {}
+
+  void load(LibraryUse& use) {
+    // What was found wrong without opening it is told by other rules.
+    if (use.fault != LibraryFault::None || !use.missing.empty()) return;
+    if (use.creator == CreatorFault::NotFound) return;
+    const LoadOptions wanted{use.line->library().text, use.line->creator().text, directories_};
+    const auto [at, isNew] = results_.try_emplace({wanted.library, wanted.creator});
+    if (isNew) at->second = loadForReal("/proc/self/exe", wanted, options_.loadTimeout);
+    use.loadFault = at->second;
+  }
+
+ private:
+  const CheckOptions& options_;
+  const std::vector<std::string> directories_;
+  std::map<std::pair<std::string, std::string>, std::string> results_;
+};
+
+/** What all files are looked over with. */
+struct Surroundings {
+  std::optional<LibraryTree> tree;
+  std::optional<ProgramSearch> programs;
+  std::optional<Loader> loader;
+  std::optional<std::set<std::string>> lookedUp;
+};
+
+/** @returns whether all of it could be read; if not, it was told what could not. */
+bool prepare(const CheckOptions& options, Surroundings& surroundings) {
+  for (const std::string& trace : options.traces) {
+    const auto names = readLookedUp(trace);
+    if (!names) {
+      complain("the trace " + trace + " cannot be read: " + std::strerror(errno));
+      return false;
+    }
+    if (!surroundings.lookedUp) surroundings.lookedUp.emplace();
+    surroundings.lookedUp->insert(names->begin(), names->end());
+  }
+  if (!options.libraries) return true;
+  surroundings.tree.emplace(targetPlaces(options));
+  surroundings.programs.emplace(surroundings.tree->places().root, programPath(options));
+  if (options.load) {
+    surroundings.loader.emplace(options, surroundings.tree->places().hostDirectories);
+  }
+  return true;
+}
+
+void lookIntoLibraries(CheckSubject& subject, Surroundings& surroundings) {
+  if (!surroundings.tree) return;
+  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+    if ((!line.isService() && !line.isRecord()) || line.library().empty()) return;
+    subject.libraries.push_back(lookIntoLibrary(file, line, *surroundings.tree));
+    if (surroundings.loader) surroundings.loader->load(subject.libraries.back());
+  });
+}
+
+/** The files that could be read: each for itself, or all of them in one. */
+std::deque<CheckSubject> readSubjects(const CheckOptions& options, bool& complete) {
+  std::deque<CheckSubject> subjects;
+  for (const std::string& path : options.files) {
+    errno = 0;
+    auto file = readCheckedFile(path);
+    if (!file) {
+      complain(path + ": " + std::strerror(errno));
+      complete = false;
+      continue;
+    }
+    if (subjects.empty() || !options.together) subjects.emplace_back();
+    subjects.back().files.push_back(std::move(*file));
+  }
+  return subjects;
+}
+
+SourceLines linesOf(const std::deque<CheckSubject>& subjects) {
+  SourceLines lines;
+  for (const CheckSubject& subject : subjects) {
+    for (const CheckedFile& file : subject.files) {
+      for (const ParsedLine& line : file.lines) lines[{file.path, line.number()}] = line.text();
+    }
+  }
+  return lines;
+}
+
+std::vector<Finding> findAll(const CheckOptions& options, std::deque<CheckSubject>& subjects,
+                             Surroundings& surroundings) {
+  std::vector<Finding> all;
+  for (CheckSubject& subject : subjects) {
+    subject.lookedUp = surroundings.lookedUp;
+    subject.programs = surroundings.programs ? &*surroundings.programs : nullptr;
+    lookIntoLibraries(subject, surroundings);
+    for (Finding& finding : lookOver(subject)) {
+      if (options.ignored.count(finding.code) == 0) all.push_back(std::move(finding));
+    }
+  }
+  return all;
+}
+
+}  // namespace
+
+const char* describeCheckExits() {
+  return "Exit codes:\n"
+         "  0  no error was found, and with --strict no warning\n"
+         "  1  errors were found, or with --strict warnings\n"
+         "  2  the command line was not understood, or a file could not be read\n";
+}
+
+CheckExit check(const CheckOptions& options) {
+  if (options.listCodes) {
+    std::fputs(describeRules().c_str(), stdout);
+    return CheckExit::Good;
+  }
+  Surroundings surroundings;
+  if (!prepare(options, surroundings)) return CheckExit::NotDone;
+  bool complete = true;
+  std::deque<CheckSubject> subjects = readSubjects(options, complete);
+  const std::vector<Finding> findings = findAll(options, subjects, surroundings);
+  const ReportStyle style = styleOfStandardOutput();
+  const std::string report =
+      options.json
+          ? reportAsJson(findings)
+          : reportAsText(findings, style.carets ? linesOf(subjects) : SourceLines(), style);
+  std::fwrite(report.data(), 1, report.size(), stdout);
+  if (!complete) return CheckExit::NotDone;
+  const bool bad = count(findings, Severity::Error) > 0 ||
+                   (options.strict && count(findings, Severity::Warning) > 0);
+  return bad ? CheckExit::Bad : CheckExit::Good;
+}
+
+}  // namespace zerva

@@ -1,0 +1,98 @@
+#include "host/check/CheckCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+
+#include "host/check/Check.h"
+#include "host/check/ElfFile.h"
+#include "host/check/RuleTable.h"
+
+namespace zerva {
+namespace {
+
+constexpr double longestSeconds = 1e6;
+
+/** An option that may come again, with one word each time. */
+CLI::Option* repeatable(CLI::Option* option, const char* type) {
+  return option->type_name(type)->expected(1)->take_all()->allow_extra_args(false);
+}
+
+std::vector<std::string> codes() {
+  std::vector<std::string> codes;
+  for (const Rule& rule : allRules()) codes.emplace_back(rule.code);
+  return codes;
+}
+
+void addSurroundings(CLI::App& verb, CheckOptions& options) {
+  auto* bare = verb.add_flag_callback(
+      "--no-libraries", [&options] { options.libraries = false; },
+      "Look at the files only, not at the libraries and programs that they name");
+  repeatable(verb.add_option("--lib-dir", options.libraryDirectories,
+                             "Where libraries named without a slash are searched first, as for "
+                             "run; repeatable"),
+             "DIR");
+  auto* root = verb.add_option("--sysroot", options.root,
+                               "The files are for the machine whose tree is in this directory: "
+                               "every path, also that of --lib-dir, is one of that machine")
+                   ->type_name("DIR")
+                   ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
+  verb.add_option("--machine", options.machine,
+                  "The kind of that machine; default: that of the programs in its tree, or this "
+                  "one's")
+      ->type_name("KIND")
+      ->check(CLI::IsMember(elfKindNames()));
+  auto* load = verb.add_flag("--load", options.load,
+                             "Open each library for real too, in a process of its own")
+                   ->excludes(root)
+                   ->excludes(bare);
+  verb.add_option_function<double>(
+          "--load-timeout",
+          [&options](double value) {
+            options.loadTimeout = std::chrono::milliseconds{std::llround(value * 1000.0)};
+          },
+          "How long opening one may take; default: 10")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.001, longestSeconds))
+      ->needs(load);
+}
+
+}  // namespace
+
+CLI::App* addCheck(CLI::App& app, CheckOptions& options) {
+  CLI::App* verb =
+      app.add_subcommand("check", "Look directive files over, and start nothing of what they say");
+  verb->footer(describeCheckExits());
+  auto* files = verb->add_option("FILE", options.files, "The directive files");
+  verb->add_flag("--together", options.together,
+                 "The files are those of processes on one bus, with one registry");
+  verb->add_flag("--strict", options.strict, "Let warnings fail too");
+  verb->add_flag("--json", options.json, "Write what was found as JSON");
+  repeatable(verb->add_option_function<std::vector<std::string>>(
+                 "--ignore",
+                 [&options](const std::vector<std::string>& ignored) {
+                   options.ignored.insert(ignored.begin(), ignored.end());
+                 },
+                 "Say nothing of this kind; repeatable"),
+             "CODE")
+      ->check(CLI::IsMember(codes()).description(""));
+  repeatable(verb->add_option("--trace", options.traces,
+                              "The trace of a run: tell which interfaces nobody looked up in it; "
+                              "repeatable"),
+             "FILE");
+  addSurroundings(*verb, options);
+  auto* list = verb->add_flag("--codes", options.listCodes, "List all that can be found, and end");
+  verb->callback([files, list] {
+    if (files->count() == 0 && list->count() == 0) throw CLI::RequiredError("FILE");
+  });
+  return verb;
+}
+
+CLI::App* addLoadLibrary(CLI::App& app, LoadOptions& options) {
+  CLI::App* verb = app.add_subcommand("load-library")->group("");
+  verb->add_option("LIBRARY", options.library)->required();
+  verb->add_option("CREATOR", options.creator);
+  repeatable(verb->add_option("--lib-dir", options.libraryDirectories), "DIR");
+  return verb;
+}
+
+}  // namespace zerva
