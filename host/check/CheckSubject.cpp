@@ -11,10 +11,14 @@ CheckSubject::CheckSubject() = default;
 CheckSubject::~CheckSubject() = default;
 
 void CheckSubject::forEachLine(const LineVisitor& visitor) const {
+  forEachLineAtAll([&visitor](const CheckedFile& file, const ParsedLine& line) {
+    if (!line.breaksOff()) visitor(file, line);
+  });
+}
+
+void CheckSubject::forEachLineAtAll(const LineVisitor& visitor) const {
   for (const CheckedFile& file : files) {
-    for (const ParsedLine& line : file.lines) {
-      if (!line.breaksOff()) visitor(file, line);
-    }
+    for (const ParsedLine& line : file.lines) visitor(file, line);
   }
 }
 

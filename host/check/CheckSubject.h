@@ -40,6 +40,9 @@ struct CheckSubject {
 
   /** Calls somebody with each line that is read and cut without ending the start, in order. */
   void forEachLine(const LineVisitor& visitor) const;
+
+  /** The same with each line at all. */
+  void forEachLineAtAll(const LineVisitor& visitor) const;
 };
 
 /** The registry's interface, and the channel at which everybody asks it. */

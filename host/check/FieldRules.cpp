@@ -59,9 +59,18 @@ void noInterface(const CheckSubject& subject, Findings& findings) {
   });
 }
 
+/** @returns the mode that was meant by what now is the library; empty when none was. */
+std::string meantMode(const ParsedLine& line) {
+  if (!line.isService() || line.hasMode()) return {};
+  const std::string small = lowered(line.words()[1].text);
+  if (small == "mt") return "MT";
+  return small == "st" ? "ST" : "";
+}
+
 void fieldsOutOfOrder(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
-    if ((!line.isService() && !line.isRecord()) || looksLikeLibrary(line.library().text)) return;
+    if (!line.isService() && !line.isRecord()) return;
+    if (looksLikeLibrary(line.library().text) || !meantMode(line).empty()) return;
     for (std::size_t at = 1; at < line.words().size(); ++at) {
       const Word& word = line.words()[at];
       if (&word == &line.library() || !looksLikeLibrary(word.text)) continue;
@@ -75,15 +84,14 @@ void fieldsOutOfOrder(const CheckSubject& subject, Findings& findings) {
 
 void modeSpelling(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
-    if (!line.isService() || line.hasMode()) return;
+    const std::string meant = meantMode(line);
+    if (meant.empty()) return;
     const Word& word = line.words()[1];
-    const std::string small = lowered(word.text);
-    if (small != "mt" && small != "st") return;
     findings.add(file, line, word,
                  quoted(word.text) +
                      " is no mode, so it is the library, and each field behind it "
                      "moves by one.",
-                 small == "mt" ? "MT" : "ST");
+                 meant);
   });
 }
 

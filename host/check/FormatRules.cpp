@@ -88,7 +88,7 @@ void noColon(const CheckSubject& subject, Findings& findings) {
 
 /** A carriage return as the last character of a line is how some editors write lines. */
 void textCutOff(const CheckSubject& subject, Findings& findings) {
-  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+  subject.forEachLineAtAll([&](const CheckedFile& file, const ParsedLine& line) {
     const std::size_t length = line.line().length;
     if (length > longestDirectiveLine || length <= line.text().size() + 1) return;
     findings.addAt(file, line, line.text().size() + 1, length - line.text().size(),
@@ -102,7 +102,7 @@ constexpr std::array<const char*, 8> unusualBlanks = {
     "\xE2\x80\xAF", "\xE2\x80\x8B", "\xEF\xBB\xBF", "\xE3\x80\x80"};
 
 void unusualBlank(const CheckSubject& subject, Findings& findings) {
-  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+  subject.forEachLineAtAll([&](const CheckedFile& file, const ParsedLine& line) {
     if (line.line().tokens.empty() || line.words()[0].text == "comment") return;
     for (const std::string blank : unusualBlanks) {
       const std::size_t at = line.text().find(blank, hasByteOrderMark(line) ? 3 : 0);

@@ -3,7 +3,7 @@
 #include <elf.h>
 #include <glob.h>
 
-#include <fstream>
+#include <set>
 #include <sstream>
 
 #include "host/check/ElfImage.h"
@@ -12,8 +12,6 @@
 
 namespace zerva {
 namespace {
-
-constexpr int deepestInclude = 8;
 
 /** What Debian calls the directories of this kind of machine; empty when it has no name for it. */
 std::string multiarchName(const ElfKind& kind) {
@@ -43,10 +41,11 @@ std::vector<std::string> filesMatching(const std::string& pattern) {
   return found;
 }
 
-void readConfiguration(const std::string& root, const std::string& path, int depth,
-                       std::vector<std::string>& directories) {
-  if (depth > deepestInclude) return;
-  std::ifstream file(path);
+/** Reads a file and those that it includes, each once. */
+void readConfiguration(const std::string& root, const std::string& path,
+                       std::set<std::string>& read, std::vector<std::string>& directories) {
+  if (!read.insert(path).second) return;
+  std::istringstream file(bytesOf(rootedPath(root, path)).value_or(""));
   for (std::string line; std::getline(file, line);) {
     std::istringstream words(line.substr(0, line.find('#')));
     std::string word;
@@ -57,7 +56,7 @@ void readConfiguration(const std::string& root, const std::string& path, int dep
     }
     while (words >> word) {
       for (const std::string& found : filesMatching(root + word)) {
-        readConfiguration(root, found, depth + 1, directories);
+        readConfiguration(root, found.substr(root.size()), read, directories);
       }
     }
   }
@@ -92,7 +91,8 @@ LoaderPlaces readLoaderPlaces(const std::string& root, const ElfKind& kind) {
   LoaderPlaces places;
   places.cached = readLoaderCache(bytesOf(rootedPath(root, "/etc/ld.so.cache")).value_or(""));
   if (places.cached.empty()) {
-    readConfiguration(root, rootedPath(root, "/etc/ld.so.conf"), 0, places.directories);
+    std::set<std::string> read;
+    readConfiguration(root, "/etc/ld.so.conf", read, places.directories);
   }
   const std::string name = multiarchName(kind);
   for (const char* directory : {"/lib", "/usr/lib"}) {

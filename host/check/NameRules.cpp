@@ -107,24 +107,36 @@ std::set<std::string> interfacesOf(const CheckSubject& subject, bool (ParsedLine
   return names;
 }
 
+/** The name without what nearly all of them end in, and which so says nothing of their likeness. */
+std::string stem(const std::string& name) {
+  constexpr char ending[] = "Ifc";
+  const std::size_t length = sizeof ending - 1;
+  const bool has = name.size() > length && name.compare(name.size() - length, length, ending) == 0;
+  return has ? name.substr(0, name.size() - length) : name;
+}
+
 /** Two letters off at most: names of one family are often alike. */
 constexpr std::size_t farthestInterface = 2;
 
 void unknownInterface(const CheckSubject& subject, Findings& findings) {
   const std::set<std::string> announced = interfacesOf(subject, &ParsedLine::isChannelService);
   const std::set<std::string> recorded = interfacesOf(subject, &ParsedLine::isRecord);
-  std::vector<std::string> unrecorded;
+  std::map<std::string, std::string> unrecorded;
+  std::vector<std::string> stems;
   for (const std::string& name : announced) {
-    if (recorded.count(name) == 0) unrecorded.push_back(name);
+    if (recorded.count(name) != 0) continue;
+    unrecorded.emplace(stem(name), name);
+    stems.push_back(stem(name));
   }
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isRecord()) return;
     for (const Word& word : line.interfaces()) {
       if (announced.count(word.text) != 0 || word.text == registryInterface) continue;
-      const std::string meant = nearMiss(word.text, unrecorded);
+      const std::string near = nearMiss(stem(word.text), stems);
+      if (near.empty() || editDistance(stem(word.text), near) > farthestInterface) continue;
+      const std::string& meant = unrecorded[near];
       // A matter of capital letters only is told by the rule for those.
-      if (meant.empty() || lowered(meant) == lowered(word.text)) continue;
-      if (editDistance(word.text, meant) > farthestInterface) continue;
+      if (lowered(meant) == lowered(word.text)) continue;
       findings.add(file, line, word,
                    "no service here has the interface " + quoted(word.text) + ", and " +
                        quoted(meant) + " has no record.",

@@ -10,17 +10,15 @@ void unreadableFile(const CheckSubject& subject, Findings& findings) {
 }
 
 void lineTooLong(const CheckSubject& subject, Findings& findings) {
-  for (const CheckedFile& file : subject.files) {
-    for (const ParsedLine& line : file.lines) {
-      const std::size_t length = line.line().length;
-      if (length <= longestDirectiveLine) continue;
-      findings.addAt(file, line, longestDirectiveLine + 1, length - longestDirectiveLine,
-                     "the line has " + std::to_string(length) +
-                         " characters, and reading it would never end: at most " +
-                         std::to_string(longestDirectiveLine) +
-                         " are allowed, a carriage return counted.");
-    }
-  }
+  subject.forEachLineAtAll([&](const CheckedFile& file, const ParsedLine& line) {
+    const std::size_t length = line.line().length;
+    if (length <= longestDirectiveLine) return;
+    findings.addAt(file, line, longestDirectiveLine + 1, length - longestDirectiveLine,
+                   "the line has " + std::to_string(length) +
+                       " characters, and reading it would never end: at most " +
+                       std::to_string(longestDirectiveLine) +
+                       " are allowed, a carriage return counted.");
+  });
 }
 
 /** How many fields were written after the mode; the list is filled up with empty ones. */
@@ -32,16 +30,14 @@ std::size_t fieldsAfterMode(const ParsedLine& line) {
 }
 
 void tooFewFields(const CheckSubject& subject, Findings& findings) {
-  for (const CheckedFile& file : subject.files) {
-    for (const ParsedLine& line : file.lines) {
-      if (!line.breaksOff()) continue;
-      const Word& mode = line.words()[1];
-      findings.add(file, line, mode,
-                   "the mode field " + mode.text +
-                       " needs at least four fields after it, and the line has " +
-                       std::to_string(fieldsAfterMode(line)) + ": it would break the start off.");
-    }
-  }
+  subject.forEachLineAtAll([&](const CheckedFile& file, const ParsedLine& line) {
+    if (!line.breaksOff()) return;
+    const Word& mode = line.words()[1];
+    findings.add(file, line, mode,
+                 "the mode field " + mode.text +
+                     " needs at least four fields after it, and the line has " +
+                     std::to_string(fieldsAfterMode(line)) + ": it would break the start off.");
+  });
 }
 
 }  // namespace

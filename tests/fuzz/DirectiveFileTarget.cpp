@@ -1,8 +1,6 @@
 // Input: a directive file. On the recording platform no library is opened and no process started.
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <memory>
 #include <stdexcept>
@@ -21,29 +19,12 @@
 #include "tests/fakes/RecordingService.h"
 #include "tests/fakes/SemaphoreTable.h"
 #include "tests/fuzz/FuzzTarget.h"
+#include "tests/fuzz/MemoryFile.h"
 
 using namespace zerva;
 using namespace zerva::fuzz;
 
 namespace {
-
-/** A file that is in memory only, and has a path all the same. */
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view bytes) : descriptor_(memfd_create("directives", 0)) {
-    require(descriptor_ >= 0, "there is a file");
-    require(write(descriptor_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()),
-            "the file can be written");
-  }
-  ~MemoryFile() { close(descriptor_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-
-  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
 
 /** A host on a platform that knows two libraries. */
 class World {
