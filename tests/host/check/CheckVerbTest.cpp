@@ -9,10 +9,12 @@
 #include <array>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileText.h"
 #include "tests/support/TempDirectory.h"
 
 namespace zerva {
@@ -103,6 +105,25 @@ TEST_F(TheVerbCheck, WritesWhatItFoundForPrograms) {
   EXPECT_EQ(json["findings"][0]["code"], "unknown-keyword");
   EXPECT_EQ(json["findings"][0]["suggestion"], "service_info");
   EXPECT_EQ(json["errors"], 1);
+}
+
+/** The lines of a text, each indented as in a document's example. */
+std::string indented(const std::string& text) {
+  std::string result;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) result += "    " + line + "\n";
+  return result;
+}
+
+TEST_F(TheVerbCheck, WritesWhatTheDocumentShows) {
+  directory.write("plant.directives",
+                  "# The plant\n\n\n"
+                  "servce_instance: ST libPump.so createPump /plant/pump PumpIfc\n"
+                  "\n\n\n\n"
+                  "service_legacy: ST libClock.so createClock ClockIfc TimeIfc\n");
+  EXPECT_EQ(sut({"plant.directives", "--no-libraries"}), 1);
+  EXPECT_THAT(readFile(std::string(ZERVA_SOURCE_DIRECTORY) + "/docs/checking.md"),
+              HasSubstr("\n    $ zerva check plant.directives\n" + indented(output) + "\n"));
 }
 
 TEST_F(TheVerbCheck, ListsItsCodesWithoutAFile) {

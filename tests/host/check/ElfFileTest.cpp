@@ -92,7 +92,7 @@ TEST(AnElfFile, OfAClassThatNobodyKnowsIsDamaged) {
   EXPECT_EQ(bad(bytes).kind, ElfError::Kind::Broken);
 }
 
-TEST(AnElfFile, ThatIsCutOffIsDamagedOrReadableButNeverRead_BeyondItsEnd) {
+TEST(AnElfFile, IsNeverReadBeyondItsEnd_WhereverItIsCutOff) {
   const std::string whole = bytesOfLibrary("libTraps.so");
   std::size_t damaged = 0;
   for (std::size_t length = 4; length < whole.size(); length += 1 + length / 37) {
