@@ -30,7 +30,7 @@ class Loader {
 
   void load(LibraryUse& use) {
     // What was found wrong without opening it is told by other rules.
-    if (use.fault != LibraryFault::None || !use.missing.empty()) return;
+    if (use.fault != LibraryFault::None || !use.missing.empty() || !use.undefined.empty()) return;
     if (use.creator == CreatorFault::NotFound) return;
     const LoadOptions wanted{use.line->library().text, use.line->creator().text, directories_};
     const auto [at, isNew] = results_.try_emplace({wanted.library, wanted.creator});
@@ -116,7 +116,7 @@ std::vector<Finding> findAll(const CheckOptions& options, std::deque<CheckSubjec
     subject.programs = surroundings.programs ? &*surroundings.programs : nullptr;
     lookIntoLibraries(subject, surroundings);
     for (Finding& finding : lookOver(subject)) {
-      if (options.ignored.count(finding.code) == 0) all.push_back(std::move(finding));
+      if (!options.ignored.contains(finding.code)) all.push_back(std::move(finding));
     }
   }
   return all;

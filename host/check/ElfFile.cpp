@@ -29,7 +29,7 @@ struct Dynamic {
     const auto found = values.find(tag);
     return found == values.end() ? 0 : found->second;
   }
-  bool has(std::uint64_t tag) const { return values.count(tag) != 0; }
+  bool has(std::uint64_t tag) const { return values.contains(tag); }
 };
 
 // Reads the field of a structure that the two word sizes order differently.
@@ -147,14 +147,18 @@ class ElfReader {
       const std::uint64_t info = ZERVA_ELF_FIELD(image_, at, Sym, st_info);
       const std::uint64_t hiding = ZERVA_ELF_FIELD(image_, at, Sym, st_other) & 3U;
       const std::uint64_t section = ZERVA_ELF_FIELD(image_, at, Sym, st_shndx);
-      const bool isLocal = (info >> 4U) == STB_LOCAL;
+      const std::uint64_t binding = info >> 4U;
       const bool isHidden = hiding == STV_HIDDEN || hiding == STV_INTERNAL;
-      if (section == SHN_UNDEF || isLocal || isHidden) continue;
-      const std::uint64_t kind = info & 0xFU;
+      if (binding == STB_LOCAL || isHidden) continue;
       const std::string symbol = name(ZERVA_ELF_FIELD(image_, at, Sym, st_name));
       text += symbol.size();
       if (text > mostText) throw BrokenElf("its names are longer than itself");
-      file_.exported[symbol] = kind == STT_FUNC || kind == STT_GNU_IFUNC;
+      const std::uint64_t kind = info & 0xFU;
+      if (section != SHN_UNDEF) {
+        file_.exported[symbol] = kind == STT_FUNC || kind == STT_GNU_IFUNC;
+      } else if (binding != STB_WEAK) {
+        file_.undefined.push_back(symbol);
+      }
     }
   }
 
@@ -177,8 +181,8 @@ std::variant<ElfFile, ElfError> readElf(const std::string& bytes) {
   }
   try {
     if (bytes.size() < EI_NIDENT) throw BrokenElf("it ends too early");
-    const int elfClass = bytes[EI_CLASS];
-    const int order = bytes[EI_DATA];
+    const int elfClass = static_cast<unsigned char>(bytes[EI_CLASS]);
+    const int order = static_cast<unsigned char>(bytes[EI_DATA]);
     const bool knownClass = elfClass == ELFCLASS32 || elfClass == ELFCLASS64;
     const bool knownOrder = order == ELFDATA2LSB || order == ELFDATA2MSB;
     if (!knownClass || !knownOrder) throw BrokenElf("its head is not understood");

@@ -40,6 +40,8 @@ struct ElfFile {
   bool hasRunpath = false;
   /** What it exports, and whether that is a function. */
   std::map<std::string, bool> exported;
+  /** What it uses of others and cannot do without. */
+  std::vector<std::string> undefined;
 };
 
 /** Why a file could not be read as ELF. */

@@ -57,6 +57,18 @@ void neededNotFound(const CheckSubject& subject, Findings& findings) {
   }
 }
 
+void symbolNotFound(const CheckSubject& subject, Findings& findings) {
+  for (const LibraryUse& use : subject.libraries) {
+    if (use.undefined.empty()) continue;
+    const UndefinedSymbol& first = use.undefined.front();
+    const std::size_t more = use.undefined.size() - 1;
+    findings.add(*use.file, *use.line, use.line->library(),
+                 quoted(first.usedBy) + " uses " + quoted(first.name) +
+                     (more == 0 ? "" : " and " + std::to_string(more) + " more") +
+                     ", which neither the host nor any library that is needed has.");
+  }
+}
+
 void creatorNotFound(const CheckSubject& subject, Findings& findings) {
   for (const LibraryUse& use : subject.libraries) {
     if (use.creator != CreatorFault::NotFound) continue;
@@ -116,6 +128,8 @@ const std::vector<Rule>& libraryRules() {
        notALibrary},
       {"needed-not-found", Severity::Error,
        "a library that another one needs, and that is not where the loader looks", neededNotFound},
+      {"symbol-not-found", Severity::Error,
+       "a library that uses something that nobody has, and so cannot be opened", symbolNotFound},
       {"creator-not-found", Severity::Error, "a creator that its library does not export",
        creatorNotFound},
       {"creator-not-function", Severity::Error, "a creator that is no function",

@@ -130,6 +130,21 @@ std::optional<std::string> LibraryTree::findNeeded(
   return amongLoaders(name);
 }
 
+const std::set<std::string>* LibraryTree::hostExports() const {
+  if (places_.hostFiles.empty()) return nullptr;
+  if (!hostExports_) {
+    hostExports_.emplace();
+    for (const std::string& path : places_.hostFiles) {
+      const FoundLibrary* found = read(path);
+      if (found == nullptr || found->file() == nullptr) continue;
+      for (const auto& [symbol, isFunction] : found->file()->exported) {
+        hostExports_->insert(symbol);
+      }
+    }
+  }
+  return &*hostExports_;
+}
+
 std::vector<std::string> LibraryTree::names() const {
   std::vector<std::string> names;
   for (const std::string& directory : places_.hostDirectories) {

@@ -27,6 +27,8 @@ struct LibraryPlaces {
   std::string platformDirectory;
   /** The names of the libraries that a host has loaded before it reads a file. */
   std::set<std::string> loaded;
+  /** The host's program and those libraries, as paths; empty when nobody knows them. */
+  std::vector<std::string> hostFiles;
 };
 
 /** A library that was found. */
@@ -66,6 +68,9 @@ class LibraryTree {
   /** @returns what is in a file of the machine; null when it cannot be read. */
   const FoundLibrary* read(const std::string& path) const;
 
+  /** @returns what a host itself exports to all libraries; null when nobody knows. */
+  const std::set<std::string>* hostExports() const;
+
   /** @returns the names of libraries that a line could name without a slash. */
   std::vector<std::string> names() const;
 
@@ -79,6 +84,7 @@ class LibraryTree {
   const LibraryPlaces places_;
   const LoaderPlaces loader_;
   mutable std::map<std::string, std::unique_ptr<FoundLibrary>> read_;
+  mutable std::optional<std::set<std::string>> hostExports_;
 };
 
 /** @returns the parts of a list with colons; an empty one stands for the current directory. */

@@ -1,10 +1,13 @@
 #include "host/check/LibraryUse.h"
 
+#include <cxxabi.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <memory>
 #include <set>
 
 #include "host/check/CheckSubject.h"
@@ -119,6 +122,32 @@ void lookForCreator(LibraryUse& use, const std::vector<const FoundLibrary*>& ope
   if (!use.mangled) use.creatorSuggestion = nearMiss(creator, names);
 }
 
+std::string demangled(const std::string& symbol) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> text(
+      abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), &std::free);
+  return status == 0 ? text.get() : symbol;
+}
+
+/** All that is used has to be there when a library is opened: in the host, or in what is needed. */
+void lookForSymbols(LibraryUse& use, const std::vector<const FoundLibrary*>& opened,
+                    const LibraryTree& tree) {
+  const std::set<std::string>* host = tree.hostExports();
+  if (host == nullptr) return;
+  const auto isThere = [&](const std::string& symbol) {
+    if (host->contains(symbol)) return true;
+    for (const FoundLibrary* library : opened) {
+      if (library->file()->exported.contains(symbol)) return true;
+    }
+    return false;
+  };
+  for (const FoundLibrary* library : opened) {
+    for (const std::string& symbol : library->file()->undefined) {
+      if (!isThere(symbol)) use.undefined.push_back({demangled(symbol), fileName(library->path)});
+    }
+  }
+}
+
 /** Others cannot take a file away from a directory with this bit. */
 bool othersMayReplace(const struct stat& status) {
   return (status.st_mode & S_IWOTH) != 0 &&
@@ -148,10 +177,22 @@ LibraryUse lookIntoLibrary(const CheckedFile& file, const ParsedLine& line,
   const FoundLibrary* library = openItself(use, tree);
   if (!use.path.empty()) use.writable = writableByOthers(use, tree);
   if (library == nullptr) return use;
-  lookForCreator(use, openNeeded(use, *library, tree));
-  // What is not there may have it.
-  if (!use.missing.empty()) use.creator = CreatorFault::None;
+  const std::vector<const FoundLibrary*> opened = openNeeded(use, *library, tree);
+  // What is not there might have what is looked for.
+  if (!use.missing.empty()) return use;
+  lookForCreator(use, opened);
+  lookForSymbols(use, opened, tree);
   return use;
+}
+
+std::vector<std::string> programAndLibraries(const std::string& program, const LibraryTree& tree) {
+  const FoundLibrary* first = tree.read(program);
+  // One that is linked with nothing, or in the older way, says nothing of what it has loaded.
+  if (first == nullptr || first->file() == nullptr || first->file()->needed.empty()) return {};
+  LibraryUse use;
+  std::vector<std::string> paths;
+  for (const FoundLibrary* opened : openNeeded(use, *first, tree)) paths.push_back(opened->path);
+  return use.missing.empty() ? paths : std::vector<std::string>();
 }
 
 }  // namespace zerva

@@ -24,6 +24,14 @@ struct NeededLibrary {
   std::string why;
 };
 
+/** Something that a library uses and nobody has. */
+struct UndefinedSymbol {
+  /** As a reader of C++ knows it. */
+  std::string name;
+  /** The file name of the library that uses it. */
+  std::string usedBy;
+};
+
 /** What is known of the library that a line names. */
 struct LibraryUse {
   const CheckedFile* file = nullptr;
@@ -36,6 +44,7 @@ struct LibraryUse {
   /** The library that was probably meant. */
   std::string suggestion;
   std::vector<NeededLibrary> missing;
+  std::vector<UndefinedSymbol> undefined;
   CreatorFault creator = CreatorFault::None;
   /** The function that was probably meant. */
   std::string creatorSuggestion;
@@ -54,5 +63,12 @@ struct LibraryUse {
  */
 LibraryUse lookIntoLibrary(const CheckedFile& file, const ParsedLine& line,
                            const LibraryTree& tree);
+
+/**
+ * @param program a program of the tree's machine.
+ * @returns the program and all libraries that it is started with, as paths; nothing when one of
+ *     them is not found.
+ */
+std::vector<std::string> programAndLibraries(const std::string& program, const LibraryTree& tree);
 
 }  // namespace zerva

@@ -124,14 +124,14 @@ void unknownInterface(const CheckSubject& subject, Findings& findings) {
   std::map<std::string, std::string> unrecorded;
   std::vector<std::string> stems;
   for (const std::string& name : announced) {
-    if (recorded.count(name) != 0) continue;
+    if (recorded.contains(name)) continue;
     unrecorded.emplace(stem(name), name);
     stems.push_back(stem(name));
   }
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isRecord()) return;
     for (const Word& word : line.interfaces()) {
-      if (announced.count(word.text) != 0 || word.text == registryInterface) continue;
+      if (announced.contains(word.text) || word.text == registryInterface) continue;
       const std::string near = nearMiss(stem(word.text), stems);
       if (near.empty() || editDistance(stem(word.text), near) > farthestInterface) continue;
       const std::string& meant = unrecorded[near];

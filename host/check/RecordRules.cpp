@@ -91,7 +91,7 @@ void noProxyRecord(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isChannelService()) return;
     for (const Word& word : line.interfaces()) {
-      if (word.text == registryInterface || proxies.count(word.text) != 0) continue;
+      if (word.text == registryInterface || proxies.contains(word.text)) continue;
       findings.add(file, line, word,
                    "no proxy is recorded for " + quoted(word.text) +
                        ": whoever looks it up finds nothing, unless another process records one.");
@@ -105,8 +105,8 @@ void noInvokerRecord(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isChannelService()) return;
     for (const Word& word : line.interfaces()) {
-      const bool called = word.text != registryInterface && proxies.count(word.text) != 0;
-      if (!called || invokers.count(word.text) != 0) continue;
+      const bool called = word.text != registryInterface && proxies.contains(word.text);
+      if (!called || invokers.contains(word.text)) continue;
       findings.add(file, line, word,
                    quoted(word.text) + " has a proxy, but no invoker for " + proxyProtocol +
                        " is recorded: calls to it fail.");

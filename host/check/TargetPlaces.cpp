@@ -7,6 +7,7 @@
 
 #include "host/DefaultLibraryDirectories.h"
 #include "host/check/FileBytes.h"
+#include "host/check/LibraryUse.h"
 #include "host/check/RootedPath.h"
 
 namespace zerva {
@@ -40,6 +41,8 @@ void placesHere(LibraryPlaces& places) {
   places.environment = splitPath(environmentText("LD_LIBRARY_PATH"));
   for (const std::string& path : loadedPaths()) {
     places.loaded.insert(fileName(path));
+    // The program itself has no name there.
+    places.hostFiles.push_back(path.empty() ? "/proc/self/exe" : path);
     if (fileName(path) != platformLibrary) continue;
     places.platformDirectory = directoryOf(path);
     const auto content = readElf(bytesOf(path).value_or(""));
@@ -65,6 +68,11 @@ void placesIn(const std::string& root, LibraryPlaces& places) {
   places.platformDirectory = directoryOf(directoryOf(host)) + "/lib";
   places.platformRunpath = "$ORIGIN/../lib:$ORIGIN";
   if (places.hostDirectories.empty()) places.hostDirectories = {places.platformDirectory};
+  LibraryPlaces bare = places;
+  bare.loaded.clear();
+  places.hostFiles = programAndLibraries(host, LibraryTree(bare));
+  if (!places.hostFiles.empty()) places.loaded.clear();
+  for (const std::string& path : places.hostFiles) places.loaded.insert(fileName(path));
 }
 
 std::optional<ElfKind> kindOf(const std::string& path) {

@@ -8,7 +8,7 @@ void neverLookedUp(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isChannelService()) return;
     for (const Word& word : line.interfaces()) {
-      if (word.text == registryInterface || subject.lookedUp->count(word.text) != 0) continue;
+      if (word.text == registryInterface || subject.lookedUp->contains(word.text)) continue;
       findings.add(file, line, word,
                    "nobody looked up " + quoted(word.text) + " in the run that was traced.");
     }

@@ -195,6 +195,26 @@ TEST_F(TheVerbCheck, ChecksTheTreeOfAMachineOfAnotherWordSize) {
                                 "for "));
 }
 
+/** Everything that this build's host is started with, in a tree as on a target. */
+void installHost(const fs::path& tree) {
+  fs::create_directories(tree / "usr/bin");
+  fs::create_directories(tree / "usr/lib");
+  fs::copy_file(build / "bin/zerva", tree / "usr/bin/zerva");
+  for (const auto& entry : fs::directory_iterator(build / "lib")) {
+    if (entry.path().extension() == ".so") {
+      fs::create_symlink(entry.path(), tree / "usr/lib" / entry.path().filename());
+    }
+  }
+}
+
+// The links lead to nowhere in the tree, as those of a tree that was copied in a hurry.
+TEST_F(TheVerbCheck, DoesNotLeaveATreeByItsLinks) {
+  installHost(directory.path() / "tree");
+  directory.write("a.directives", "service_info: libServiceRegistry.so create /a AIfc\n");
+  EXPECT_EQ(sut({"a.directives", "--sysroot", "tree"}), 1);
+  EXPECT_THAT(output, HasSubstr("[library-not-found]"));
+}
+
 TEST_F(TheVerbCheck, BelievesWhatItIsToldOfTheMachine) {
   fs::create_directories(directory.path() / "tree");
   fs::copy_file(build / "plugins/libPlain.so", directory.path() / "tree/libHere.so");

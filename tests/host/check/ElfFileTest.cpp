@@ -62,6 +62,15 @@ TEST(AnElfFile, DoesNotExportWhatItOnlyUses) {
   EXPECT_EQ(sut.exported.count("createNeeding"), 1U);
 }
 
+TEST(AnElfFile, TellsWhatItCannotDoWithout) {
+  EXPECT_THAT(good(bytesOfLibrary("libNeedsHidden.so")).undefined, Contains("hidden"));
+}
+
+TEST(AnElfFile, DoesNotTellWhatItCanDoWithout) {
+  EXPECT_THAT(good(bytesOfLibrary("libTraps.so")).undefined,
+              testing::Not(Contains("__gmon_start__")));
+}
+
 TEST(AnElfFile, TellsWhatItNeedsAndWhereThatIs) {
   const ElfFile sut = good(bytesOfLibrary("libFindsHidden.so"));
   EXPECT_THAT(sut.needed, Contains("libHidden.so"));

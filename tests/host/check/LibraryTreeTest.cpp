@@ -39,6 +39,12 @@ class ATreeOfLibraries : public testing::Test {
     return places;
   }
 
+  /** What a library needs whatever is in it, sanitizers included. */
+  static std::set<std::string> ofEveryBuild() {
+    return {"libstdc++.so.6", "libm.so.6",     "libgcc_s.so.1", "libc.so.6",
+            "libasan.so.8",   "libubsan.so.1", "libtsan.so.2"};
+  }
+
   LibraryUse look(const std::string& name, const LibraryPlaces& wanted,
                   const std::string& creator = "createTraps") const {
     const std::string text = "service_instance: " + name + " " + creator + " /a AIfc";
@@ -126,8 +132,7 @@ TEST_F(ATreeOfLibraries, FindsWhatALibraryNeedsWhereTheLibrarySays) {
   put(libraries / "libFindsHidden.so", "/opt/libFindsHidden.so");
   LibraryPlaces wanted = places();
   wanted.hostDirectories = {"/opt"};
-  wanted.loaded = {"libstdc++.so.6", "libm.so.6",     "libgcc_s.so.1", "libc.so.6",
-                   "libasan.so.8",   "libubsan.so.1", "libtsan.so.2"};
+  wanted.loaded = ofEveryBuild();
   const LibraryUse missing = look("libFindsHidden.so", wanted, "createNeeding");
   ASSERT_EQ(missing.missing.size(), 1U);
   EXPECT_EQ(missing.missing[0].name, "libHidden.so");
@@ -141,17 +146,66 @@ TEST_F(ATreeOfLibraries, DoesNotSearchTheHostsDirectoriesForWhatALibraryNeeds) {
   put(libraries / "hidden/libHidden.so", "/opt/libHidden.so");
   LibraryPlaces wanted = places();
   wanted.hostDirectories = {"/opt"};
-  wanted.loaded = {"libstdc++.so.6", "libm.so.6",     "libgcc_s.so.1", "libc.so.6",
-                   "libasan.so.8",   "libubsan.so.1", "libtsan.so.2"};
+  wanted.loaded = ofEveryBuild();
   EXPECT_EQ(look("libNeedsHidden.so", wanted, "createNeeding").missing.size(), 1U);
 }
 
 TEST_F(ATreeOfLibraries, TakesWhatTheHostHasLoadedForThere) {
   put(libraries / "libNeedsHidden.so", "/usr/lib/libNeedsHidden.so");
   LibraryPlaces wanted = places();
-  wanted.loaded = {"libHidden.so", "libstdc++.so.6", "libm.so.6",     "libgcc_s.so.1",
-                   "libc.so.6",    "libasan.so.8",   "libubsan.so.1", "libtsan.so.2"};
+  wanted.loaded = ofEveryBuild();
+  wanted.loaded.insert("libHidden.so");
   EXPECT_EQ(look("libNeedsHidden.so", wanted, "createNeeding").missing.size(), 0U);
+}
+
+TEST_F(ATreeOfLibraries, TellsWhatIsUsedAndNobodyHas) {
+  put(libraries / "libUndefined.so", "/usr/lib/libUndefined.so");
+  put("/usr/lib/libTraps.so");
+  LibraryPlaces wanted = places();
+  wanted.loaded = ofEveryBuild();
+  wanted.hostFiles = {"/usr/lib/libTraps.so"};
+  std::vector<std::string> names;
+  for (const UndefinedSymbol& sut : look("libUndefined.so", wanted, "createUndefined").undefined) {
+    names.push_back(sut.name);
+  }
+  EXPECT_THAT(names, testing::IsSupersetOf({"plant::pressure(char const*)", "levelOf"}));
+}
+
+TEST_F(ATreeOfLibraries, CountsWhatTheHostHasAsThere) {
+  put(libraries / "libNeedsHidden.so", "/usr/lib/libNeedsHidden.so");
+  put(libraries / "hidden/libHidden.so", "/usr/lib/libHidden.so");
+  put("/usr/lib/libTraps.so");
+  LibraryPlaces wanted = places();
+  wanted.loaded = ofEveryBuild();
+  wanted.loaded.insert("libHidden.so");
+  const auto usesHidden = [&] {
+    for (const UndefinedSymbol& symbol :
+         look("libNeedsHidden.so", wanted, "createNeeding").undefined) {
+      if (symbol.name == "hidden") return true;
+    }
+    return false;
+  };
+  wanted.hostFiles = {"/usr/lib/libTraps.so"};
+  EXPECT_TRUE(usesHidden());
+  wanted.hostFiles = {"/usr/lib/libHidden.so"};
+  EXPECT_FALSE(usesHidden());
+}
+
+TEST_F(ATreeOfLibraries, SaysNothingOfSymbolsWhenNobodyKnowsTheHost) {
+  put(libraries / "libUndefined.so", "/usr/lib/libUndefined.so");
+  LibraryPlaces wanted = places();
+  wanted.loaded = ofEveryBuild();
+  EXPECT_TRUE(look("libUndefined.so", wanted, "createUndefined").undefined.empty());
+}
+
+TEST_F(ATreeOfLibraries, KnowsWhatAProgramIsStartedWith) {
+  put(libraries / "libFindsHidden.so", "/usr/bin/host");
+  LibraryPlaces wanted = places();
+  wanted.loaded = ofEveryBuild();
+  EXPECT_THAT(programAndLibraries("/usr/bin/host", LibraryTree(wanted)), testing::IsEmpty());
+  put(libraries / "hidden/libHidden.so", "/usr/bin/hidden/libHidden.so");
+  EXPECT_THAT(programAndLibraries("/usr/bin/host", LibraryTree(wanted)),
+              testing::ElementsAre("/usr/bin/host", "/usr/bin/hidden/libHidden.so"));
 }
 
 TEST_F(ATreeOfLibraries, TellsWhatEverybodyMayWriteTo) {
