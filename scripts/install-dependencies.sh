@@ -10,7 +10,7 @@
 . "$(dirname "$0")/common.sh"
 
 readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
-  libmsgpack-cxx-dev librapidxml-dev nlohmann-json3-dev libspdlog-dev)
+  libmsgpack-cxx-dev librapidxml-dev libspdlog-dev nlohmann-json3-dev)
 readonly test=("${demo[@]}" googletest binutils procps python3 clang-format clang-tidy)
 readonly fuzz=("${demo[@]}" googletest clang libclang-rt-14-dev)
 readonly model=(gcc spin)

@@ -38,7 +38,9 @@ std::string ProgramSearch::whyNot(const std::string& program) const {
     if (best == Program::Missing) return "is not there";
   } else {
     for (const std::string& directory : directories_) {
-      const Program found = look(rootedPath(root_, directory + "/" + program));
+      std::string path = directory;
+      path += "/" + program;
+      const Program found = look(rootedPath(root_, path));
       if (found == Program::Good) return {};
       if (found == Program::NotExecutable) best = found;
     }

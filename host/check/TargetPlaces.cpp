@@ -104,7 +104,10 @@ LibraryPlaces targetPlaces(const CheckOptions& options) {
     places.kind = kindIn(places.root);
     placesIn(places.root, places);
   }
-  if (!options.machine.empty()) places.kind = elfKindNamed(options.machine).value_or(places.kind);
+  const ElfKind found = places.kind;
+  if (!options.machine.empty()) places.kind = elfKindNamed(options.machine).value_or(found);
+  // What a host for another machine has is called differently.
+  if (!(places.kind == found)) places.hostFiles.clear();
   return places;
 }
 
