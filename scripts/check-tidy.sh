@@ -65,7 +65,7 @@ inclusions() {
 
 # options FILE: its line of the compile commands, wherever the checkout is.
 options() {
-  { grep -F "\"$PWD/$1\"" -B 1 "$stamps/compile_commands.json" || true; } | sed "s,$PWD/,,g"
+  { grep -F "\"$PWD/$1\"" -B 1 "$stamps/compile_commands.json" || true; } | sed "s,$PWD,.,g"
 }
 
 declare -A state
