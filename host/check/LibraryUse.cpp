@@ -142,9 +142,12 @@ void lookForSymbols(LibraryUse& use, const std::vector<const FoundLibrary*>& ope
     return false;
   };
   for (const FoundLibrary* library : opened) {
+    // In the order of the names: that of the file depends on how it was compiled.
+    std::set<std::string> names;
     for (const std::string& symbol : library->file()->undefined) {
-      if (!isThere(symbol)) use.undefined.push_back({demangled(symbol), fileName(library->path)});
+      if (!isThere(symbol)) names.insert(demangled(symbol));
     }
+    for (const std::string& name : names) use.undefined.push_back({name, fileName(library->path)});
   }
 }
 
