@@ -382,7 +382,7 @@ void ExecutorCore::handToPool(std::size_t requests) {
   for (; requests > 0; --requests) {
     bool taken = false;
     // Whatever it is that the pool fails of: a request without its task would never be served.
-    exceptionOf([&] {
+    const auto error = exceptionOf([&] {
       taken = settings_.pool->execute([self = shared_from_this()] { self->serveOneOnPool(); });
     });
     if (taken) {
@@ -396,7 +396,13 @@ void ExecutorCore::handToPool(std::size_t requests) {
         queue_.pop_front();
       }
     }
-    refuse(refused, "the pool has no thread for channel '" + channelName_ + "'");
+    const std::string cause = "the pool has no thread for channel '" + channelName_ + "'";
+    for (const Envelope& request : refused) {
+      // Who asked is told, and may have nobody to tell.
+      EXECUTOR_LOG(2, "a message from channel '%s' was not served: %s%s%s", request.from().c_str(),
+                   cause.c_str(), error ? ": " : "", error ? error->c_str() : "");
+    }
+    refuse(refused, cause);
   }
 }
 
