@@ -202,7 +202,14 @@ bool FaultyLife::inMakingAProxy() const {
 std::string FaultyLife::waits() const {
   const std::string errors = process_.errors();
   const std::size_t watchdog = errors.find("watchdog: ");
-  return watchdog == std::string::npos ? "" : errors.substr(watchdog);
+  if (watchdog == std::string::npos) return {};
+#if defined(__SANITIZE_THREAD__)
+  // It puts signals off until a thread does not wait any more, so the watchdog gets no stack of
+  // one that does. Where the fault came is all that is known.
+  return errors.substr(watchdog) + faultStack();
+#else
+  return errors.substr(watchdog);
+#endif
 }
 
 std::string FaultyLife::faultStack() const {
