@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 #include <string>
 
@@ -18,18 +17,21 @@ TEST(TheTableOfRules, HasEachCodeOnce) {
 
 TEST(TheTableOfRules, HasCodesOfSmallLettersAndHyphens) {
   for (const Rule& sut : allRules()) {
-    EXPECT_TRUE(std::regex_match(sut.code, std::regex("[a-z]+(-[a-z]+)*"))) << sut.code;
+    const std::string code = std::string("-") + sut.code + "-";
+    EXPECT_EQ(code.find_first_not_of("abcdefghijklmnopqrstuvwxyz-"), std::string::npos) << sut.code;
+    EXPECT_EQ(code.find("--"), std::string::npos) << sut.code;
   }
 }
 
 TEST(TheTableOfRules, IsTheOneOfTheDocument) {
-  const std::string document = readFile(std::string(ZERVA_SOURCE_DIRECTORY) + "/docs/checking.md");
-  std::string sut;
+  const std::string document = readFile(ZERVA_SOURCE_DIRECTORY "/docs/checking.md");
+  std::string sut = "|---|---|---|\n";
   for (const Rule& rule : allRules()) {
     sut += std::string("| `") + rule.code + "` | " + severityName(rule.severity) + " | " +
            rule.meaning + " |\n";
   }
-  EXPECT_THAT(document, testing::HasSubstr("|---|---|---|\n" + sut + "\n"));
+  sut += "\n";
+  EXPECT_THAT(document, testing::HasSubstr(sut));
 }
 
 TEST(TheTableOfRules, IsListedWithALineForEach) {
