@@ -34,6 +34,8 @@ void refuseCommas(const char* what, std::initializer_list<std::string> fields) {
 template <typename Function>
 void forEachName(const std::string& list, const Function& function) {
   std::istringstream names(list);
+  // Without it, memory that is missing for a name would end the list before that name.
+  names.exceptions(std::ios::badbit);
   for (std::string name; std::getline(names, name, ' ');) {
     if (!name.empty()) {
       function(name);

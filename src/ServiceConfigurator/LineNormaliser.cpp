@@ -10,6 +10,8 @@ namespace {
 
 std::vector<std::string> wordsOf(const std::string& text) {
   std::istringstream stream(text);
+  // Without it, memory that is missing for a word would end the line before that word.
+  stream.exceptions(std::ios::badbit);
   std::vector<std::string> words;
   std::string word;
   while (stream >> word) {
