@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <memory>
@@ -81,6 +82,12 @@ std::size_t runAllLives(const std::string& kind) {
   }
 }
 
+/** For who writes down what was tried. */
+void tellOf(const std::string& kind, std::size_t reached) {
+  std::printf("faults: %s: %zu, each in a life of its own\n", kind.c_str(), reached);
+  testing::Test::RecordProperty("faults", static_cast<int>(reached));
+}
+
 std::string nameOfKind(const testing::TestParamInfo<const char*>& param) { return param.param; }
 
 TEST(ALife, WithoutAFault_DoesAllAndGoesDownInOrder) {
@@ -108,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(Of, ALifeWithAFault,
 TEST_P(ALifeWithAFault, WhicheverCallFails_GoesDownInOrder) {
   const std::size_t reached = runAllLives(GetParam());
   EXPECT_GT(reached, 0U);
-  RecordProperty("faults", static_cast<int>(reached));
+  tellOf(GetParam(), reached);
 }
 
 TEST(ALife, KilledAtAnyStep_HarmsNeitherTheOtherHostNorTheNextLife) {
@@ -121,7 +128,7 @@ TEST(ALife, KilledAtAnyStep_HarmsNeitherTheOtherHostNorTheNextLife) {
     if (reached < 2 || testing::Test::HasFailure()) break;
   }
   EXPECT_GT(killed, 2U);
-  RecordProperty("faults", static_cast<int>(killed));
+  tellOf("death_away", killed);
 }
 
 TEST(ALife, WhoseDirectiveFileCannotBeRead_IsRefused) {
@@ -146,7 +153,7 @@ TEST_P(ALifeWithoutMemory, WhicheverAllocationFails_GoesDownInOrder) {
   }
   const std::size_t reached = runLives(GetParam(), faults);
   EXPECT_GT(reached, faults.size() / 2);
-  RecordProperty("faults", static_cast<int>(reached));
+  tellOf(GetParam(), reached);
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
