@@ -20,6 +20,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 # A tree that was moved as a whole keeps working, and no path of this machine gets into a binary.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_BUILD_RPATH "$ORIGIN/../lib;$ORIGIN")
+set(CMAKE_INSTALL_RPATH "${CMAKE_BUILD_RPATH}")
 set(CMAKE_SKIP_INSTALL_RPATH OFF)
 
 find_program(ZERVA_CCACHE ccache)

@@ -13,6 +13,7 @@ function(zerva_runtime_library name)
   add_library(${name} SHARED ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PUBLIC zerva_include ${arg_DEPENDS})
+  zerva_install_library(${name})
 endfunction()
 
 # zerva_service_library(NAME SOURCES...)

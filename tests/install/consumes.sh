@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Copies a project out of the tree, builds it against what is installed and runs its service.
+#
+# usage: consumes.sh PREFIX BITS SOURCE package|pkgconfig
+. "$(dirname "$0")/common.sh"
+readonly prefix=$1 bits=$2 source=$3 how=$4
+
+cp -r "$source" "$work/consumer"
+cd "$work/consumer"
+case $how in
+  package)
+    cmake -S . -B build -G Ninja -D CMAKE_CXX_FLAGS=-m"$bits" -D CMAKE_PREFIX_PATH="$prefix" \
+      >"$work/log" 2>&1 && ninja -C build >>"$work/log" 2>&1
+    ;;
+  pkgconfig)
+    mkdir build
+    PKG_CONFIG_PATH=$prefix/lib/$(triplet "$bits")/pkgconfig \
+      make -C build -f ../Makefile VPATH=.. BITS="$bits" CPPFLAGS=-I.. >"$work/log" 2>&1
+    ;;
+esac || {
+  cat "$work/log" >&2
+  fail 'does not build'
+}
+expect_elf "$bits" build/*.so build/recorder
+
+build/recorder >"$work/recorder"
+expect_line "$work/recorder" '^version [0-9.]+, not known$'
+
+code=0
+timeout 100 "$prefix/bin/zerva" run --for 80 --lib-dir build tide.directives >"$work/run" 2>&1 || code=$?
+expect_line "$work/run" "tide: 1\.25 m at pier 3, $bits bit"
+[ "$code" -eq 0 ] || {
+  cat "$work/run" >&2
+  fail "zerva ended with $code"
+}
