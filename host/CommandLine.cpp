@@ -5,6 +5,7 @@
 
 #include "framework/ZervaVersion.h"
 #include "host/check/CheckCommand.h"
+#include "host/skeleton/NewService.h"
 
 namespace zerva {
 namespace {
@@ -118,27 +119,41 @@ void addRun(CLI::App& app, RunOptions& options) {
       ->check(seconds());
 }
 
+/** The verb `new`. */
+void addNew(CLI::App& app, NewServiceOptions& options, Verb& verb) {
+  CLI::App* make = app.add_subcommand("new", "Write what something new begins with");
+  make->require_subcommand(1);
+  make->footer(describeNewExitCodes());
+  CLI::App* service = make->add_subcommand(
+      "service", "Write a folder with a service that builds and runs as it stands");
+  service->footer(describeNewExitCodes());
+  service->add_option("NAME", options.name, "Its name, as in TideGauge")->required();
+  service->add_option("--in", options.in, "Where to make the folder; default: the current one")
+      ->type_name("DIR");
+  service->callback([&] { verb = [options] { return newService(options); }; });
+}
+
 }  // namespace
 
-Command readCommandLine(int argc, const char* const* argv) {
+Wanted readCommandLine(int argc, const char* const* argv) {
   CLI::App app{"Runs the services of a process as a directive file says"};
   RunOptions options;
-  CheckOptions checkOptions;
-  LoadOptions loadOptions;
+  NewServiceOptions newOptions;
+  Verb verb;
   app.name("zerva");
   app.set_version_flag("--version", "zerva " + ZervaVersion());
   app.require_subcommand(1);
   app.footer(describeExitCodes());
   addRun(app, options);
-  const CLI::App* check = addCheck(app, checkOptions);
-  const CLI::App* load = addLoadLibrary(app, loadOptions);
+  addCheck(app, verb);
+  addLoadLibrary(app, verb);
+  addNew(app, newOptions, verb);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? ExitCode::WentDown : ExitCode::Usage;
   }
-  if (check->parsed()) return checkOptions;
-  if (load->parsed()) return loadOptions;
+  if (verb) return verb;
   return options;
 }
 

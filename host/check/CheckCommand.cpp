@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <memory>
 
 #include "host/check/Check.h"
 #include "host/check/ElfFile.h"
+#include "host/check/LibraryLoad.h"
 #include "host/check/RuleTable.h"
 
 namespace zerva {
@@ -58,41 +60,44 @@ void addSurroundings(CLI::App& verb, CheckOptions& options) {
 
 }  // namespace
 
-CLI::App* addCheck(CLI::App& app, CheckOptions& options) {
-  CLI::App* verb =
+void addCheck(CLI::App& app, Verb& verb) {
+  CLI::App* command =
       app.add_subcommand("check", "Look directive files over, and start nothing of what they say");
-  verb->footer(describeCheckExits());
-  auto* files = verb->add_option("FILE", options.files, "The directive files");
-  verb->add_flag("--together", options.together,
-                 "The files are those of processes on one bus, with one registry");
-  verb->add_flag("--strict", options.strict, "Let warnings fail too");
-  verb->add_flag("--json", options.json, "Write what was found as JSON");
-  repeatable(verb->add_option_function<std::vector<std::string>>(
+  command->footer(describeCheckExits());
+  const auto options = std::make_shared<CheckOptions>();
+  auto* files = command->add_option("FILE", options->files, "The directive files");
+  command->add_flag("--together", options->together,
+                    "The files are those of processes on one bus, with one registry");
+  command->add_flag("--strict", options->strict, "Let warnings fail too");
+  command->add_flag("--json", options->json, "Write what was found as JSON");
+  repeatable(command->add_option_function<std::vector<std::string>>(
                  "--ignore",
-                 [&options](const std::vector<std::string>& ignored) {
-                   options.ignored.insert(ignored.begin(), ignored.end());
+                 [options](const std::vector<std::string>& ignored) {
+                   options->ignored.insert(ignored.begin(), ignored.end());
                  },
                  "Say nothing of this kind; repeatable"),
              "CODE")
       ->check(CLI::IsMember(codes()).description(""));
-  repeatable(verb->add_option("--trace", options.traces,
-                              "The trace of a run: tell which interfaces nobody looked up in it; "
-                              "repeatable"),
+  repeatable(command->add_option("--trace", options->traces,
+                                 "The trace of a run: tell which interfaces nobody looked up in "
+                                 "it; repeatable"),
              "FILE");
-  addSurroundings(*verb, options);
-  auto* list = verb->add_flag("--codes", options.listCodes, "List all that can be found, and end");
-  verb->callback([files, list] {
+  addSurroundings(*command, *options);
+  auto* list =
+      command->add_flag("--codes", options->listCodes, "List all that can be found, and end");
+  command->callback([files, list, options, &verb] {
     if (files->count() == 0 && list->count() == 0) throw CLI::RequiredError("FILE");
+    verb = [options] { return static_cast<int>(check(*options)); };
   });
-  return verb;
 }
 
-CLI::App* addLoadLibrary(CLI::App& app, LoadOptions& options) {
-  CLI::App* verb = app.add_subcommand("load-library")->group("");
-  verb->add_option("LIBRARY", options.library)->required();
-  verb->add_option("CREATOR", options.creator);
-  repeatable(verb->add_option("--lib-dir", options.libraryDirectories), "DIR");
-  return verb;
+void addLoadLibrary(CLI::App& app, Verb& verb) {
+  CLI::App* command = app.add_subcommand("load-library")->group("");
+  const auto options = std::make_shared<LoadOptions>();
+  command->add_option("LIBRARY", options->library)->required();
+  command->add_option("CREATOR", options->creator);
+  repeatable(command->add_option("--lib-dir", options->libraryDirectories), "DIR");
+  command->callback([options, &verb] { verb = [options] { return openForReal(*options); }; });
 }
 
 }  // namespace zerva

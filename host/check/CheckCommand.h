@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/check/CheckOptions.h"
+#include "host/Verb.h"
 
 namespace CLI {
 class App;
@@ -8,10 +8,10 @@ class App;
 
 namespace zerva {
 
-/** The verb `check`: its words, and where they go. @returns the verb, which the app owns. */
-CLI::App* addCheck(CLI::App& app, CheckOptions& options);
+/** The verb `check`. @param verb becomes what is to be done when it is asked for. */
+void addCheck(CLI::App& app, Verb& verb);
 
 /** The verb that opens a library in a process of its own; no help names it. */
-CLI::App* addLoadLibrary(CLI::App& app, LoadOptions& options);
+void addLoadLibrary(CLI::App& app, Verb& verb);
 
 }  // namespace zerva

@@ -14,7 +14,7 @@ using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-Command read(std::vector<const char*> words) {
+Wanted read(std::vector<const char*> words) {
   words.insert(words.begin(), "zerva");
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
