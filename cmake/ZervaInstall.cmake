@@ -6,8 +6,9 @@
 # directives name, without any path; both word sizes can be installed with one prefix. All else is
 # the same for both: headers, the CMake package's entry, documents.
 #
-# Components: runtime, development, examples, and command, which is the link bin/zerva only. Of two
-# word sizes the one that is installed last has that link; bin/zerva32 and bin/zerva64 stay.
+# Components: runtime, development, examples; command, which is the link bin/zerva only; and systemd,
+# whose unit alone has the prefix in it. Of two word sizes the one that is installed last has the
+# link; bin/zerva32 and bin/zerva64 stay.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -84,4 +85,17 @@ function(zerva_install_package)
     install(FILES "${made}/${name}.pc" DESTINATION "${ZERVA_INSTALL_ARCHDIR}/pkgconfig"
             COMPONENT development)
   endforeach()
+
+  install(FILES "${PROJECT_SOURCE_DIR}/host/systemd/zerva.conf" DESTINATION lib/sysusers.d
+          COMPONENT systemd)
+  # The prefix is known when it is installed. Its place in DESTDIR is not a part of it.
+  set(unit "${PROJECT_SOURCE_DIR}/host/systemd/zerva@.service.in")
+  install(CODE "
+    file(READ [[${unit}]] text)
+    string(REPLACE \"@PREFIX@\" \"\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
+    set(directory \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/systemd/system\")
+    file(WRITE \"\${directory}/zerva@.service\" \"\${text}\")
+    message(STATUS \"Installing: \${directory}/zerva@.service\")
+    list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${directory}/zerva@.service\")"
+    COMPONENT systemd)
 endfunction()

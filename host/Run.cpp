@@ -17,6 +17,7 @@
 #include "host/MemoryReserve.h"
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
+#include "host/notify/ServiceManager.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
@@ -105,22 +106,33 @@ void endSignalled(int number, const sigset_t& signals, EndRequest& request, cons
   leave(ExitCode::Forced, bus);
 }
 
+/** @returns what runs, for people. */
+std::string describe(const Summary& summary) {
+  const std::size_t services = summary.services.up;
+  std::string text = std::to_string(services) + (services == 1 ? " service" : " services") + " up";
+  if (summary.failures > 0) text += ", " + std::to_string(summary.failures) + " failed";
+  return text;
+}
+
 /** @returns whether every channel that is waited for is served, or the end was asked for before. */
-bool awaitChannels(const RunOptions& options, EndRequest& request, Report& report) {
+bool awaitChannels(const RunOptions& options, EndRequest& request, Report& report,
+                   ServiceManager& manager) {
   for (const AwaitedChannel& awaited : options.awaited) {
     if (HostBus::await(awaited.name, std::chrono::milliseconds{0}, request)) continue;
     report.remark("waits for channel " + awaited.name);
+    manager.awaits("channel " + awaited.name);
     if (!HostBus::await(awaited.name, awaited.longest, request)) {
       if (request.made()) return true;
       complain("channel " + awaited.name + " is not served, so nothing was started");
       return false;
     }
+    manager.awaits("");
   }
   return true;
 }
 
 ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBus& bus,
-                      MemoryReserve& reserve) {
+                      const ManagerEnvironment& environment, MemoryReserve& reserve) {
   Console console;
   Report report(console);
   EndRequest request;
@@ -131,8 +143,9 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   const SignalThread signalThread(signals, [&](int number) {
     endSignalled(number, signals, request, host, bus, report, reserve);
   });
+  ServiceManager manager(environment, [&] { return host.waitsFor(); });
 
-  if (!awaitChannels(options, request, report)) return ExitCode::NotServed;
+  if (!awaitChannels(options, request, report, manager)) return ExitCode::NotServed;
   StartResult start;
   if (!request.made()) {
     report.remark("starts " + options.file +
@@ -142,8 +155,10 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   if (start.exception) {
     complain("the start was ended by an exception: " + *start.exception);
   } else if (!start.fileNotOpened) {
+    if (!request.made()) manager.ready(describe(host.summary()));
     request.wait(options.duration);
   }
+  manager.stopping();
   reserve.open();
   bus.closeToOutside();
   const StopResult stop = host.stop(options.stopTimeout);
@@ -162,6 +177,7 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
 }  // namespace
 
 ExitCode run(const RunOptions& options, const sigset_t& signals) {
+  const ManagerEnvironment environment = ManagerEnvironment::take();
   if (!setUpLog(options)) return ExitCode::NoLogFile;
   if (!lookOver(options)) return ExitCode::FileRefused;
   setUpPlatform(options);
@@ -170,7 +186,7 @@ ExitCode run(const RunOptions& options, const sigset_t& signals) {
   MemoryReserve reserve;  // the bus needs it to close
   const auto bus = openBus(options);
   if (bus == nullptr) return ExitCode::NoBus;
-  const ExitCode code = startAndStop(options, signals, *bus, reserve);
+  const ExitCode code = startAndStop(options, signals, *bus, environment, reserve);
   writeEverythingOut();
   return code;
 }

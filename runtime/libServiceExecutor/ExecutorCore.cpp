@@ -41,10 +41,16 @@ void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {
   }
 }
 
+std::uint64_t nextId() {
+  static std::atomic<std::uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 }  // namespace
 
 ExecutorCore::ExecutorCore(ExecutorSettings settings)
     : settings_(std::move(settings)),
+      id_(nextId()),
       channelName_(settings_.channel->getName()),
       mailbox_(mailboxOf(settings_.channel)),
       builder_(std::this_thread::get_id()),
@@ -123,6 +129,25 @@ std::function<std::string()> ExecutorCore::laterDescription() const {
   };
 }
 
+ExecutorProgress ExecutorCore::progress() const {
+  ExecutorProgress progress{id_, 0, 0, {}};
+  {
+    const std::lock_guard lock(mutex_);
+    progress.begun = begun_;
+    progress.queued = queue_.size();
+  }
+  if (progress.queued > 0) progress.description = description();
+  return progress;
+}
+
+/** Takes a message out of the queue, to be served. Called under the lock. */
+Envelope ExecutorCore::take(std::deque<Envelope>::iterator which) {
+  Envelope taken = std::move(*which);
+  queue_.erase(which);
+  ++begun_;
+  return taken;
+}
+
 Executable* ExecutorCore::service() const {
   const std::lock_guard lock(mutex_);
   return service_;
@@ -197,8 +222,7 @@ bool ExecutorCore::serveNext(const CallChain& chain) {
     if (next == queue_.end()) {
       return false;
     }
-    envelope = std::move(*next);
-    queue_.erase(next);
+    envelope = take(next);
     target = service_;
   }
   if (servingThread().nesting >= kMaximumNestingOnOneThread) {
@@ -233,8 +257,7 @@ void ExecutorCore::serveOnOwnThread() {
     if (service_ == nullptr && wished_) {
       makeService(lock);
     } else if (service_ != nullptr && !queue_.empty()) {
-      Envelope envelope = std::move(queue_.front());
-      queue_.pop_front();
+      Envelope envelope = take(queue_.begin());
       ownChain_ = envelope.chain;
       Executable& service = *service_;
       {
@@ -259,8 +282,7 @@ void ExecutorCore::serveOneOnPool() {
   if (queue_.empty()) {
     return;  // refused meanwhile
   }
-  Envelope envelope = std::move(queue_.front());
-  queue_.pop_front();
+  Envelope envelope = take(queue_.begin());
   Executable& service = *service_;
   const UnderWay underWay(*this);
   lock.unlock();

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -15,6 +16,7 @@
 #include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/ServingThread.h"
+#include "runtime/libServiceExecutor/Progress.h"
 
 class CommsChannelIfc;
 class Executable;
@@ -81,6 +83,9 @@ class ExecutorCore final : public RequestReceiver,
   /** @returns the service; null as long as it is not made. */
   Executable* service() const;
 
+  /** @returns how far it has come. */
+  ExecutorProgress progress() const;
+
   bool receive(Envelope& envelope) override;
   bool waitsForCaller() const override;
   const Executable* object() const override { return service(); }
@@ -137,6 +142,7 @@ class ExecutorCore final : public RequestReceiver,
                    Payload& answer);
   void fire(Expiry& expiry, const Executable& service);
   void handToPool(std::size_t requests);
+  Envelope take(std::deque<Envelope>::iterator which);
   void refuse(std::deque<Envelope>& requests, const std::string& error);
 
   void wish(const CallChain& chain);
@@ -147,6 +153,7 @@ class ExecutorCore final : public RequestReceiver,
   bool nothingToAwait(const CallChain& chain) const;
 
   const ExecutorSettings settings_;
+  const std::uint64_t id_;
   const std::string channelName_;
   const std::shared_ptr<Mailbox> mailbox_;  // null for a channel that is not the platform's
   const std::thread::id builder_;
@@ -160,6 +167,7 @@ class ExecutorCore final : public RequestReceiver,
   Executable* service_;
   std::optional<Description> what_;  // the service, as soon as there is one
   std::deque<Envelope> queue_;
+  std::uint64_t begun_ = 0;  // how many messages were taken from the queue to be served
   unsigned underWay_ = 0;
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply
   std::shared_ptr<Parker> ownParker_;             // of the executor's own thread

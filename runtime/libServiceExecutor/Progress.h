@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "framework/Export.h"
+
+namespace zerva {
+
+/** How far an executor has come with what was sent to it. */
+struct ExecutorProgress {
+  /** The same for as long as the executor lives; given to no other one in the process. */
+  std::uint64_t id;
+  /** How many messages it has begun to serve so far. */
+  std::uint64_t begun;
+  /** How many wait to be served. */
+  std::size_t queued;
+  /** By type, interface and channel; empty where nothing waits. */
+  std::string description;
+};
+
+/**
+ * @returns how far each executor of the process has come, also those that no repository knows. Asks
+ *     no service and sends nothing. Any thread.
+ */
+ZERVA_EXPORT std::vector<ExecutorProgress> executorProgress();
+
+}  // namespace zerva
