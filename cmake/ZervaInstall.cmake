@@ -86,6 +86,28 @@ function(zerva_install_package)
             COMPONENT development)
   endforeach()
 
+  set(manual "${PROJECT_SOURCE_DIR}/docs/man")
+  install(FILES "${manual}/zerva.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+  install(FILES "${manual}/zerva-directives.5" DESTINATION "${CMAKE_INSTALL_MANDIR}/man5"
+          COMPONENT runtime)
+  install(FILES "${manual}/zerva.3" DESTINATION "${CMAKE_INSTALL_MANDIR}/man3"
+          COMPONENT development)
+
+  # The program itself knows what there is to complete.
+  foreach(place bash-completion/completions/zerva fish/vendor_completions.d/zerva.fish
+                zsh/site-functions/_zerva zsh/vendor-completions/_zerva)
+    string(REGEX MATCH "^[a-z]+" shell "${place}")
+    install(CODE "
+      set(prefix \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\")
+      set(file \"\${prefix}/${CMAKE_INSTALL_DATADIR}/${place}\")
+      execute_process(COMMAND \"\${prefix}/${ZERVA_INSTALL_TREE}/bin/zerva\" completion ${shell}
+                      OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
+      file(WRITE \"\${file}\" \"\${text}\")
+      message(STATUS \"Installing: \${file}\")
+      list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
+      COMPONENT runtime)
+  endforeach()
+
   install(FILES "${PROJECT_SOURCE_DIR}/host/systemd/zerva.conf" DESTINATION lib/sysusers.d
           COMPONENT systemd)
   # The prefix is known when it is installed. Its place in DESTDIR is not a part of it.

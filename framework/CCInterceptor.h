@@ -29,7 +29,9 @@ struct InterceptedMessage {
  */
 class ZERVA_EXPORT CCInterceptor {
  public:
+  /** A channel sends a message or a reply. */
   virtual void messageSent(const InterceptedMessage& message) = 0;
+  /** A message or a reply has come to a channel. */
   virtual void messageReceived(const InterceptedMessage& message) = 0;
 
  protected:

@@ -12,6 +12,7 @@
  */
 class ZERVA_EXPORT CCInterceptorDispatcher {
  public:
+  /** Without interceptors. */
   CCInterceptorDispatcher();
   virtual ~CCInterceptorDispatcher();
   CCInterceptorDispatcher(const CCInterceptorDispatcher&) = delete;

@@ -24,6 +24,7 @@ class ZERVA_EXPORT CallException : public ZervaException {
   CallException& operator=(const CallException& other) noexcept;
   ~CallException() override;
 
+  /** @returns the interface, method, channel and cause that it was made with. Never blocks. */
   const std::string& getInterface() const noexcept;
   const std::string& getMethod() const noexcept;
   const std::string& getChannel() const noexcept;

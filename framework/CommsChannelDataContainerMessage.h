@@ -11,6 +11,7 @@
  */
 class ZERVA_EXPORT CommsChannelDataContainerMessage {
  public:
+  /** An empty message to nowhere. */
   CommsChannelDataContainerMessage();
   ~CommsChannelDataContainerMessage();
   CommsChannelDataContainerMessage(CommsChannelDataContainerMessage&& other) noexcept;

@@ -28,6 +28,7 @@ struct Invocation {
  */
 class ZERVA_EXPORT InvokeInterceptor {
  public:
+  /** An executor has made an invocation; it is over, however it went. */
   virtual void invoked(const Invocation& invocation) = 0;
 
  protected:

@@ -12,6 +12,7 @@
  */
 class ZERVA_EXPORT InvokeInterceptorDispatcher {
  public:
+  /** Without interceptors. */
   InvokeInterceptorDispatcher();
   virtual ~InvokeInterceptorDispatcher();
   InvokeInterceptorDispatcher(const InvokeInterceptorDispatcher&) = delete;

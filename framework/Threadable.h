@@ -13,6 +13,7 @@
  */
 class ZERVA_EXPORT Threadable {
  public:
+  /** A body that no thread runs yet. */
   Threadable();
   Threadable(const Threadable&) = delete;
   Threadable& operator=(const Threadable&) = delete;

@@ -22,6 +22,7 @@ enum ThreadPriority {
  */
 class ZERVA_EXPORT Threader {
  public:
+  /** Starts nothing yet. */
   Threader();
   ~Threader();
   Threader(const Threader&) = delete;

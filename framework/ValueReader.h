@@ -13,7 +13,10 @@
  */
 class ZERVA_EXPORT ValueReader {
  public:
+  /** Reads what stands where there is no value: the result of a method that returns nothing. */
   virtual void readNothing() = 0;
+
+  /** @returns the next value, a truth value. */
   virtual bool readBool() = 0;
 
   /** Also reads what was written unsigned, as long as it fits. */
@@ -22,7 +25,10 @@ class ZERVA_EXPORT ValueReader {
   /** Also reads what was written signed, as long as it is not negative. */
   virtual std::uint64_t readUnsigned() = 0;
 
+  /** @returns the next value, a floating-point number, as it was written. */
   virtual double readReal() = 0;
+
+  /** @returns the next value, a text or bytes. */
   virtual std::string readText() = 0;
 
   /**

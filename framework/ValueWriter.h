@@ -15,6 +15,7 @@ class ZERVA_EXPORT ValueWriter {
   /** Writes the value of something that has none: the result of a method that returns nothing. */
   virtual void writeNothing() = 0;
 
+  /** Writes a truth value or a whole number. */
   virtual void writeBool(bool value) = 0;
   virtual void writeInteger(std::int64_t value) = 0;
   virtual void writeUnsigned(std::uint64_t value) = 0;
@@ -31,6 +32,8 @@ class ZERVA_EXPORT ValueWriter {
    * @param size how many values follow before `endList`.
    */
   virtual void beginList(std::size_t size) = 0;
+
+  /** Ends the list that was begun last; all of its values have been written. */
   virtual void endList() = 0;
 
  protected:

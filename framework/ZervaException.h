@@ -11,6 +11,7 @@
  */
 class ZERVA_EXPORT ZervaException : public std::exception {
  public:
+  /** @param message what went wrong, for people. */
   explicit ZervaException(const std::string& message);
   ZervaException(const ZervaException& other) noexcept;
   ZervaException& operator=(const ZervaException& other) noexcept;

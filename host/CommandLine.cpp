@@ -2,9 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <cstdio>
+#include <map>
 
 #include "framework/ZervaVersion.h"
 #include "host/check/CheckCommand.h"
+#include "host/completion/Completion.h"
+#include "host/completion/DescribeCommand.h"
 #include "host/skeleton/NewService.h"
 
 namespace zerva {
@@ -133,12 +137,32 @@ void addNew(CLI::App& app, NewServiceOptions& options, Verb& verb) {
   service->callback([&] { verb = [options] { return newService(options); }; });
 }
 
+/** The verb `completion`, which knows the verbs and options that are there by asking the parser. */
+void addCompletion(CLI::App& app, std::string& shell, Verb& verb) {
+  using Writer = std::string (*)(const CommandDescription&);
+  static const std::map<std::string, Writer> writers{
+      {"bash", &bashCompletion}, {"fish", &fishCompletion}, {"zsh", &zshCompletion}};
+  CLI::App* completion =
+      app.add_subcommand("completion", "Print what completes this command in a shell");
+  completion->footer(
+      "Exit codes:\n  0  it was printed\n  2  the command line was not understood\n");
+  completion->add_option("SHELL", shell, "bash, fish or zsh")
+      ->required()
+      ->check(CLI::IsMember(writers));
+  completion->callback([&] {
+    verb = [text = writers.at(shell)(describeCommand(app))] {
+      return std::fputs(text.c_str(), stdout) < 0 ? 1 : 0;
+    };
+  });
+}
+
 }  // namespace
 
 Wanted readCommandLine(int argc, const char* const* argv) {
   CLI::App app{"Runs the services of a process as a directive file says"};
   RunOptions options;
   NewServiceOptions newOptions;
+  std::string shell;
   Verb verb;
   app.name("zerva");
   app.set_version_flag("--version", "zerva " + ZervaVersion());
@@ -148,6 +172,7 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addCheck(app, verb);
   addLoadLibrary(app, verb);
   addNew(app, newOptions, verb);
+  addCompletion(app, shell, verb);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

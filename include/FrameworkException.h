@@ -8,6 +8,7 @@
 /** What the configurator throws; caught by reference by the host. */
 class ZERVA_EXPORT FrameworkException : public ZervaException {
  public:
+  /** @param message what went wrong, for people. */
   explicit FrameworkException(const std::string& message);
   ~FrameworkException() override;
 };

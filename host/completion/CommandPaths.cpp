@@ -1,0 +1,33 @@
+#include "host/completion/CommandPaths.h"
+
+namespace zerva {
+
+std::vector<std::pair<std::string, const CommandDescription*>> commandPaths(
+    const CommandDescription& command, const std::string& before) {
+  const std::string path = before.empty() ? command.name : before + " " + command.name;
+  std::vector<std::pair<std::string, const CommandDescription*>> paths{{path, &command}};
+  for (const CommandDescription& below : command.commands) {
+    const auto more = commandPaths(below, path);
+    paths.insert(paths.end(), more.begin(), more.end());
+  }
+  return paths;
+}
+
+std::string quotedHelp(const std::string& help) {
+  std::string quoted = "'";
+  for (const char character : help.substr(0, help.find(';'))) {
+    // Colons end the name in some shells, and quotes the text.
+    quoted += character == '\'' || character == ':' ? ' ' : character;
+  }
+  return quoted + "'";
+}
+
+std::string optionsThatTake(const CommandDescription& command, ValueKind kind) {
+  std::string names;
+  for (const OptionDescription& option : command.options) {
+    if (option.value == kind) names += (names.empty() ? "" : "|") + option.name;
+  }
+  return names;
+}
+
+}  // namespace zerva

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/completion/CommandDescription.h"
+
+namespace zerva {
+
+/** @returns every command with the words that lead to it, separated by blanks; the outermost first.
+ */
+std::vector<std::pair<std::string, const CommandDescription*>> commandPaths(
+    const CommandDescription& command, const std::string& before = {});
+
+/** @returns the first sentence of a help text, in single quotes for a shell. */
+std::string quotedHelp(const std::string& help);
+
+/** @returns the names of the options that take a value of a kind, separated by `|`; may be empty.
+ */
+std::string optionsThatTake(const CommandDescription& command, ValueKind kind);
+
+}  // namespace zerva
