@@ -41,7 +41,7 @@ finish() {
 run_preset() {
   local results=$PWD/build/$1/test-results.xml code=0 all=0 good=0
   # Hosts of both word sizes are tested together, from the 64-bit side.
-  if { [ "$1" = linux64 ] && ! scripts/build.sh linux32 zerva zerva_plugins ServiceRegistry; } ||
+  if { [ "$1" = linux64 ] && ! scripts/build.sh linux32 zerva zerva_examples zerva_plugins ServiceRegistry; } ||
     ! scripts/build.sh "$1"; then
     failed=$((failed + 1))
     return

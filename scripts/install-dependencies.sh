@@ -11,7 +11,7 @@
 
 readonly demo=(g++ g++-multilib cmake ninja-build ccache libasio-dev libcli11-dev libfmt-dev
   libmsgpack-cxx-dev librapidxml-dev libspdlog-dev nlohmann-json3-dev)
-readonly test=("${demo[@]}" googletest binutils fish groff-base make mandoc pkgconf procps
+readonly test=("${demo[@]}" googletest binutils dpkg fish groff-base make mandoc pkgconf procps
   python3 systemd zsh clang-format clang-tidy)
 readonly fuzz=("${demo[@]}" googletest clang libclang-rt-14-dev)
 readonly model=(gcc spin)
