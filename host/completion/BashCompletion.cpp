@@ -22,6 +22,7 @@ std::string branch(const std::string& path, const CommandDescription& command) {
   for (const OptionDescription& option : command.options) text += option.name + " ";
   text += "'\n      commands='";
   for (const CommandDescription& below : command.commands) text += below.name + " ";
+  for (const std::string& choice : command.choices) text += choice + " ";
   text += "'\n      words='";
   if (!command.words.empty() && command.words.front() == ValueKind::File) text += "-f";
   return text + "'\n      ;;\n";
@@ -42,9 +43,7 @@ std::string bashCompletion(const CommandDescription& command) {
       "  COMPREPLY=()\n"
       "  for ((i = 1; i < COMP_CWORD; ++i)); do\n"
       "    case \"$path ${COMP_WORDS[i]}\" in\n";
-  for (const auto& [path, what] : paths) {
-    if (what != &command) text += "      '" + path + "') path='" + path + "' ;;\n";
-  }
+  text += stepsInto(command, "path");
   text += "    esac\n  done\n  case $path in\n";
   for (const auto& [path, what] : paths) text += branch(path, *what);
   text +=

@@ -25,6 +25,8 @@ struct CommandDescription {
   std::vector<CommandDescription> commands;
   /** What the words are that are no option. */
   std::vector<ValueKind> words;
+  /** What the first of these words can be, where that is known. */
+  std::vector<std::string> choices;
 };
 
 }  // namespace zerva

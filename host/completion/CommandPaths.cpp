@@ -13,6 +13,18 @@ std::vector<std::pair<std::string, const CommandDescription*>> commandPaths(
   return paths;
 }
 
+std::string stepsInto(const CommandDescription& command, const std::string& variable) {
+  std::string text;
+  for (const auto& [path, what] : commandPaths(command)) {
+    if (what == &command) continue;
+    std::string quoted = "'";
+    quoted.append(path).append("'");
+    text.append("      ").append(quoted).append(") ").append(variable).append("=");
+    text.append(quoted).append(" ;;\n");
+  }
+  return text;
+}
+
 std::string quotedHelp(const std::string& help) {
   std::string quoted = "'";
   for (const char character : help.substr(0, help.find(';'))) {

@@ -13,6 +13,12 @@ namespace zerva {
 std::vector<std::pair<std::string, const CommandDescription*>> commandPaths(
     const CommandDescription& command, const std::string& before = {});
 
+/**
+ * @returns the branches of a shell's `case` over a command and the word after it, which put the
+ * words of the command that this leads to into a variable.
+ */
+std::string stepsInto(const CommandDescription& command, const std::string& variable);
+
 /** @returns the first sentence of a help text, in single quotes for a shell. */
 std::string quotedHelp(const std::string& help);
 

@@ -14,6 +14,15 @@ ValueKind kindOf(const CLI::Option& option) {
   return ValueKind::Other;
 }
 
+/** The words that a parser takes, which it writes as "{one,another}" behind the type. */
+std::vector<std::string> choicesOf(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  const std::size_t begin = type.find('{');
+  const std::size_t end = type.find('}', begin);
+  if (end == std::string::npos) return {};
+  return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
+}
+
 }  // namespace
 
 CommandDescription describeCommand(const CLI::App& app) {
@@ -29,6 +38,7 @@ CommandDescription describeCommand(const CLI::App& app) {
         command.options.push_back({"--" + name, option->get_description(), kindOf(*option)});
       }
     } else {
+      if (command.words.empty()) command.choices = choicesOf(*option);
       command.words.push_back(kindOf(*option));
     }
   }

@@ -50,6 +50,7 @@ std::string fishCompletion(const CommandDescription& command) {
     for (const CommandDescription& below : what->commands) {
       text += begin + " -a " + below.name + " -d " + quotedHelp(below.help) + "\n";
     }
+    for (const std::string& choice : what->choices) text += begin + " -a " + choice + "\n";
     for (const OptionDescription& option : what->options) {
       text +=
           begin + flag(option.name) + value(option.value) + " -d " + quotedHelp(option.help) + "\n";

@@ -24,7 +24,9 @@ std::string branch(const std::string& path, const CommandDescription& command) {
     if (!names.empty()) text += "        " + names + ") " + action + "; return ;;\n";
   }
   text += "      esac\n      options=(\n" + described(command.options) + "      )\n";
-  text += "      commands=(\n" + described(command.commands) + "      )\n      ;;\n";
+  text += "      commands=(\n" + described(command.commands);
+  for (const std::string& choice : command.choices) text += "        '" + choice + "'\n";
+  text += "      )\n      ;;\n";
   return text;
 }
 
@@ -42,9 +44,7 @@ std::string zshCompletion(const CommandDescription& command) {
           name +
           "' i\n  local -a options commands\n"
           "  for ((i = 2; i < CURRENT; ++i)); do\n    case \"$at $words[i]\" in\n";
-  for (const auto& [path, what] : paths) {
-    if (what != &command) text += "      '" + path + "') at='" + path + "' ;;\n";
-  }
+  text += stepsInto(command, "at");
   text += "    esac\n  done\n  case $at in\n";
   for (const auto& [path, what] : paths) text += branch(path, *what);
   return text +

@@ -5,6 +5,8 @@
 . "$(dirname "$0")/common.sh"
 readonly prefix=$1 zerva=$1/bin/zerva
 cd "$work"
+# Shells read and write what is at home.
+export HOME=$work XDG_CONFIG_HOME=$work XDG_DATA_HOME=$work XDG_CACHE_HOME=$work
 
 source "$prefix/share/bash-completion/completions/zerva"
 
@@ -51,6 +53,11 @@ walk() {
 walk
 [ "$count" -gt 15 ] || fail "only $count words were found in the help"
 zsh -n "$prefix/share/zsh/site-functions/_zerva" || fail 'zsh does not understand it'
+
+offers fish zerva completion f
+fish -c "source '$prefix/share/fish/vendor_completions.d/zerva.fish'; complete -C 'zerva completion b'" |
+  grep -qx bash || fail 'fish does not offer a shell'
+grep -qx "        'zsh'" "$prefix/share/zsh/site-functions/_zerva" || fail 'zsh does not offer a shell'
 
 mkdir there
 : >there.directives
