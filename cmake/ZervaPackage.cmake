@@ -5,7 +5,6 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zerva)
 set(CPACK_PACKAGE_CONTACT "the developers of zerva <zerva@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "runs services from shared libraries as a directive file says")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 # So that what knows the prefix knows the right one.
 set(CPACK_SET_DESTDIR ON)
@@ -31,17 +30,17 @@ set(exact "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_ZERVA_PACKAGE_NAME zerva)
 set(CPACK_DEBIAN_ZERVA_PACKAGE_DEPENDS "${runtime_depends}")
 set(CPACK_DEBIAN_ZERVA_DESCRIPTION "runs services from shared libraries as a directive file says
- One process, one directive file, any number of services. They reach each
- other over named channels only, within a process and between processes.")
+One process, one directive file, any number of services. They reach each
+other over named channels only, within a process and between processes.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME zerva-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "zerva ${exact}, libstdc++-12-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "headers and packages to build services for zerva
- With a CMake package and files for pkg-config.")
+With a CMake package and files for pkg-config.")
 set(CPACK_DEBIAN_EXAMPLES_PACKAGE_NAME zerva-examples)
-set(CPACK_DEBIAN_EXAMPLES_PACKAGE_DEPENDS "zerva ${exact}")
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_DEPENDS "zerva ${exact}, ${runtime_depends}")
 set(CPACK_DEBIAN_EXAMPLES_DESCRIPTION "a small weather station, to copy services for zerva from
- Sources, libraries and directive files.")
+Sources, libraries and directive files.")
 
 # Who has /usr/bin/zerva where both word sizes are installed is the administrator's choice.
 foreach(script postinst prerm)

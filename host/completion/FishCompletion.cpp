@@ -50,7 +50,8 @@ std::string fishCompletion(const CommandDescription& command) {
     for (const CommandDescription& below : what->commands) {
       text += begin + " -a " + below.name + " -d " + quotedHelp(below.help) + "\n";
     }
-    for (const std::string& choice : what->choices) text += begin + " -a " + choice + "\n";
+    for (const std::string& choice : what->choices)
+      text.append(begin).append(" -a ").append(choice + "\n");
     for (const OptionDescription& option : what->options) {
       text +=
           begin + flag(option.name) + value(option.value) + " -d " + quotedHelp(option.help) + "\n";

@@ -25,7 +25,9 @@ std::string branch(const std::string& path, const CommandDescription& command) {
   }
   text += "      esac\n      options=(\n" + described(command.options) + "      )\n";
   text += "      commands=(\n" + described(command.commands);
-  for (const std::string& choice : command.choices) text += "        '" + choice + "'\n";
+  for (const std::string& choice : command.choices) {
+    text.append("        '").append(choice).append("'\n");
+  }
   text += "      )\n      ;;\n";
   return text;
 }

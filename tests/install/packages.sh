@@ -37,6 +37,9 @@ for name in zerva zerva-dev zerva-examples; do
   [ "$(dpkg-deb -f "$(package $name "$bits")" Multi-Arch)" = same ] || fail "$name is not Multi-Arch: same"
 done
 
+[ "$(dpkg-deb -f "$(package zerva-dev "$bits")" Description | head -1)" = \
+  'headers and packages to build services for zerva' ] || fail 'zerva-dev says it is something else'
+
 # The packages of both word sizes side by side, in a system of their own that has nothing else.
 root=$work/root
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$root/etc/alternatives" \
