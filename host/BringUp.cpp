@@ -106,6 +106,8 @@ void BringUp::take(const ConfiguratorEvent& event) {
     case Kind::FileNotOpened:
       fileNotOpened_ = true;
       return fail("the directive file", event.text);
+    case Kind::Record:
+    case Kind::Lookup:
     case Kind::Other:
       return;
   }

@@ -90,6 +90,11 @@ void addRun(CLI::App& app, RunOptions& options) {
              "[MODULE=]LEVEL");
   run->add_option("--log-file", options.logFile, "Write the log to this file too")
       ->type_name("PATH");
+  run->add_option("--trace", options.trace,
+                  "Write what happens to this file, for timeline, graph, diff and advise; %p in it "
+                  "is the process's id, and then processes that are started write one each, too; "
+                  "default: ZERVA_TRACE of the environment")
+      ->type_name("FILE");
   repeatable(
       run->add_option("--lib-dir", options.libraryDirectories,
                       "Where libraries named without a slash are searched first; repeatable; "

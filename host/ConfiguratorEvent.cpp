@@ -106,6 +106,48 @@ bool readProcess(const std::string& text, std::string_view beginning, Kind kind,
   return reader.good();
 }
 
+bool readRecord(const std::string& text, std::string_view beginning, const char* role,
+                ConfiguratorEvent& event) {
+  Reader reader(text);
+  reader.skip(beginning);
+  event.library = reader.until(" Creator: ");
+  event.creator = reader.until(" Ifc: ");
+  // Nothing stands between the interface and the word.
+  event.interfaces = reader.untilLast("Prot: ");
+  event.protocol = reader.rest();
+  event.role = role;
+  if (reader.good()) event.kind = Kind::Record;
+  return reader.good();
+}
+
+bool readLookup(const std::string& text, ConfiguratorEvent& event) {
+  Reader service(text);
+  service.skip("findService called for interface: ");
+  if (service.good()) {
+    event.role = "service";
+    event.interfaces = service.rest();
+    event.kind = Kind::Lookup;
+    return true;
+  }
+  Reader proxy(text);
+  proxy.skip("ServiceConfigurator::findProxy( interface='");
+  event.interfaces = proxy.untilLast("' svcChannel='");
+  event.channel = proxy.untilLast("'");
+  if (proxy.good()) {
+    event.role = "proxy";
+    event.kind = Kind::Lookup;
+    return true;
+  }
+  Reader invoker(text);
+  invoker.skip("findInvoker called for interface & protocol: ");
+  event.interfaces = invoker.untilLast(",");
+  event.protocol = invoker.untilLast(" sem=");
+  if (!invoker.good()) return false;
+  event.role = "invoker";
+  event.kind = Kind::Lookup;
+  return true;
+}
+
 /** Lines of which the beginning is all that matters. */
 struct Beginning {
   std::string_view words;
@@ -163,6 +205,8 @@ ConfiguratorEvent readConfiguratorLine(int level, const std::string& text) {
     return event;
   }
   const bool read =
+      readLookup(text, event) || readRecord(text, "Reg Invoker. Lib: ", "invoker", event) ||
+      readRecord(text, "Reg Proxy. Lib: ", "proxy", event) ||
       readQuotedLine(text, "Creating Service. Lib: '", Kind::ServiceLine, event) ||
       readQuotedLine(text, "Creating Service Info. Lib: '", Kind::LazyLine, event) ||
       readLegacyLine(text, event) || readInitTook(text, event) ||

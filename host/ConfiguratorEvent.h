@@ -30,6 +30,10 @@ struct ConfiguratorEvent {
     ProcessStarted,
     ProcessFailed,
     FileNotOpened,
+    /** A line of the file says where a proxy or an invoker is. */
+    Record,
+    /** Somebody looks for an interface. */
+    Lookup,
     /** Nothing that matters here. */
     Other
   };
@@ -44,6 +48,9 @@ struct ConfiguratorEvent {
   std::string interfaces;
   /** The program of a process. */
   std::string program;
+  /** What is recorded or looked for: "service", "proxy" or "invoker". */
+  std::string role;
+  std::string protocol;
   /** How long `init` took. */
   std::chrono::milliseconds duration{0};
 };

@@ -17,7 +17,8 @@ std::string describeExitCodes() {
          "  8  a second signal ended a start or a stop that hung\n"
          "  9  the log file could not be opened; nothing was started\n"
          " 10  the bus that was asked for could not be opened; nothing was started\n"
-         " 11  a channel that was waited for was not served in time; nothing was started\n";
+         " 11  a channel that was waited for was not served in time; nothing was started\n"
+         " 12  the trace file could not be opened; nothing was started\n";
 }
 
 }  // namespace zerva

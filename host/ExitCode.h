@@ -33,6 +33,8 @@ enum class ExitCode : int {
   NoBus = 10,
   /** A channel that was waited for was not served in time; nothing was started. */
   NotServed = 11,
+  /** The trace file could not be opened; nothing was started. */
+  NoTraceFile = 12,
 };
 
 /** @returns the part of the help that lists the codes, one a line. */

@@ -4,12 +4,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 
 #include "ServiceConfigurator.h"
 #include "host/SignalName.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 #include "runtime/libServiceExecutor/Drain.h"
 
 namespace zerva {
@@ -45,8 +47,13 @@ Host::Host(Report& report)
       bringUp_(ledger_, report_),
       repository_(recorded_, bringUp_),
       channel_("/zerva/host/" + std::to_string(getpid()), nullptr),
+      askingChannel_(channel_),
       processesBefore_(idsOf(StartedProcesses::list())) {
   invokeInterceptors_.addInterceptor(&counter_);
+  if (Trace::on()) {
+    recorder_ = std::make_unique<TraceRecorder>();
+    repository_.addObserver(*recorder_);
+  }
 }
 
 Host::~Host() = default;
@@ -55,9 +62,12 @@ StartResult Host::start(const std::string& file) {
   StartResult result;
   enter(Phase::Starting);
   bringUp_.startBegins(file);
+  CommsChannelIfc* const asking = recorder_ == nullptr
+                                      ? static_cast<CommsChannelIfc*>(&channel_)
+                                      : static_cast<CommsChannelIfc*>(&askingChannel_);
   try {
     configurator_ = std::make_unique<ServiceConfigurator>(
-        &channel_, &repository_, &protocols_, &channelInterceptors_, &invokeInterceptors_);
+        asking, &repository_, &protocols_, &channelInterceptors_, &invokeInterceptors_);
     configurator_->processDirectives(file);
   } catch (...) {
     // Only the text leaves the handler: the exception ends here, while the library that its type
@@ -65,6 +75,7 @@ StartResult Host::start(const std::string& file) {
     result.exception = currentExceptionText();
   }
   bringUp_.startEnds(result.exception);
+  if (recorder_ != nullptr) recorder_->startEnds();
   result.fileNotOpened = bringUp_.fileNotOpened();
   if (const unsigned long errors = bringUp_.errorsWhileStarting(); errors > 0) {
     report_.remark(std::to_string(errors) + (errors == 1 ? " error" : " errors") +
@@ -91,6 +102,13 @@ StopResult Host::stop(std::chrono::milliseconds timeout) {
   endProcesses(timeout);
   enter(Phase::Idle);
   return result;
+}
+
+void Host::enter(Phase phase) {
+  constexpr std::array names = {"ended",    "starting", "running",         "stopping",
+                                "draining", "deleting", "ending_processes"};
+  phase_.store(phase, std::memory_order_relaxed);
+  if (recorder_ != nullptr) recorder_->phaseBegins(names[static_cast<std::size_t>(phase)]);
 }
 
 /** Tells what ended by itself, and ends the rest. */

@@ -17,6 +17,8 @@
 #include "host/Ledger.h"
 #include "host/ObservingRepository.h"
 #include "host/Report.h"
+#include "host/tracing/TraceRecorder.h"
+#include "host/tracing/TracedChannel.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
 
 class ServiceConfigurator;
@@ -76,7 +78,7 @@ class Host {
   /** Where a hanging start or stop hangs. */
   enum class Phase { Idle, Starting, Running, Stopping, Draining, Deleting, EndingProcesses };
 
-  void enter(Phase phase) { phase_.store(phase, std::memory_order_relaxed); }
+  void enter(Phase phase);
   void endProcesses(std::chrono::milliseconds timeout);
 
   Report& report_;
@@ -90,6 +92,8 @@ class Host {
   InvokeInterceptorDispatcher invokeInterceptors_;
   ProtocolRepository protocols_;
   CommsChannel channel_;
+  TracedChannel askingChannel_;
+  std::unique_ptr<TraceRecorder> recorder_;  // null when nothing is traced
   /** Those that were started before this host was made, by another one in this program. */
   const std::set<int> processesBefore_;
   std::size_t processesDown_ = 0;

@@ -6,27 +6,37 @@ namespace zerva {
 
 ObservingRepository::ObservingRepository(AbstractServiceRepository& repository,
                                          RepositoryObserver& observer)
-    : repository_(repository), observer_(observer) {}
+    : repository_(repository), observers_{&observer} {}
+
+void ObservingRepository::addObserver(RepositoryObserver& observer) {
+  observers_.push_back(&observer);
+}
 
 void ObservingRepository::addService(Service* service, Dll* dll, std::string interfaces) {
   repository_.addService(service, dll, interfaces);
-  observer_.serviceAdded(service, nullptr, interfaces);
+  for (RepositoryObserver* observer : observers_)
+    observer->serviceAdded(service, nullptr, interfaces);
 }
 
 void ObservingRepository::addService(Service* service, ServiceExecutor* executor,
                                      CommsChannelIfc* channel, Dll* dll, std::string interfaces) {
   repository_.addService(service, executor, channel, dll, interfaces);
-  observer_.serviceAdded(service, channel, interfaces);
+  for (RepositoryObserver* observer : observers_)
+    observer->serviceAdded(service, channel, interfaces);
 }
 
 void ObservingRepository::addServiceProxy(Proxy* proxy, Dll* dll, CommsChannelIfc* channel,
                                           ProxyRequest* request, std::string& interfaceName) {
   repository_.addServiceProxy(proxy, dll, channel, request, interfaceName);
+  for (RepositoryObserver* observer : observers_) {
+    observer->proxyAdded(interfaceName, request, channel);
+  }
 }
 
 void ObservingRepository::addServiceInvoker(Invoker* invoker, Dll* dll, std::string& interfaceName,
                                             std::string& protocol) {
   repository_.addServiceInvoker(invoker, dll, interfaceName, protocol);
+  for (RepositoryObserver* observer : observers_) observer->invokerAdded(interfaceName, protocol);
 }
 
 Service* ObservingRepository::findService(std::string& interfaceName,
@@ -62,17 +72,23 @@ SvcData* ObservingRepository::getServiceData(Service* service) {
 
 void ObservingRepository::shutdownAllServices() {
   repository_.shutdownAllServices();
-  observer_.stopped();
+  for (RepositoryObserver* observer : observers_) observer->stopped();
 }
 
 void ObservingRepository::deleteAllServices() {
   repository_.deleteAllServices();
-  observer_.deleted();
+  for (RepositoryObserver* observer : observers_) observer->deleted();
 }
 
-void ObservingRepository::deleteAllServiceInvokers() { repository_.deleteAllServiceInvokers(); }
+void ObservingRepository::deleteAllServiceInvokers() {
+  repository_.deleteAllServiceInvokers();
+  for (RepositoryObserver* observer : observers_) observer->invokersDeleted();
+}
 
-void ObservingRepository::deleteAllServiceProxies() { repository_.deleteAllServiceProxies(); }
+void ObservingRepository::deleteAllServiceProxies() {
+  repository_.deleteAllServiceProxies();
+  for (RepositoryObserver* observer : observers_) observer->proxiesDeleted();
+}
 
 void ObservingRepository::deleteOneServiceProxy(Proxy* proxy, std::string& interfaceName) {
   repository_.deleteOneServiceProxy(proxy, interfaceName);

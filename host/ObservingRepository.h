@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "AbstractServiceRepository.h"
 
@@ -16,6 +17,9 @@ class ObservingRepository final : public AbstractServiceRepository {
  public:
   /** @param repository does the work; not owned. @param observer not owned. */
   ObservingRepository(AbstractServiceRepository& repository, RepositoryObserver& observer);
+
+  /** Tells another one too, after those before. @param observer not owned. Before any use. */
+  void addObserver(RepositoryObserver& observer);
 
   void addService(Service* service, Dll* dll, std::string interfaces) override;
   void addService(Service* service, ServiceExecutor* executor, CommsChannelIfc* channel, Dll* dll,
@@ -40,7 +44,7 @@ class ObservingRepository final : public AbstractServiceRepository {
 
  private:
   AbstractServiceRepository& repository_;
-  RepositoryObserver& observer_;
+  std::vector<RepositoryObserver*> observers_;
 };
 
 }  // namespace zerva

@@ -18,6 +18,7 @@
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
 #include "host/notify/ServiceManager.h"
+#include "host/tracing/TraceFile.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
@@ -34,6 +35,7 @@ constexpr std::chrono::milliseconds shortestGrace{500};
 void complain(const std::string& text) { std::fprintf(stderr, "zerva: %s\n", text.c_str()); }
 
 void writeEverythingOut() {
+  TraceFile::writeOut();
   LogSettings::flush();
   Console::flush();
 }
@@ -183,6 +185,11 @@ ExitCode run(const RunOptions& options, const sigset_t& signals) {
   setUpPlatform(options);
   // One buffer a line: what is printed while a service hangs is seen.
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  const TraceFile trace(options.trace, options.file);
+  if (!trace.error().empty()) {
+    complain(trace.error());
+    if (!options.trace.empty()) return ExitCode::NoTraceFile;
+  }
   MemoryReserve reserve;  // the bus needs it to close
   const auto bus = openBus(options);
   if (bus == nullptr) return ExitCode::NoBus;

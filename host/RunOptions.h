@@ -31,6 +31,8 @@ struct RunOptions {
   std::vector<LogLevel> logLevels;
   /** Where the log goes besides standard error; empty for nowhere. */
   std::string logFile;
+  /** Where what happens is written; empty for where the environment says, if anywhere. */
+  std::string trace;
   /** Where libraries without a slash in their name are searched first; empty for the default. */
   std::vector<std::string> libraryDirectories;
   /** The directory of the bus; empty for that of the environment or a new one. */

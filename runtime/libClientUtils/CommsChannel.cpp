@@ -7,21 +7,33 @@
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 
 using zerva::ChannelDirectory;
 using zerva::Mailbox;
+
+namespace {
+
+void trace(zerva::TraceKind kind, const std::string& channel) {
+  if (!zerva::Trace::on()) return;
+  zerva::TraceEvent(kind).with(zerva::TraceKey::Channel, channel).write();
+}
+
+}  // namespace
 
 CommsChannelIfc::~CommsChannelIfc() = default;
 
 CommsChannel::CommsChannel(const std::string& name, CCInterceptorDispatcher* dispatcher)
     : state_(new State{std::make_shared<Mailbox>(name, dispatcher)}) {
   ChannelDirectory::instance().add(state_->mailbox);
+  trace(zerva::TraceKind::ChannelOpened, name);
 }
 
 CommsChannel::~CommsChannel() {
   state_->mailbox->close();
   ChannelDirectory::instance().remove(*state_->mailbox);
   state_->mailbox->waitForDeliveries();
+  trace(zerva::TraceKind::ChannelClosed, state_->mailbox->name());
 }
 
 const std::string& CommsChannel::getName() const { return state_->mailbox->name(); }

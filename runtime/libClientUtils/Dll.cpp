@@ -2,8 +2,11 @@
 
 #include <dlfcn.h>
 
+#include <cstdint>
+
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "runtime/libClientUtils/OpenLibraries.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 
 struct Dll::State {
   /** Where the library was looked for, for messages. */
@@ -17,6 +20,15 @@ struct Dll::State {
 };
 
 namespace {
+
+/** @param begin what `Trace::begin` gave before. */
+void traceLibrary(zerva::TraceKind kind, const std::string& library, std::int64_t begin,
+                  const char* symbol, const char* error) {
+  zerva::TraceEvent event(kind);
+  event.since(begin).with(zerva::TraceKey::Library, library);
+  if (symbol != nullptr) event.with(zerva::TraceKey::Symbol, symbol);
+  event.withError(error).write();
+}
 
 /** The loader's text for what failed last on this thread; asking takes it away. */
 std::string loaderError() {
@@ -47,12 +59,21 @@ Dll::Dll(const std::string& path) : state_(std::make_unique<State>()) {
     state_->fail("no library is named");
     return;
   }
+  const std::int64_t begin = zerva::Trace::begin();
   state_->handle = ::dlopen(state_->path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (state_->handle == nullptr) state_->fail(loaderError());
+  if (zerva::Trace::on()) {
+    traceLibrary(zerva::TraceKind::LibraryOpened, state_->path, begin, nullptr, error());
+  }
 }
 
 Dll::~Dll() {
-  if (state_->handle != nullptr) ::dlclose(state_->handle);
+  if (state_->handle != nullptr) {
+    ::dlclose(state_->handle);
+    if (zerva::Trace::on()) {
+      traceLibrary(zerva::TraceKind::LibraryClosed, state_->path, 0, nullptr, nullptr);
+    }
+  }
   zerva::OpenLibraries::remove(this);
 }
 
@@ -62,8 +83,13 @@ void* Dll::symbol(const std::string& name) {
     return nullptr;
   }
   loaderError();
+  const std::int64_t begin = zerva::Trace::begin();
   void* const address = ::dlsym(state_->handle, name.c_str());
   const std::string error = loaderError();
+  if (zerva::Trace::on()) {
+    traceLibrary(zerva::TraceKind::SymbolResolved, state_->path, begin, name.c_str(),
+                 error.empty() ? nullptr : error.c_str());
+  }
   if (error.empty()) {
     state_->succeed();
     return address;

@@ -1,8 +1,10 @@
 #include "runtime/libClientUtils/Permits.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "runtime/libClientUtils/Futex.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 
 namespace zerva {
 
@@ -13,10 +15,19 @@ Permits::Permits(int free, int maximum)
 bool Permits::take(int timeout) {
   if (takeFree(0)) return true;
   if (timeout == 0) return false;
-  if (timeout < 0) return await(nullptr);
-  // A deadline of this clock does not move when somebody sets the time of day.
-  const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
-  return await(&deadline);
+  const std::int64_t begin = Trace::begin();
+  bool taken = false;
+  if (timeout < 0) {
+    taken = await(nullptr);
+  } else {
+    // A deadline of this clock does not move when somebody sets the time of day.
+    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
+    taken = await(&deadline);
+  }
+  if (begin != 0 && Trace::worksForOneComingUp()) {
+    TraceEvent(TraceKind::Waited).since(begin).with(TraceKey::For, "semaphore").write();
+  }
+  return taken;
 }
 
 bool Permits::give() {

@@ -10,6 +10,7 @@
 #include "framework/DecodeException.h"
 #include "framework/ProtocolAdapter.h"
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 
 /** Constant after construction but for the counter, so any number of threads may call at once. */
 struct ProxyRequestImpl::State {
@@ -57,7 +58,9 @@ const std::string& ProxyRequestImpl::getQualifier() const { return state_->quali
 
 void ProxyRequestImpl::call(const std::string& method, const Writable& arguments,
                             Readable& result) {
+  const std::int64_t begin = zerva::Trace::begin();
   const auto fail = [&](const std::string& cause) {
+    zerva::Trace::called(*state_->svcChannel, state_->callee->interface, method, begin, cause);
     throw CallException(state_->callee->interface, method, *state_->svcChannel, cause);
   };
   if (state_->adapter == nullptr) {
@@ -81,5 +84,8 @@ void ProxyRequestImpl::call(const std::string& method, const Writable& arguments
     state_->adapter->readReply(*sent.data, result);
   } catch (const DecodeException& error) {
     fail(std::string("the result did not decode: ") + error.what());
+  }
+  if (begin != 0) {
+    zerva::Trace::called(*state_->svcChannel, state_->callee->interface, method, begin, {});
   }
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/CallChain.h"
@@ -28,6 +29,9 @@ class ZERVA_EXPORT Serving {
    * @returns whether there was one.
    */
   virtual bool serveNext(const CallChain& chain) = 0;
+
+  /** @returns the name of the channel that it serves; valid as long as it serves. */
+  virtual std::string_view channelName() const = 0;
 
  protected:
   ~Serving() = default;

@@ -16,6 +16,7 @@
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/ThreadSettings.h"
 #include "runtime/libClientUtils/ThreadState.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 
 namespace {
 
@@ -32,6 +33,8 @@ struct Start {
   std::shared_ptr<Threadable::State> state;
   std::string name;
   ThreadPriority priority;
+  /** Who it works for: the one who started it. */
+  std::string service;
 };
 
 /** Notes at the end, however it comes, that the thread has left the body. */
@@ -50,6 +53,13 @@ class InBody {
 };
 
 std::string errorText(int error) { return std::generic_category().message(error); }
+
+void traceStart(const Start& start) {
+  zerva::Trace::workFor(start.service, false);
+  zerva::TraceEvent(zerva::TraceKind::ThreadRunning)
+      .with(zerva::TraceKey::Body, start.description.text())
+      .write();
+}
 
 void applyName(const std::string& name) {
   constexpr std::size_t kLongest = 15;
@@ -89,6 +99,7 @@ __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   applyName(start->name);
   applyPriority(start->priority, start->name);
   const InBody inBody(*start->state);
+  if (zerva::Trace::on()) traceStart(*start);
   try {
     start->body->run();
   } catch (abi::__forced_unwind&) {
@@ -140,7 +151,8 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
   };
   if (body == nullptr) return fail("there is no body");
   const std::shared_ptr<Threadable::State> state = body->threadState();
-  auto start = std::make_unique<Start>(Start{body, description, state, name, priority});
+  auto start = std::make_unique<Start>(Start{body, description, state, name, priority, {}});
+  if (zerva::Trace::on()) start->service = zerva::Trace::servedByThisThread();
   const std::size_t bytes =
       zerva::ThreadSettings::stackSize(static_cast<std::size_t>(std::max(0, stackSize)));
   static const bool prepared = (zerva::prepareForManySleepers(), true);

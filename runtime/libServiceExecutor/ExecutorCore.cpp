@@ -18,6 +18,7 @@
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
 
 namespace zerva {
@@ -63,6 +64,24 @@ ExecutorCore::ExecutorCore(ExecutorSettings settings)
     EXECUTOR_LOG(2, "channel '%s' is not of this platform: its requests are not served",
                  channelName_.c_str());
   }
+  if (Trace::on()) {
+    TraceEvent(TraceKind::ExecutorMade)
+        .forService(channelName_)
+        .with(TraceKey::Channel, channelName_)
+        .with(TraceKey::Interfaces, settings_.interfaces)
+        .with(TraceKey::Mode, settings_.multiThreaded ? "MT" : "ST")
+        .with(TraceKey::Lazy, settings_.lazy ? 1 : 0)
+        .write();
+  }
+}
+
+void ExecutorCore::trace(TraceKind kind) const {
+  if (!Trace::on()) return;
+  TraceEvent(kind)
+      .forService(channelName_)
+      .with(TraceKey::Channel, channelName_)
+      .with(TraceKey::Interfaces, settings_.interfaces)
+      .write();
 }
 
 void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
@@ -78,6 +97,7 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
       waitingForPool = queue_.size();
     }
   }
+  trace(TraceKind::ExecutorStarted);
   if (settings_.multiThreaded && !settings_.lazy) {
     handToPool(waitingForPool);
     return;
@@ -92,8 +112,10 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
 void ExecutorCore::shutdown() {
   std::deque<Envelope> refused;
   std::vector<std::shared_ptr<Parker>> woken;
+  bool first = false;
   {
     const std::lock_guard lock(mutex_);
+    first = !closed_;
     closed_.store(true, std::memory_order_release);
     refused.swap(queue_);
     woken = waiting_;
@@ -107,6 +129,7 @@ void ExecutorCore::shutdown() {
   }
   unparkAll(woken);
   refuse(refused, "channel '" + channelName_ + "' was closed");
+  if (first) trace(TraceKind::ExecutorStopped);
 }
 
 bool ExecutorCore::waitUntilIdle(Clock::time_point deadline) {
@@ -157,6 +180,7 @@ bool ExecutorCore::receive(Envelope& envelope) {
   std::shared_ptr<Parker> woken;
   bool toPool = false;
   std::string error;
+  if (Trace::on()) traceFirst(envelope);
   {
     const std::lock_guard lock(mutex_);
     if (closed_) {
@@ -184,6 +208,17 @@ bool ExecutorCore::receive(Envelope& envelope) {
     woken->unpark();
   }
   return true;
+}
+
+/** The first request is told before it is there for a thread to take. */
+void ExecutorCore::traceFirst(const Envelope& envelope) {
+  if (envelope.expiry != nullptr || requested_.load(std::memory_order_relaxed)) return;
+  if (requested_.exchange(true, std::memory_order_relaxed)) return;
+  TraceEvent(TraceKind::FirstRequest)
+      .forService(channelName_)
+      .with(TraceKey::Channel, channelName_)
+      .with(TraceKey::From, envelope.from())
+      .write();
 }
 
 bool ExecutorCore::isMaking() const {

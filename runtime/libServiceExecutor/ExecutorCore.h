@@ -9,6 +9,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/ServingThread.h"
+#include "runtime/libClientUtils/trace/TraceNames.h"
 #include "runtime/libServiceExecutor/Progress.h"
 
 class CommsChannelIfc;
@@ -95,6 +97,7 @@ class ExecutorCore final : public RequestReceiver,
   void waitEnds(const std::shared_ptr<Parker>& parker) override;
   bool isShutDown() override { return closed_.load(std::memory_order_acquire); }
   bool serveNext(const CallChain& chain) override;
+  std::string_view channelName() const override { return channelName_; }
 
  private:
   /** The body of the executor's own thread. */
@@ -144,6 +147,8 @@ class ExecutorCore final : public RequestReceiver,
   void handToPool(std::size_t requests);
   Envelope take(std::deque<Envelope>::iterator which);
   void refuse(std::deque<Envelope>& requests, const std::string& error);
+  void trace(TraceKind kind) const;
+  void traceFirst(const Envelope& envelope);
 
   void wish(const CallChain& chain);
   void makeService(std::unique_lock<std::mutex>& lock);
@@ -158,6 +163,7 @@ class ExecutorCore final : public RequestReceiver,
   const std::shared_ptr<Mailbox> mailbox_;  // null for a channel that is not the platform's
   const std::thread::id builder_;
   OwnThread thread_;
+  std::atomic<bool> requested_{false};  // as far as the trace knows
 
   mutable std::mutex mutex_;
   std::condition_variable ended_;

@@ -8,6 +8,7 @@
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
 
@@ -135,12 +136,20 @@ void ExecutorCore::awaitService() {
   // A making that asks, on behalf of another chain, a service that waits here does not end before
   // its own request is given up; so this one is, too.
   const auto deadline = Clock::now() + replyTimeout();
+  const std::int64_t begin = Trace::begin();
   const WaitingScope waiting;
   bool inTime = true;
   while (inTime && !over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
     if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
       inTime = parker->park(deadline);
     }
+  }
+  if (begin != 0) {
+    TraceEvent(TraceKind::Waited)
+        .since(begin)
+        .with(TraceKey::For, "creation")
+        .with(TraceKey::Channel, channelName_)
+        .write();
   }
   const std::lock_guard lock(mutex_);
   awaitingService_.erase(std::find(awaitingService_.begin(), awaitingService_.end(), parker));

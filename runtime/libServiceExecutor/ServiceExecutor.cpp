@@ -6,6 +6,7 @@
 #include "framework/ServiceThreadPoolIfc.h"
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/LiveExecutors.h"
 
@@ -69,6 +70,7 @@ void ServiceExecutor::serve() {
 
 ServiceExecutor::~ServiceExecutor() {
   ExecutorCore& core = *state_->core;
+  const std::int64_t begin = zerva::Trace::begin();
   core.shutdown();
   if (!core.waitUntilIdle(zerva::Clock::now())) {
     const zerva::Waiting waiting("requests under way in " + core.description());
@@ -77,6 +79,13 @@ ServiceExecutor::~ServiceExecutor() {
   core.waitForThread();
   state_->pool->remove(this);
   LiveExecutors::remove(this);
+  if (zerva::Trace::on()) {
+    zerva::TraceEvent(zerva::TraceKind::ExecutorDeleted)
+        .forService(core.channelName())
+        .since(begin)
+        .with(zerva::TraceKey::Channel, core.channelName())
+        .write();
+  }
 }
 
 void ServiceExecutor::startThread(Threader& threader, unsigned long& threadId) {

@@ -6,6 +6,7 @@
 #include "framework/ServiceExecutor.h"
 #include "framework/Threader.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/LiveExecutors.h"
 #include "runtime/libServiceExecutor/PoolState.h"
@@ -177,6 +178,7 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
   // A worker that is counted and has no thread would be waited for at the end.
   zerva::exceptionOf([&] {
     unsigned long threadId = 0;
+    const zerva::TraceWorkScope nobody{{}};
     started = Threader().spawn(&threadId, added->get(), "pool", THREAD_PRIORITY_NORMAL, 0);
   });
   lock.lock();

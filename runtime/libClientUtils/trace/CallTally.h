@@ -1,0 +1,91 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace zerva {
+
+/** Who called what. */
+struct CallKey {
+  /** For which service; empty for nobody in particular. */
+  std::string_view service;
+  std::string_view channel;
+  std::string_view interface;
+  std::string_view method;
+
+  bool operator==(const CallKey&) const = default;
+};
+
+/** How the calls of a key went. */
+struct CallFigures {
+  std::uint64_t count = 0;
+  std::uint64_t failures = 0;
+  /** Nanoseconds. */
+  std::int64_t total = 0;
+  /** By the last nanosecond that counts as the same duration; those that there are. */
+  std::map<std::int64_t, std::uint64_t> times;
+};
+
+/**
+ * Counts the calls of a process, however many they are, in a room that does not depend on how many.
+ * Any thread may call any operation.
+ */
+class CallTally {
+ public:
+  /** Counts a call. @returns false when there are too many different ones already. */
+  bool add(unsigned which, const CallKey& key, std::int64_t duration, bool failed);
+
+  /** Forgets everything. */
+  void clear();
+
+  /**
+   * Hands over what changed since the last time, each with all that was counted so far. What is
+   * handed over lives during the call.
+   */
+  void visitChanged(const std::function<void(const CallKey&, const CallFigures&)>& visit);
+
+ private:
+  static constexpr std::size_t kShares = 8;
+  static constexpr std::size_t kLargestShare = 1024;
+  // Four steps for each doubling of the duration.
+  static constexpr std::size_t kSteps = 160;
+
+  struct Counts {
+    std::string names;  // those of the key, one after the other
+    std::array<std::uint64_t, kSteps> times{};
+    std::uint64_t count = 0;
+    std::uint64_t failures = 0;
+    std::int64_t total = 0;
+    bool changed = true;
+  };
+
+  struct Hash {
+    std::size_t operator()(const CallKey& key) const;
+  };
+
+  // The keys are views of the names in the counts, which stay where they are.
+  using Share = std::unordered_map<CallKey, std::unique_ptr<Counts>, Hash>;
+
+  struct alignas(64) Guarded {
+    std::mutex mutex;
+    Share share;  // guarded by mutex
+  };
+
+  static std::size_t stepOf(std::int64_t duration);
+  static std::int64_t lastOf(std::size_t step);
+  static Counts* findOrMake(Share& share, const CallKey& key);
+  static void addUp(const Counts& counts, CallFigures& figures);
+
+  std::array<Guarded, kShares> shares_;
+};
+
+}  // namespace zerva

@@ -1,0 +1,155 @@
+#include "runtime/libClientUtils/trace/Trace.h"
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <mutex>
+#include <set>
+
+#include "runtime/libClientUtils/ServingThread.h"
+#include "runtime/libClientUtils/trace/TraceEvent.h"
+#include "runtime/libClientUtils/trace/TraceWriter.h"
+
+namespace zerva {
+namespace {
+
+/** What is known of the calling thread; without a destructor, so that it needs no memory. */
+struct TracedThread {
+  std::int32_t id = 0;
+  std::array<char, 16> name{};
+  /** For whom it works when it serves nobody; null for nobody in particular. */
+  const std::string* service = nullptr;
+  bool comingUp = false;
+};
+
+constinit thread_local TracedThread tracedThread;
+
+const TracedThread& thisThread() {
+  TracedThread& thread = tracedThread;
+  if (thread.id == 0) {
+    thread.id = ::gettid();
+    pthread_getname_np(pthread_self(), thread.name.data(), thread.name.size());
+  }
+  return thread;
+}
+
+/** @returns the same text, which is never destroyed; null for an empty one. */
+const std::string* keep(const std::string& text) {
+  struct Kept {
+    std::mutex mutex;
+    std::set<std::string> texts;  // guarded by mutex
+  };
+  static auto* const kept = new Kept;
+  if (text.empty()) return nullptr;
+  const std::lock_guard lock(kept->mutex);
+  return &*kept->texts.insert(text).first;
+}
+
+TraceHeader headerNow(TraceKind kind, std::int64_t t) {
+  const TracedThread& thread = thisThread();
+  TraceHeader header;
+  header.t = t;
+  header.thread = thread.id;
+  header.kind = kind;
+  header.threadName = thread.name;
+  return header;
+}
+
+unsigned numberOfThisThread() { return static_cast<unsigned>(thisThread().id); }
+
+}  // namespace
+
+std::atomic<bool> Trace::on_{false};
+
+std::string Trace::start(const std::string& path, const std::string& about) {
+  return TraceWriter::instance().start(path, about);
+}
+
+void Trace::stop() { TraceWriter::instance().stop(); }
+
+void Trace::flush() { TraceWriter::instance().flush(); }
+
+std::int64_t Trace::now() {
+  timespec time{};
+  ::clock_gettime(CLOCK_MONOTONIC, &time);
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+void Trace::workFor(const std::string& service, bool comingUp) {
+  tracedThread.service = keep(service);
+  tracedThread.comingUp = comingUp;
+}
+
+bool Trace::worksForOneComingUp() { return tracedThread.comingUp; }
+
+std::string_view Trace::servedByThisThread() {
+  const Serving* const serving = servingThread().serving;
+  if (serving != nullptr) return serving->channelName();
+  const std::string* const service = tracedThread.service;
+  return service == nullptr ? std::string_view() : *service;
+}
+
+void Trace::called(std::string_view channel, std::string_view interface, std::string_view method,
+                   std::int64_t begin, const std::string& error) {
+  if (begin == 0) return;
+  const CallKey key{servedByThisThread(), channel, interface, method};
+  TraceWriter::instance().count(numberOfThisThread(), key, now() - begin, !error.empty());
+  const bool announces = interface == "ServiceRegistryIfc" && method == "registerInterface";
+  if (!announces && !tracedThread.comingUp) return;
+  TraceEvent event(announces ? TraceKind::Announcement : TraceKind::Call);
+  event.since(begin).with(TraceKey::Channel, channel);
+  if (!announces) event.with(TraceKey::Interface, interface).with(TraceKey::Method, method);
+  event.withError(error.empty() ? nullptr : error.c_str()).write();
+}
+
+TraceWorkScope::TraceWorkScope(const std::string& service)
+    : before_(tracedThread.service), comingUp_(tracedThread.comingUp) {
+  Trace::workFor(service, false);
+}
+
+TraceWorkScope::~TraceWorkScope() {
+  tracedThread.service = before_;
+  tracedThread.comingUp = comingUp_;
+}
+
+TraceEvent::TraceEvent(TraceKind kind) : t_(Trace::now()), record_(headerNow(kind, t_)) {}
+
+TraceEvent& TraceEvent::with(TraceKey key, std::string_view text) {
+  addService();
+  record_.add(key, text);
+  return *this;
+}
+
+TraceEvent& TraceEvent::with(TraceKey key, std::int64_t number) {
+  addService();
+  record_.add(key, number);
+  return *this;
+}
+
+TraceEvent& TraceEvent::withError(const char* error) {
+  return error == nullptr ? *this : with(TraceKey::Error, error);
+}
+
+TraceEvent& TraceEvent::since(std::int64_t begin) {
+  return begin == 0 ? *this : with(TraceKey::Duration, t_ - begin);
+}
+
+TraceEvent& TraceEvent::forService(std::string_view service) {
+  serviceKnown_ = true;
+  record_.addService(service);
+  return *this;
+}
+
+void TraceEvent::write() {
+  addService();
+  TraceWriter::instance().add(numberOfThisThread(), record_.bytes());
+}
+
+void TraceEvent::addService() {
+  if (!serviceKnown_) forService(Trace::servedByThisThread());
+}
+
+}  // namespace zerva
