@@ -10,6 +10,7 @@
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
 #include "host/skeleton/NewService.h"
+#include "host/trace/TraceVerbs.h"
 
 namespace zerva {
 namespace {
@@ -177,6 +178,7 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addCheck(app, verb);
   addLoadLibrary(app, verb);
   addNew(app, newOptions, verb);
+  addTraceVerbs(app, verb);
   addCompletion(app, shell, verb);
   try {
     app.parse(argc, argv);

@@ -81,6 +81,7 @@ void failed(const char* what, std::string_view error) {
 }
 
 void processStarted(const ConfiguratorEvent& event) {
+  Trace::workFor({}, false);
   const auto started = StartedProcesses::list();
   TraceEvent(TraceKind::ProcessStarted)
       .with(TraceKey::Program, event.program)

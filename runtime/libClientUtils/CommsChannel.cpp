@@ -54,9 +54,14 @@ bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {
   // Held here too, since the channel may be deleted while this thread waits.
   const std::shared_ptr<Mailbox> mailbox = state_->mailbox;
+  const std::int64_t begin = zerva::Trace::begin();
   auto outcome = mailbox->awaitReply(static_cast<std::uint32_t>(requestId));
   auto& received = message.state();
   received.error = std::move(outcome.error);
+  // A proxy counts its calls itself: it knows what they are.
+  if (begin != 0 && received.callee == nullptr && received.channel != nullptr) {
+    zerva::Trace::called(*received.channel, {}, {}, begin, received.error);
+  }
   if (!received.error.empty()) {
     return false;
   }

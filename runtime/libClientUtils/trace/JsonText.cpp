@@ -47,20 +47,24 @@ void appendEscaped(std::string& json, char character) {
 
 }  // namespace
 
+std::string validUtf8(std::string_view text) {
+  std::string valid;
+  while (!text.empty()) {
+    const bool plain = static_cast<unsigned char>(text[0]) < 0x80;
+    const std::size_t length = plain ? 1 : characterLength(text);
+    if (length > 0) {
+      valid += text.substr(0, length);
+    } else {
+      valid += "\xEF\xBF\xBD";
+    }
+    text.remove_prefix(length > 0 ? length : 1);
+  }
+  return valid;
+}
+
 void appendJsonText(std::string& json, std::string_view text) {
   json += '"';
-  while (!text.empty()) {
-    std::size_t length = 1;
-    if (static_cast<unsigned char>(text[0]) < 0x80) {
-      appendEscaped(json, text[0]);
-    } else if ((length = characterLength(text)) > 0) {
-      json += text.substr(0, length);
-    } else {
-      json += "\\ufffd";
-      length = 1;
-    }
-    text.remove_prefix(length);
-  }
+  for (const char character : validUtf8(text)) appendEscaped(json, character);
   json += '"';
 }
 

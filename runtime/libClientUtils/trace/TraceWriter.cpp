@@ -46,6 +46,15 @@ int writeAll(int file, std::string_view bytes) {
   return 0;
 }
 
+TraceHeader headerNow(TraceKind kind) {
+  TraceHeader header;
+  header.kind = kind;
+  header.t = Trace::now();
+  header.thread = ::gettid();
+  pthread_getname_np(pthread_self(), header.threadName.data(), header.threadName.size());
+  return header;
+}
+
 void writeFirst(const std::string& about) {
   const auto wall = std::chrono::system_clock::now().time_since_epoch();
   TraceEvent(TraceKind::Trace)
@@ -188,10 +197,7 @@ void TraceWriter::appendEvents(std::string& lines) {
 }
 
 void TraceWriter::appendCounts(std::string& lines) {
-  TraceHeader header;
-  header.kind = TraceKind::Calls;
-  header.t = Trace::now();
-  header.thread = ::gettid();
+  const TraceHeader header = headerNow(TraceKind::Calls);
   const auto text = [&](std::string_view name, std::string_view value) {
     lines += ",\"" + std::string(name) + "\":";
     appendJsonText(lines, value);
@@ -220,10 +226,7 @@ void TraceWriter::appendCounts(std::string& lines) {
 void TraceWriter::appendLost(std::string& lines) {
   const unsigned long lost = buffers_.takeLost();
   if (lost == 0) return;
-  TraceHeader header;
-  header.kind = TraceKind::Lost;
-  header.t = Trace::now();
-  header.thread = ::gettid();
+  const TraceHeader header = headerNow(TraceKind::Lost);
   appendBeginning(lines, header, {});
   lines += ",\"events\":" + std::to_string(lost) + "}\n";
 }

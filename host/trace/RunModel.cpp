@@ -1,0 +1,68 @@
+#include "host/trace/RunModel.h"
+
+#include <algorithm>
+
+namespace zerva {
+
+const char* nameOf(Stage stage) {
+  switch (stage) {
+    case Stage::Library:
+      return "library";
+    case Stage::Creator:
+      return "creator";
+    case Stage::Executor:
+      return "executor";
+    case Stage::Announcement:
+      return "announcement";
+    case Stage::Init:
+      return "init";
+    case Stage::Stop:
+      return "stop";
+    case Stage::Deletion:
+      return "deletion";
+  }
+  return "";
+}
+
+namespace {
+
+bool bringsUp(Stage stage) { return stage != Stage::Stop && stage != Stage::Deletion; }
+
+}  // namespace
+
+// A lazy service is announced when its line is read, and made when it is needed; only the latter is
+// its coming up.
+Interval ServiceRun::comingUp() const {
+  Interval all;
+  for (const StageRun& run : stages) {
+    if (!bringsUp(run.stage) || (isLazy() && run.stage == Stage::Announcement)) continue;
+    if (all.end == 0) all.begin = run.when.begin;
+    all.end = std::max(all.end, run.when.end);
+  }
+  return all;
+}
+
+std::int64_t ServiceRun::total(Stage stage) const {
+  std::int64_t sum = 0;
+  for (const StageRun& run : stages) {
+    if (run.stage == stage) sum += run.when.length();
+  }
+  return sum;
+}
+
+std::int64_t ServiceRun::waited() const {
+  std::int64_t sum = 0;
+  const Interval making = comingUp();
+  for (const WaitRun& wait : waits) {
+    if (wait.when.begin >= making.begin && wait.when.end <= making.end) sum += wait.when.length();
+  }
+  return sum;
+}
+
+const ServiceRun* RunModel::find(const std::string& name) const {
+  const auto found = std::find_if(services.begin(), services.end(),
+                                  [&](const ServiceRun& service) { return service.name == name; });
+  return found == services.end() ? nullptr : &*found;
+}
+
+}  // namespace zerva
