@@ -13,7 +13,7 @@ struct AdviceLimits {
   /** The least that a change has to save. */
   std::int64_t saving = 100'000;
   /** What is asked for within this time after the start is needed for it. */
-  std::int64_t soon = 1'000'000'000;
+  std::int64_t soon = 500'000'000;
 };
 
 /** A change to a line of a directive file. */

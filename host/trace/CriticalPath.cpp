@@ -12,7 +12,7 @@ constexpr int kDeepest = 32;
 /** A stage or a wait of a service, on the way through the time. */
 struct Piece {
   Interval when;
-  std::size_t service;
+  std::optional<std::size_t> service;
   const StageRun* stage;
   const WaitRun* wait;
 };
@@ -29,11 +29,11 @@ class Walk {
     for (const Piece& piece : stagesOf(thread, only)) {
       const Interval part = cut(piece.when, {at, within.end});
       if (part.length() <= 0) continue;
-      add({{at, part.begin}, only, std::nullopt, {}});
+      between(thread, {at, part.begin}, only, depth);
       stage(piece, part, depth);
       at = part.end;
     }
-    add({{at, within.end}, only, std::nullopt, {}});
+    between(thread, {at, within.end}, only, depth);
   }
 
  private:
@@ -66,25 +66,36 @@ class Walk {
     });
   }
 
-  /** Fills a stage with its work and its waits. */
+  /** Fills the time between the stages of services: the host's own. */
+  void between(int thread, Interval within, std::optional<std::size_t> only, int depth) {
+    if (only) return add({within, only, std::nullopt, {}});
+    fill(run_.host, thread, {within, std::nullopt, std::nullopt, {}}, depth);
+  }
+
   void stage(const Piece& piece, Interval within, int depth) {
-    const ServiceRun& service = run_.services[piece.service];
+    fill(run_.services[*piece.service], piece.stage->thread,
+         {within, piece.service, piece.stage->stage, {}}, depth);
+  }
+
+  /** Fills a time with the waits of the one that it belongs to, and with its work. */
+  void fill(const ServiceRun& service, int thread, PathStep work, int depth) {
     std::vector<Piece> waits;
     for (const WaitRun& wait : service.waits) {
-      if (wait.thread == piece.stage->thread) {
-        waits.push_back({wait.when, piece.service, nullptr, &wait});
-      }
+      if (wait.thread == thread) waits.push_back({wait.when, work.service, nullptr, &wait});
     }
     sort(waits);
+    const Interval within = work.when;
     std::int64_t at = within.begin;
     for (const Piece& next : waits) {
       const Interval part = cut(next.when, {at, within.end});
       if (part.length() <= 0) continue;
-      add({{at, part.begin}, piece.service, piece.stage->stage, {}});
+      work.when = {at, part.begin};
+      add(work);
       wait(next, part, depth);
       at = part.end;
     }
-    add({{at, within.end}, piece.service, piece.stage->stage, {}});
+    work.when = {at, within.end};
+    add(work);
   }
 
   /** Fills a wait with what was done meanwhile to make the service that it was for. */

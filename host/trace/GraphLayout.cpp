@@ -8,14 +8,15 @@ namespace zerva {
 namespace {
 
 constexpr double kAbove = 18;
-constexpr double kLabelRoom = 70;
+constexpr double kBetweenColumns = 30;
 constexpr int kSweeps = 8;
 constexpr double kLoosestRow = 900;
 
-/** A box, or the place where a line passes through a column. */
+/** A box, a label, or the place where a line passes through a column. */
 struct Spot {
   std::optional<std::size_t> box;
   std::size_t layer = 0;
+  double width = 0;
   double height = 0;
   double y = 0;
   std::vector<std::size_t> left;
@@ -34,7 +35,6 @@ class Placing {
     findHeights();
     findColumns();
     drawLines();
-    placeLabels();
     placeLonely();
   }
 
@@ -66,7 +66,10 @@ class Placing {
     return turned_[line] ? layout_.lines[line].from : layout_.lines[line].to;
   }
 
-  /** Each box comes in the column after the last one of those that lead to it. */
+  /**
+   * Each box comes after the last one of those that lead to it; between two columns of boxes is one
+   * of labels.
+   */
   void findLayers() {
     layers_.assign(layout_.boxes.size(), 0);
     lonely_.assign(layout_.boxes.size(), true);
@@ -78,14 +81,15 @@ class Placing {
       moved = false;
       for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
         if (layers_[endOf(line)] > layers_[beginOf(line)]) continue;
-        layers_[endOf(line)] = layers_[beginOf(line)] + 1;
+        layers_[endOf(line)] = layers_[beginOf(line)] + 2;
         moved = true;
       }
     }
   }
 
-  std::size_t addSpot(std::size_t layer, double height, std::optional<std::size_t> box) {
-    spots_.push_back({box, layer, height, 0, {}, {}});
+  std::size_t addSpot(std::size_t layer, double width, double height,
+                      std::optional<std::size_t> box = std::nullopt) {
+    spots_.push_back({box, layer, width, height, 0, {}, {}});
     if (columns_.size() <= layer) columns_.resize(layer + 1);
     columns_[layer].push_back(spots_.size() - 1);
     return spots_.size() - 1;
@@ -93,13 +97,15 @@ class Placing {
 
   void makeSpots() {
     for (std::size_t box = 0; box < layout_.boxes.size(); ++box) {
-      if (!lonely_[box]) spotOf_[box] = addSpot(layers_[box], layout_.boxes[box].height, box);
+      const LayoutBox& placed = layout_.boxes[box];
+      if (!lonely_[box]) spotOf_[box] = addSpot(layers_[box], placed.width, placed.height, box);
     }
     for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-      std::vector<std::size_t> way{spotOf_[beginOf(line)]};
-      for (std::size_t layer = layers_[beginOf(line)] + 1; layer < layers_[endOf(line)]; ++layer) {
-        way.push_back(addSpot(layer, 4, std::nullopt));
-      }
+      const LayoutLine& drawn = layout_.lines[line];
+      std::size_t layer = layers_[beginOf(line)] + 1;
+      std::vector<std::size_t> way{spotOf_[beginOf(line)],
+                                   addSpot(layer, drawn.labelWidth, drawn.labelHeight)};
+      while (++layer < layers_[endOf(line)]) way.push_back(addSpot(layer, 0, 4));
       way.push_back(spotOf_[endOf(line)]);
       for (std::size_t step = 1; step < way.size(); ++step) {
         spots_[way[step - 1]].right.push_back(way[step]);
@@ -197,20 +203,14 @@ class Placing {
   }
 
   void findColumns() {
-    std::vector<double> labels(columns_.size(), 0);
-    for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-      double& widest = labels[layers_[beginOf(line)]];
-      widest = std::max(widest, layout_.lines[line].labelWidth);
-    }
     double x = 0;
     for (std::size_t layer = 0; layer < columns_.size(); ++layer) {
       double width = 0;
       for (const std::size_t spot : columns_[layer]) {
-        if (spots_[spot].box) width = std::max(width, layout_.boxes[*spots_[spot].box].width);
+        width = std::max(width, spots_[spot].width);
       }
       lefts_.push_back(x);
       widths_.push_back(width);
-      gaps_.push_back(labels[layer] + kLabelRoom);
       for (const std::size_t spot : columns_[layer]) {
         if (!spots_[spot].box) continue;
         LayoutBox& box = layout_.boxes[*spots_[spot].box];
@@ -218,7 +218,7 @@ class Placing {
         box.y = spots_[spot].y - box.height / 2;
       }
       layout_.width = std::max(layout_.width, x + width);
-      x += width + gaps_.back();
+      x += width + kBetweenColumns;
     }
   }
 
@@ -243,9 +243,8 @@ class Placing {
         points.push_back({leftOf(way[step + 1]), portOf(way[step + 1], false, way[step])});
       }
       LayoutLine& drawn = layout_.lines[line];
-      drawn.label = {(points[0].x + points[1].x) / 2, (points[0].y + points[1].y) / 2};
-      const std::size_t layer = layers_[beginOf(line)];
-      drawn.label.x = lefts_[layer] + widths_[layer] + gaps_[layer] / 2;
+      const std::size_t column = spots_[way[1]].layer;
+      drawn.label = {lefts_[column] + widths_[column] / 2, spots_[way[1]].y};
       if (turned_[line]) std::reverse(points.begin(), points.end());
       drawn.points = std::move(points);
     }
@@ -259,25 +258,6 @@ class Placing {
     if (!spots_[spot].box) return lefts_[spots_[spot].layer] + widths_[spots_[spot].layer];
     const LayoutBox& box = layout_.boxes[*spots_[spot].box];
     return box.x + box.width;
-  }
-
-  /** Labels of one gap are put one below the other, each as near to its line as there is room. */
-  void placeLabels() {
-    for (std::size_t layer = 0; layer < columns_.size(); ++layer) {
-      std::vector<LayoutLine*> lines;
-      for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-        if (layers_[beginOf(line)] == layer) lines.push_back(&layout_.lines[line]);
-      }
-      std::stable_sort(lines.begin(), lines.end(), [](const auto* one, const auto* other) {
-        return one->label.y < other->label.y;
-      });
-      double below = 0;
-      for (LayoutLine* const line : lines) {
-        line->label.y = std::max(line->label.y, below + line->labelHeight / 2);
-        below = line->label.y + line->labelHeight / 2 + 3;
-      }
-      layout_.height = std::max(layout_.height, below);
-    }
   }
 
   void placeLonely() {
@@ -312,7 +292,6 @@ class Placing {
   std::vector<std::vector<std::size_t>> ways_;
   std::vector<double> lefts_;
   std::vector<double> widths_;
-  std::vector<double> gaps_;
 };
 
 }  // namespace

@@ -59,7 +59,7 @@ std::vector<Interval> clustersOf(std::vector<Interval> all) {
   return all;
 }
 
-/** A tick's text: without needless zeros, in the unit of the step. */
+/** A tick's text: without needless zeros, in a unit that needs one decimal at most. */
 std::string tickText(std::int64_t at, std::int64_t step) {
   struct Unit {
     std::int64_t size;
@@ -69,8 +69,12 @@ std::string tickText(std::int64_t at, std::int64_t step) {
                                 Unit{1, "ns"}};
   if (at == 0) return "0";
   const auto* unit = units.begin();
-  while (step < unit->size && unit + 1 != units.end()) ++unit;
-  return std::to_string(at / unit->size) + " " + unit->name;
+  while (step * 10 < unit->size && unit + 1 != units.end()) ++unit;
+  std::string text = std::to_string(at / unit->size);
+  if (const std::int64_t tenths = at % unit->size * 10 / unit->size; tenths > 0) {
+    text += "." + std::to_string(tenths);
+  }
+  return text + " " + unit->name;
 }
 
 }  // namespace

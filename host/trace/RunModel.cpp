@@ -30,12 +30,13 @@ bool bringsUp(Stage stage) { return stage != Stage::Stop && stage != Stage::Dele
 
 }  // namespace
 
-// A lazy service is announced when its line is read, and made when it is needed; only the latter is
-// its coming up.
+// A lazy service gets its channel when its line is read, and is made when it is needed; only the
+// latter is its coming up, and it begins with the library.
 Interval ServiceRun::comingUp() const {
   Interval all;
   for (const StageRun& run : stages) {
-    if (!bringsUp(run.stage) || (isLazy() && run.stage == Stage::Announcement)) continue;
+    if (!bringsUp(run.stage)) continue;
+    if (isLazy() && all.end == 0 && run.stage != Stage::Library) continue;
     if (all.end == 0) all.begin = run.when.begin;
     all.end = std::max(all.end, run.when.end);
   }

@@ -119,6 +119,8 @@ struct RunModel {
   int hostThread = 0;
   /** In the order of the file. */
   std::vector<ServiceRun> services;
+  /** What the host does itself, and waits for: records, programs, the end of others. */
+  ServiceRun host;
   std::vector<CallRun> calls;
   std::vector<ProcessRun> processes;
   /** Lines of the file that came to nothing, apart from those of services. */

@@ -14,6 +14,8 @@ constexpr const char* kRegistryChannel = "/zerva/serviceregistry";
 RunModel RunModelBuilder::build(const std::vector<TraceLine>& lines) {
   if (lines.empty()) return std::move(model_);
   model_.whole = {lines.front().t, lines.back().t};
+  model_.host.name = "the host";
+  model_.host.kind = "host";
   for (const TraceLine& line : lines) take(line);
   finish(model_.whole.end);
   return std::move(model_);
@@ -34,6 +36,8 @@ void RunModelBuilder::takeOfProcess(const TraceLine& line) {
     phase(line);
   } else if (line.event == "process_started") {
     model_.processes.push_back({line.text("program"), line.number("pid"), line.t});
+    model_.host.waits.push_back(
+        {{line.begin(), line.t}, line.thread, "the start of " + line.text("program"), ""});
   } else if (line.event == "calls") {
     calls(line);
   } else if (line.event == "lost") {
@@ -96,13 +100,24 @@ void RunModelBuilder::takeOfDown(const TraceLine& line) {
     endAll(down_, line);
     if (service(line.service) == nullptr) return;
     down_[line.thread] = {latest_[line.service], Stage::Deletion, line.begin(), false};
-  } else if (line.event == "library_closed" || line.event == "services_deleted") {
+  } else if (line.event == "library_closed") {
+    libraryClosed(line);
     endAll(down_, line);
+  } else if (line.event == "services_deleted") {
+    endAll(down_, line);
+  } else if (line.event == "library_opened" && line.service.empty() &&
+             line.thread == model_.hostThread) {
+    model_.host.stages.push_back({Stage::Library, {line.begin(), line.t}, line.thread});
+    return;
+  } else if (line.event != "phase") {
+    return;
   }
+  lastDeletion_ = line.t;
 }
 
 void RunModelBuilder::phase(const TraceLine& line) {
   const std::string phase = line.text("phase");
+  hostWaits(line);
   if (phase == "starting") {
     model_.start.begin = line.t;
     model_.hostThread = line.thread;
@@ -193,7 +208,7 @@ void RunModelBuilder::firstRequest(const TraceLine& line) {
 
 void RunModelBuilder::waited(const TraceLine& line, const std::string& what,
                              const std::string& channel) {
-  ServiceRun* const run = service(line.service);
+  ServiceRun* const run = whoWaits(line);
   if (run == nullptr) return;
   run->waits.push_back({{line.begin(), line.t}, line.thread, what, channel});
 }
@@ -221,6 +236,7 @@ void RunModelBuilder::finish(std::int64_t end) {
   last.t = end;
   endAll(up_, last);
   endAll(down_, last);
+  hostWaits(last);
   if (!started_) model_.start = {model_.whole.begin, model_.whole.begin};
   if (started_ && !running_) model_.start.end = end;
 }
@@ -228,6 +244,36 @@ void RunModelBuilder::finish(std::int64_t end) {
 ServiceRun* RunModelBuilder::service(const std::string& name) {
   const auto found = latest_.find(name);
   return found == latest_.end() ? nullptr : &model_.services[found->second];
+}
+
+/** @returns the host, for what its thread does for no service. */
+ServiceRun* RunModelBuilder::whoWaits(const TraceLine& line) {
+  if (line.service.empty() && line.thread == model_.hostThread) return &model_.host;
+  return service(line.service);
+}
+
+/** While it drains, and while it ends the programs that it started, the host waits. */
+void RunModelBuilder::hostWaits(const TraceLine& line) {
+  if (hostWait_) {
+    model_.host.waits.push_back({{hostWait_->begin, line.t}, line.thread, hostWaitsFor_, ""});
+    hostWait_.reset();
+  }
+  const std::string phase = line.text("phase");
+  if (phase != "draining" && phase != "ending_processes") return;
+  hostWait_ = Interval{line.t, line.t};
+  hostWaitsFor_ = phase == "draining" ? "requests under way" : "the end of started programs";
+}
+
+/** A legacy service has no executor, only its library tells when it is deleted. */
+void RunModelBuilder::libraryClosed(const TraceLine& line) {
+  if (down_.contains(line.thread)) return;
+  const std::string library = "/" + line.text("library");
+  for (ServiceRun& run : model_.services) {
+    if (run.kind != "legacy" || run.total(Stage::Deletion) > 0) continue;
+    if (run.library.empty() || !library.ends_with("/" + run.library)) continue;
+    run.stages.push_back({Stage::Deletion, {lastDeletion_, line.t}, line.thread});
+    return;
+  }
 }
 
 RunModelBuilder::Doing* RunModelBuilder::doing(const TraceLine& line) {

@@ -50,6 +50,9 @@ class RunModelBuilder {
   void finish(std::int64_t end);
 
   ServiceRun* service(const std::string& name);
+  ServiceRun* whoWaits(const TraceLine& line);
+  void hostWaits(const TraceLine& line);
+  void libraryClosed(const TraceLine& line);
   /** @returns what the line's thread does for the line's service; null for nothing. */
   Doing* doing(const TraceLine& line);
   void begin(const TraceLine& line, Doing& doing, Stage stage);
@@ -61,6 +64,9 @@ class RunModelBuilder {
   std::map<int, Doing> up_;
   std::map<int, Doing> down_;
   std::map<std::tuple<std::string, std::string, std::string, std::string>, std::size_t> calls_;
+  std::optional<Interval> hostWait_;  // under way, with what it is for
+  std::string hostWaitsFor_;
+  std::int64_t lastDeletion_ = 0;
   bool started_ = false;
   bool running_ = false;
   bool stopping_ = false;

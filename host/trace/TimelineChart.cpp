@@ -82,7 +82,10 @@ class Chart {
     header();
     legend();
     for (const Panel& panel : panels_) axis(panel);
-    for (std::size_t place = 0; place < run_.services.size(); ++place) row(place);
+    row(run_.host, std::nullopt);
+    for (std::size_t place = 0; place < run_.services.size(); ++place) {
+      row(run_.services[place], place);
+    }
     const double sideEnd = side();
     const double height = std::max(rowsEnd(), sideEnd) + kMargin;
     return svg_.document(sideX() + kSideWidth + kMargin, height, titleText(), kStyle, kPatterns);
@@ -100,7 +103,7 @@ class Chart {
   double bars() const { return modesX() + textWidth("MT, lazy", kSmall) + 12; }
   double barsEnd() const { return panels_.back().x + panels_.back().width; }
   double sideX() const { return barsEnd() + 32; }
-  double rowsEnd() const { return kTop + kRow * static_cast<double>(run_.services.size()); }
+  double rowsEnd() const { return kTop + kRow * static_cast<double>(run_.services.size() + 1); }
 
   std::string titleText() const {
     return "Services of " + run_.file + ", process " + std::to_string(run_.pid);
@@ -157,22 +160,23 @@ class Chart {
     svg_.line(panel.x, kTop - 4, panel.x + panel.width, kTop - 4, "axis");
   }
 
-  void row(std::size_t place) {
-    const ServiceRun& service = run_.services[place];
-    const double y = kTop + kRow * static_cast<double>(place);
-    svg_.beginGroup("row", tipOf(service));
-    if (place % 2 == 0) {
+  /** @param place the service's; nothing for the host. */
+  void row(const ServiceRun& service, std::optional<std::size_t> place) {
+    const std::size_t number = place ? *place + 1 : 0;
+    const double y = kTop + kRow * static_cast<double>(number);
+    svg_.beginGroup("row", place ? tipOf(service) : "what the host does itself");
+    if (number % 2 == 1) {
       svg_.rectangle(kMargin - 6, y, barsEnd() - kMargin + 12, kRow, "even");
     }
     svg_.text(kMargin, y + 16, shortened(service.name, kText, names_), "name");
-    svg_.text(modesX(), y + 16, modeOf(service), "small");
+    if (place) svg_.text(modesX(), y + 16, modeOf(service), "small");
     for (const Panel& panel : panels_) {
       state(service, panel, y);
       stages(service, panel, y);
       waits(service, panel, y);
     }
     critical(place, y);
-    took(service, y);
+    if (place) took(service, y);
     svg_.endGroup();
   }
 
@@ -217,14 +221,13 @@ class Chart {
   }
 
   void waits(const ServiceRun& service, const Panel& panel, double y) {
-    if (panel.kind == Panel::Kind::Stop) return;
     for (const WaitRun& wait : service.waits) {
       bar(panel, wait.when, y + 6, kBar, "waiting",
           service.name + " waited " + durationText(wait.when.length()) + " for " + wait.what);
     }
   }
 
-  void critical(std::size_t place, double y) {
+  void critical(std::optional<std::size_t> place, double y) {
     for (const PathStep& step : path_) {
       if (step.service == place) bar(panels_.front(), step.when, y + 19, 3, "critical", "");
     }
@@ -269,8 +272,7 @@ class Chart {
     std::size_t shown = 0;
     for (const PathShare& share : sharesOf(path_)) {
       if (++shown > kShares) break;
-      const std::string name =
-          share.service ? run_.services[*share.service].name : "the host, between services";
+      const std::string name = share.service ? run_.services[*share.service].name : run_.host.name;
       entry(name, percent(share.time, run_.start.length()));
     }
     svg_.endGroup();

@@ -42,6 +42,16 @@ Json serviceJson(const RunModel& run, const ServiceRun& service) {
   return json;
 }
 
+Json hostJson(const RunModel& run) {
+  Json waits = Json::array();
+  for (const WaitRun& wait : run.host.waits) {
+    Json one = {{"for", wait.what}};
+    one.update(timeOf(run, wait.when));
+    waits.push_back(one);
+  }
+  return {{"waits", waits}};
+}
+
 Json pathJson(const RunModel& run) {
   Json path = Json::array();
   for (const PathStep& step : criticalPath(run)) {
@@ -81,6 +91,7 @@ std::string timelineJson(const RunModel& run) {
                {"start", run.start.length()},
                {"stop", run.stop ? Json(run.stop->length()) : Json(nullptr)},
                {"lost", run.lost},
+               {"host", hostJson(run)},
                {"services", Json::array()},
                {"critical_path", pathJson(run)},
                {"slowest", Json::array()},

@@ -203,7 +203,7 @@ void addAdvise(CLI::App& app, Verb& chosen) {
                   "What a change has to save for a service to be named; default: 0.1");
   addMilliseconds(*verb, "--soon", options->limits.soon,
                   "What is asked for within this time after the start is needed for it; default: "
-                  "1000");
+                  "500");
   verb->add_flag("--json", options->json, "JSON instead of text");
   verb->callback([options, &chosen] {
     chosen = [options] {

@@ -7,7 +7,6 @@
 #include "framework/ProxyRequest.h"
 #include "framework/Service.h"
 #include "runtime/libClientUtils/Description.h"
-#include "runtime/libClientUtils/StartedProcesses.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 
@@ -44,7 +43,7 @@ void lineBegins(const ConfiguratorEvent& event, const std::string& service, cons
 }
 
 void recordDeclared(const ConfiguratorEvent& event) {
-  Trace::workFor({}, false);
+  Trace::workFor({}, true);
   TraceEvent(TraceKind::RecordDeclared)
       .with(TraceKey::Kind, event.role)
       .with(TraceKey::Library, event.library)
@@ -78,15 +77,6 @@ void initEnded(const ConfiguratorEvent& event) {
 
 void failed(const char* what, std::string_view error) {
   TraceEvent(TraceKind::Failed).with(TraceKey::What, what).with(TraceKey::Error, error).write();
-}
-
-void processStarted(const ConfiguratorEvent& event) {
-  Trace::workFor({}, false);
-  const auto started = StartedProcesses::list();
-  TraceEvent(TraceKind::ProcessStarted)
-      .with(TraceKey::Program, event.program)
-      .with(TraceKey::Pid, started.empty() ? 0 : started.back().id)
-      .write();
 }
 
 }  // namespace
@@ -141,8 +131,6 @@ void TraceRecorder::take(const ConfiguratorEvent& event) {
     case Kind::IncompleteLine:
     case Kind::InvalidLine:
       return failed("line", event.text);
-    case Kind::ProcessStarted:
-      return processStarted(event);
     case Kind::ProcessFailed:
       return failed("process", event.text);
     case Kind::FileNotOpened:
@@ -151,6 +139,7 @@ void TraceRecorder::take(const ConfiguratorEvent& event) {
       return lookup(event);
     case Kind::Opening:
     case Kind::Resolving:
+    case Kind::ProcessStarted:
     case Kind::Other:
       return;
   }

@@ -3,6 +3,11 @@
 #include <signal.h>
 #include <spawn.h>
 
+#include <cstdint>
+#include <system_error>
+
+#include "runtime/libClientUtils/trace/TraceEvent.h"
+
 namespace zerva {
 namespace {
 
@@ -69,10 +74,17 @@ int startProcess(char** argv, char** envp, const char* directory, int& id) {
   int error = attributes.prepare();
   if (error == 0) error = actions.prepare(directory);
   pid_t started = 0;
+  const std::int64_t begin = Trace::begin();
   if (error == 0) {
     error = ::posix_spawnp(&started, argv[0], actions.get(), attributes.get(), argv, envp);
   }
   if (error == 0) id = started;
+  if (Trace::on()) {
+    TraceEvent event(TraceKind::ProcessStarted);
+    event.since(begin).with(TraceKey::Program, argv[0]).with(TraceKey::Pid, started);
+    if (error != 0) event.with(TraceKey::Error, std::generic_category().message(error));
+    event.write();
+  }
   return error;
 }
 
