@@ -203,7 +203,9 @@ void RunModelBuilder::firstRequest(const TraceLine& line) {
   ServiceRun* const run = service(line.service);
   if (run == nullptr) return;
   run->firstRequest = line.t;
-  run->firstCaller = line.text("from");
+  // From another process comes the name of a proxy's channel only.
+  const std::string by = line.text("by");
+  run->firstCaller = by.empty() ? line.text("from") : by;
 }
 
 void RunModelBuilder::waited(const TraceLine& line, const std::string& what,

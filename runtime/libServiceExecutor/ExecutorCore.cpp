@@ -218,6 +218,7 @@ void ExecutorCore::traceFirst(const Envelope& envelope) {
       .forService(channelName_)
       .with(TraceKey::Channel, channelName_)
       .with(TraceKey::From, envelope.from())
+      .with(TraceKey::By, Trace::servedByThisThread())
       .write();
 }
 

@@ -21,7 +21,8 @@ class ZERVA_EXPORT Trace {
   static bool on() { return on_.load(std::memory_order_relaxed); }
 
   /**
-   * Starts to write, to a new file; one that is there is replaced. Not beside `stop` or itself.
+   * Starts to write, to a new file; one that is there is replaced. Ends what was started before.
+   * Not beside `stop` or itself.
    *
    * @param path the file.
    * @param about what is traced, the directive file of a host.

@@ -44,11 +44,11 @@ constexpr std::array<std::string_view, 35> kKinds = {"trace",
                                                      "invokers_deleted"};
 static_assert(kKinds.size() == static_cast<std::size_t>(TraceKind::InvokersDeleted) + 1);
 
-constexpr std::array<std::string_view, 29> kKeys = {
-    "answer",  "bits", "body",    "channel",   "creator",    "duration", "error",  "events",
-    "file",    "for",  "from",    "interface", "interfaces", "kind",     "lazy",   "library",
-    "method",  "mode", "phase",   "pid",       "program",    "protocol", "symbol", "text",
-    "through", "type", "version", "wall",      "what"};
+constexpr std::array<std::string_view, 30> kKeys = {
+    "answer",  "bits",    "body", "by",      "channel",   "creator",    "duration", "error",
+    "events",  "file",    "for",  "from",    "interface", "interfaces", "kind",     "lazy",
+    "library", "method",  "mode", "phase",   "pid",       "program",    "protocol", "symbol",
+    "text",    "through", "type", "version", "wall",      "what"};
 static_assert(kKeys.size() == static_cast<std::size_t>(TraceKey::What) + 1);
 
 }  // namespace

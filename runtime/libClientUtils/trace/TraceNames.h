@@ -49,6 +49,7 @@ enum class TraceKey : std::uint8_t {
   Answer,
   Bits,
   Body,
+  By,
   Channel,
   Creator,
   Duration,

@@ -74,6 +74,7 @@ TraceWriter& TraceWriter::instance() {
 }
 
 std::string TraceWriter::start(const std::string& path, const std::string& about) {
+  stop();
   const int file =
       ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_APPEND, 0644);
   if (file < 0) return errorText(errno);

@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+
+#include "host/trace/Svg.h"
+#include "tests/host/trace/SvgPicture.h"
+
+namespace zerva {
+namespace {
+
+TEST(ATextInXml, HasItsSpecialCharactersEscaped) {
+  EXPECT_EQ(escapeXml("<a & \"b\">"), "&lt;a &amp; &quot;b&quot;&gt;");
+}
+
+TEST(ATextInXml, HasAReplacementForWhatXmlHasNoSignFor) {
+  EXPECT_EQ(escapeXml("a\x01\xFFz"), "a\xEF\xBF\xBD\xEF\xBF\xBDz");
+  EXPECT_EQ(escapeXml("\xC3\xA4"), "\xC3\xA4");
+}
+
+TEST(AShortenedText, IsTheTextWhenThatFits) { EXPECT_EQ(shortened("short", 10, 100), "short"); }
+
+TEST(AShortenedText, KeepsBeginningAndEndAndFits) {
+  const std::string text = shortened("/a/very/long/channel/name", 10, 80);
+  EXPECT_TRUE(text.starts_with("/a"));
+  EXPECT_TRUE(text.ends_with("me"));
+  EXPECT_LE(textWidth(text, 10), 80);
+}
+
+TEST(AShortenedText, CutsNoCharacterInTwo) {
+  const std::string text = shortened("\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4", 10, 35);
+  EXPECT_EQ(escapeXml(text), text);
+  EXPECT_EQ(text, "\xC3\xA4\xE2\x80\xA6\xC3\xA4");
+}
+
+TEST(AShortenedText, IsEmptyWhereNothingFits) { EXPECT_EQ(shortened("text", 10, 1), ""); }
+
+TEST(AnSvgPicture, IsWellFormedWhateverItsTexts) {
+  Svg sut;
+  sut.beginGroup("a", "<tip>\n& \"more\"");
+  sut.text(1, 2, "<text>&", "small", Anchor::Middle);
+  sut.rectangle(1, 2, 3, 4, "box", "\x02", 1);
+  sut.path("M 1 2 L 3 4", "line", "'tip'");
+  sut.endGroup();
+  const SvgPicture picture = SvgPicture::read(sut.document(100, 50, "a <title>", "", ""));
+  EXPECT_EQ(picture.width, 100);
+  ASSERT_EQ(picture.texts.size(), 1U);
+  EXPECT_EQ(picture.texts[0].text, "<text>&");
+}
+
+TEST(ANumberInAPicture, HasOneDecimalAtMost) {
+  EXPECT_EQ(Svg::number(1), "1");
+  EXPECT_EQ(Svg::number(1.26), "1.3");
+  EXPECT_EQ(Svg::number(-0.01), "0");
+}
+
+}  // namespace
+}  // namespace zerva

@@ -1,0 +1,215 @@
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+
+#include "tests/platform/RecordingSink.h"
+#include "tests/platform/Trace/TraceWorld.h"
+#include "tests/support/Concurrently.h"
+#include "tests/support/WaitUntil.h"
+
+namespace zerva {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ATrace : public TraceWorld {};
+
+void opened(const std::string& channel) {
+  TraceEvent(TraceKind::ChannelOpened).with(TraceKey::Channel, channel).write();
+}
+
+TEST_F(ATrace, IsOffUntilItIsStartedAndWhenItHasStopped) {
+  EXPECT_FALSE(Trace::on());
+  start();
+  EXPECT_TRUE(Trace::on());
+  Trace::stop();
+  EXPECT_FALSE(Trace::on());
+}
+
+TEST_F(ATrace, BeginsWithTheProcess) {
+  start();
+  const TraceLine first = lines().front();
+  EXPECT_EQ(first.event, "trace");
+  EXPECT_EQ(first.number("version"), 1);
+  EXPECT_EQ(first.number("pid"), ::getpid());
+  EXPECT_EQ(first.number("bits"), static_cast<std::int64_t>(sizeof(void*) * 8));
+  EXPECT_EQ(first.text("file"), "a.directives");
+}
+
+TEST_F(ATrace, HoldsAnEventWithItsFieldsAndItsThread) {
+  start();
+  const std::int64_t before = Trace::now();
+  opened("/one");
+  const std::int64_t after = Trace::now();
+  const auto events = lines("channel_opened");
+  ASSERT_THAT(events, SizeIs(1));
+  EXPECT_EQ(events[0].text("channel"), "/one");
+  EXPECT_EQ(events[0].thread, ::gettid());
+  EXPECT_GE(events[0].t, before);
+  EXPECT_LE(events[0].t, after);
+}
+
+TEST_F(ATrace, HoldsNamesOfAnyCharacters) {
+  start();
+  opened("a \"quoted\"\nline\\ with \t, \x01 and \xC3\xA4");
+  EXPECT_EQ(lines("channel_opened").at(0).text("channel"),
+            "a \"quoted\"\nline\\ with \t, \x01 and \xC3\xA4");
+}
+
+TEST_F(ATrace, CutsATextThatIsTooLongAndKeepsTheNumberBehindIt) {
+  start();
+  TraceEvent(TraceKind::LibraryOpened)
+      .with(TraceKey::Error, std::string(100000, 'x'))
+      .with(TraceKey::Duration, 42)
+      .write();
+  const auto events = lines("library_opened");
+  ASSERT_THAT(events, SizeIs(1));
+  EXPECT_GT(events[0].text("error").size(), 1000U);
+  EXPECT_EQ(events[0].number("duration"), 42);
+}
+
+TEST_F(ATrace, SaysForWhomTheThreadWorks) {
+  start();
+  Trace::workFor("/one", false);
+  opened("/a");
+  {
+    const TraceWorkScope nobody{{}};
+    opened("/b");
+  }
+  opened("/c");
+  TraceEvent(TraceKind::ChannelOpened).forService("/two").with(TraceKey::Channel, "/d").write();
+  const auto events = lines("channel_opened");
+  ASSERT_THAT(events, SizeIs(4));
+  EXPECT_EQ(events[0].service, "/one");
+  EXPECT_EQ(events[1].service, "");
+  EXPECT_EQ(events[2].service, "/one");
+  EXPECT_EQ(events[3].service, "/two");
+}
+
+TEST_F(ATrace, IsInTheFileSoonAlsoWhileItGoesOn) {
+  start();
+  opened("/one");
+  EXPECT_TRUE(waitUntil([&] { return readFile(path()).find("/one") != std::string::npos; }));
+  EXPECT_TRUE(Trace::on());
+}
+
+TEST_F(ATrace, IsInTheFileAtOnceWhenItIsFlushed) {
+  start();
+  opened("/one");
+  Trace::flush();
+  EXPECT_THAT(readFile(path()), HasSubstr("/one"));
+}
+
+TEST_F(ATrace, HoldsWhatManyThreadsDoOrTellsHowMuchIsMissing) {
+  constexpr std::size_t threads = 8;
+  constexpr int each = 2000;
+  start();
+  concurrently(threads, [&](std::size_t thread) {
+    for (int number = 0; number < each; ++number) {
+      opened(std::to_string(thread) + "/" + std::to_string(number));
+    }
+  });
+  std::size_t events = 0;
+  for (const TraceLine& line : lines()) {
+    if (line.event == "channel_opened") ++events;
+    if (line.event == "lost") events += static_cast<std::size_t>(line.number("events"));
+  }
+  EXPECT_EQ(events, threads * each);
+}
+
+TEST_F(ATrace, MayBeStoppedWhileThreadsGoOn) {
+  start();
+  std::atomic<bool> stopped{false};
+  std::thread busy([&] {
+    while (!stopped) {
+      if (Trace::on()) opened("/one");
+      Trace::called("/one", "Ifc", "method", Trace::begin(), {});
+    }
+  });
+  EXPECT_TRUE(waitUntil([&] { return readFile(path()).find("/one") != std::string::npos; }));
+  Trace::stop();
+  EXPECT_FALSE(readTraceFile(path()).empty());
+  stopped = true;
+  busy.join();
+}
+
+TEST_F(ATrace, MayBeStartedAgainToANewFile) {
+  start();
+  opened("/one");
+  Trace::called("/one", "Ifc", "method", Trace::begin(), {});
+  start();
+  Trace::stop();
+  start();
+  opened("/two");
+  EXPECT_THAT(lines("calls"), IsEmpty());
+  EXPECT_EQ(lines("channel_opened").at(0).text("channel"), "/two");
+}
+
+TEST_F(ATrace, ToAFileThatCannotBeOpenedDoesNotBegin) {
+  EXPECT_THAT(Trace::start((directory.path() / "none" / "trace").string(), ""),
+              HasSubstr("No such file"));
+  EXPECT_FALSE(Trace::on());
+}
+
+// /dev/full takes no byte, as a disk that is full.
+TEST_F(ATrace, OfAFullDiskEndsIsToldOnceAndDisturbsNobody) {
+  const RecordingSink log("Trace");
+  ASSERT_EQ(Trace::start("/dev/full", ""), "");
+  EXPECT_TRUE(waitUntil([] { return !Trace::on(); }));
+  opened("/one");
+  Trace::flush();
+  Trace::stop();
+  ASSERT_THAT(log.texts(), SizeIs(1));
+  EXPECT_THAT(log.texts()[0], HasSubstr("the trace '/dev/full' ends here: No space left"));
+}
+
+TEST_F(ATrace, CountsCallsAndTellsHowLongTheyTook) {
+  start();
+  for (int call = 0; call < 100; ++call) {
+    Trace::called("/callee", "Ifc", "method", Trace::now() - 1000000, call < 3 ? "failed" : "");
+  }
+  const auto calls = lines("calls");
+  ASSERT_THAT(calls, SizeIs(1));
+  EXPECT_EQ(calls[0].text("channel"), "/callee");
+  EXPECT_EQ(calls[0].text("interface"), "Ifc");
+  EXPECT_EQ(calls[0].text("method"), "method");
+  EXPECT_EQ(calls[0].number("count"), 100);
+  EXPECT_EQ(calls[0].number("failures"), 3);
+  EXPECT_GE(calls[0].number("total"), 100000000);
+  std::uint64_t timed = 0;
+  for (const auto& [last, count] : calls[0].times) {
+    EXPECT_GE(last, 1000000);
+    timed += count;
+  }
+  EXPECT_EQ(timed, 100U);
+}
+
+TEST_F(ATrace, HoldsTheSingleCallsOfAServiceThatIsComingUpOnly) {
+  start();
+  Trace::workFor("/one", true);
+  Trace::called("/callee", "Ifc", "first", Trace::begin(), "it failed");
+  Trace::workFor("/one", false);
+  Trace::called("/callee", "Ifc", "second", Trace::begin(), {});
+  const auto calls = lines("call");
+  ASSERT_THAT(calls, SizeIs(1));
+  EXPECT_EQ(calls[0].service, "/one");
+  EXPECT_EQ(calls[0].text("method"), "first");
+  EXPECT_EQ(calls[0].text("error"), "it failed");
+}
+
+TEST_F(ATrace, CallsTheTellingOfAnInterfaceToTheRegistryAnAnnouncement) {
+  start();
+  Trace::workFor("/one", true);
+  Trace::called("/zerva/serviceregistry", "ServiceRegistryIfc", "registerInterface", Trace::begin(),
+                {});
+  const auto announcements = lines("announcement");
+  ASSERT_THAT(announcements, SizeIs(1));
+  EXPECT_EQ(announcements[0].service, "/one");
+  EXPECT_THAT(lines("call"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace zerva
