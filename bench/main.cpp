@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
                     {"call-processes", "calls between processes", &callProcesses},
                     {"payload", "64 KiB between processes", &payload},
                     {"interceptors", "messages that somebody sees", &interceptors},
+                    {"tracing", "what a point of the trace costs", &tracing},
                     {"capacity", "as many services as a process holds", &capacity},
                     {"growth", "how cost grows with the number of services", &growth}});
 }

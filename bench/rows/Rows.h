@@ -18,6 +18,7 @@ void pipelined(Bench& bench);
 void callProcesses(Bench& bench);
 void payload(Bench& bench);
 void interceptors(Bench& bench);
+void tracing(Bench& bench);
 void capacity(Bench& bench);
 void growth(Bench& bench);
 

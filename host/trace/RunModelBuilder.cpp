@@ -142,6 +142,7 @@ void RunModelBuilder::declared(const TraceLine& line) {
   run.library = line.text("library");
   run.kind = line.text("kind");
   run.declared = line.t;
+  if (const auto before = up_.find(line.thread); before != up_.end()) end(line, before->second);
   latest_[line.service] = model_.services.size();
   model_.services.push_back(std::move(run));
   up_[line.thread] = {model_.services.size() - 1, std::nullopt, 0, false};

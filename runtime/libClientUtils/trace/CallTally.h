@@ -12,6 +12,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "framework/Export.h"
+
 namespace zerva {
 
 /** Who called what. */
@@ -39,7 +41,7 @@ struct CallFigures {
  * Counts the calls of a process, however many they are, in a room that does not depend on how many.
  * Any thread may call any operation.
  */
-class CallTally {
+class ZERVA_EXPORT CallTally {
  public:
   /** Counts a call. @returns false when there are too many different ones already. */
   bool add(unsigned which, const CallKey& key, std::int64_t duration, bool failed);

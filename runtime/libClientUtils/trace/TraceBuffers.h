@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/Export.h"
+
 namespace zerva {
 
 /**
@@ -15,7 +17,7 @@ namespace zerva {
  * at one; they do not grow. Any thread may call any operation; none waits for more than the copying
  * of a record.
  */
-class TraceBuffers {
+class ZERVA_EXPORT TraceBuffers {
  public:
   static constexpr std::size_t kBuffers = 8;
   static constexpr std::size_t kBytes = std::size_t{64} * 1024;

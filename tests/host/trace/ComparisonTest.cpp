@@ -80,7 +80,7 @@ TEST(AComparisonOfStarts, DoesNotCountServicesThatTheOtherFileDoesNotHave) {
 
 TEST(AComparisonOfStarts, IsTold) {
   const std::string text = comparisonText(compareStarts(with(20), with(30), {}));
-  EXPECT_THAT(text, HasSubstr("/one               24.0 ms    34.0 ms    +41.7 %  slower\n"));
+  EXPECT_THAT(text, HasSubstr("/one                24.0 ms    34.0 ms    +41.7 %  slower\n"));
   EXPECT_THAT(text, HasSubstr("Something became slower by more than 10 % and 1.00 ms\n"));
   EXPECT_THAT(comparisonText(compareStarts(with(20), with(20), {})),
               HasSubstr("Nothing became slower"));

@@ -45,9 +45,9 @@ TraceText aThousandServices() {
   for (int number = 0; number < 1000; ++number) {
     const std::string name =
         "/a/rather/long/name/of/a/channel/of/service/number/" + std::to_string(number);
-    text.immediate(10 * number, name, 1 + number % 7);
+    text.immediate(20 * number, name, 1 + number % 7);
   }
-  return text.running(10010);
+  return text.running(20010);
 }
 
 TEST(ATimeline, HasARowForTheHostAndOneForEachServiceInTheOrderOfTheFile) {

@@ -54,7 +54,7 @@ RunModel TraceText::run() const {
 }
 
 std::string traceFile(const std::string& name) {
-  return std::string(ZERVA_SOURCE_DIRECTORY) + "/tests/host/trace/files/" + name;
+  return ZERVA_SOURCE_DIRECTORY "/tests/host/trace/files/" + name;
 }
 
 }  // namespace zerva

@@ -25,7 +25,7 @@ using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::SizeIs;
 
-const std::string kBin = std::string(ZERVA_BUILD_DIRECTORY) + "/bin";
+const std::string kBin = ZERVA_BUILD_DIRECTORY "/bin";
 
 class ATracedRun : public testing::Test {
  protected:
@@ -193,7 +193,7 @@ TEST_F(ATracedRun, OnAFullDiskLosesTheTraceOnly) {
 }
 
 TEST_F(ATracedRun, ThatBecameSlowerIsToldByTheExitCode) {
-  const std::string files = std::string(ZERVA_SOURCE_DIRECTORY) + "/tests/host/trace/files/";
+  const std::string files = ZERVA_SOURCE_DIRECTORY "/tests/host/trace/files/";
   EXPECT_EQ(zerva({"diff", files + "harbour.jsonl", files + "weather.jsonl"}), 1);
   EXPECT_THAT(output, HasSubstr("Something became slower"));
 }
@@ -207,7 +207,7 @@ TEST_F(ATracedRun, WhoseTraceCannotBeReadIsToldByTheExitCode) {
 }
 
 TEST_F(ATracedRun, WhosePictureCannotBeWrittenIsToldByTheExitCode) {
-  const std::string files = std::string(ZERVA_SOURCE_DIRECTORY) + "/tests/host/trace/files/";
+  const std::string files = ZERVA_SOURCE_DIRECTORY "/tests/host/trace/files/";
   EXPECT_EQ(zerva({"timeline", files + "weather.jsonl", "-o", file("none/a.svg")}), 2);
   EXPECT_THAT(errors, HasSubstr("cannot write"));
 }

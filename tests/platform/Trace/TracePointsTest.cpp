@@ -22,11 +22,11 @@ using testing::SizeIs;
 
 class TheTracedPlatform : public TraceWorld {};
 
-std::string registryLibrary() { return std::string(ZERVA_LIBRARIES) + "/libServiceRegistry.so"; }
+constexpr const char* kRegistryLibrary = ZERVA_LIBRARIES "/libServiceRegistry.so";
 
 TEST_F(TheTracedPlatform, TellsOfALibraryThatIsOpenedAndClosed) {
   start();
-  { const Dll library(registryLibrary()); }
+  { const Dll library(kRegistryLibrary); }
   const auto all = lines();
   ASSERT_THAT(all, SizeIs(3));
   EXPECT_EQ(all[1].event, "library_opened");
@@ -47,7 +47,7 @@ TEST_F(TheTracedPlatform, TellsWhyALibraryCannotBeOpened) {
 TEST_F(TheTracedPlatform, TellsOfSymbolsFoundAndNotFound) {
   start();
   {
-    Dll library(registryLibrary());
+    Dll library(kRegistryLibrary);
     library.symbol("createServiceRegistry");
     library.symbol("createNothing");
   }
