@@ -115,6 +115,30 @@ TEST(TheCommandLine, TakesSeveralLibraryDirectoriesInOrder) {
               ElementsAre("b", "a"));
 }
 
+TEST(TheCommandLine, TakesTheTracesFile) {
+  EXPECT_EQ(options({"run", "a"}).trace, "");
+  EXPECT_EQ(options({"run", "a", "--trace", "t-%p.jsonl"}).trace, "t-%p.jsonl");
+}
+
+TEST(TheCommandLine, TakesTheVerbsThatReadTraces) {
+  const auto isVerb = [](const std::vector<const char*>& words) {
+    return std::holds_alternative<Verb>(read(words));
+  };
+  EXPECT_TRUE(isVerb({"timeline", "t", "-o", "a.svg"}));
+  EXPECT_TRUE(isVerb({"timeline", "t", "--json"}));
+  EXPECT_TRUE(isVerb({"graph", "t", "u", "--registry"}));
+  EXPECT_TRUE(isVerb({"diff", "t", "u", "--max-regress", "12.5%", "--noise", "0.5"}));
+  EXPECT_TRUE(isVerb({"advise", "t", "u", "--soon", "100"}));
+}
+
+TEST(TheCommandLine, RefusesWhatIsNoUseOfTheVerbsThatReadTraces) {
+  EXPECT_EQ(code({"timeline"}), ExitCode::Usage);
+  EXPECT_EQ(code({"timeline", "t", "--json", "--trace-events"}), ExitCode::Usage);
+  EXPECT_EQ(code({"diff", "t"}), ExitCode::Usage);
+  EXPECT_EQ(code({"diff", "t", "u", "--max-regress", "much"}), ExitCode::Usage);
+  EXPECT_EQ(code({"diff", "t", "u", "--noise", "-1"}), ExitCode::Usage);
+}
+
 TEST(TheCommandLine, NeedsAVerb) {
   EXPECT_EQ(code({}), ExitCode::Usage);
   EXPECT_EQ(code({"walk"}), ExitCode::Usage);
@@ -133,8 +157,9 @@ TEST(TheCommandLine, EndsWellAfterHelpAndVersion) {
 }
 
 TEST(TheHelp, ListsEveryExitCode) {
-  for (int number = 0; number <= static_cast<int>(ExitCode::NoLogFile); ++number) {
-    EXPECT_THAT(describeExitCodes(), HasSubstr("\n  " + std::to_string(number) + "  "));
+  for (int number = 0; number <= static_cast<int>(ExitCode::NoTraceFile); ++number) {
+    const std::string blank = number < 10 ? " " : "";
+    EXPECT_THAT(describeExitCodes(), HasSubstr("\n " + blank + std::to_string(number) + "  "));
   }
 }
 

@@ -105,6 +105,41 @@ TEST(AConfiguratorLine, ThatLacksFields_IsToldApart) {
             Kind::IncompleteLine);
 }
 
+TEST(AConfiguratorLine, ThatRecordsWhereAProxyIs_GivesItsFields) {
+  const auto sut = readConfiguratorLine(5, "Reg Proxy. Lib: l.so Creator: c Ifc: AProt: p");
+  EXPECT_EQ(sut.kind, Kind::Record);
+  EXPECT_EQ(sut.role, "proxy");
+  EXPECT_EQ(sut.library, "l.so");
+  EXPECT_EQ(sut.creator, "c");
+  EXPECT_EQ(sut.interfaces, "A");
+  EXPECT_EQ(sut.protocol, "p");
+}
+
+TEST(AConfiguratorLine, ThatRecordsWhereAnInvokerIs_SaysSo) {
+  const auto sut = readConfiguratorLine(5, "Reg Invoker. Lib: l.so Creator: c Ifc: AProt: p");
+  EXPECT_EQ(sut.kind, Kind::Record);
+  EXPECT_EQ(sut.role, "invoker");
+}
+
+TEST(AConfiguratorLine, OfALookup_SaysWhatIsLookedFor) {
+  const auto service = readConfiguratorLine(5, "findService called for interface: A");
+  EXPECT_EQ(service.kind, Kind::Lookup);
+  EXPECT_EQ(service.role, "service");
+  EXPECT_EQ(service.interfaces, "A");
+  const auto proxy =
+      readConfiguratorLine(5, "ServiceConfigurator::findProxy( interface='A' svcChannel='/a'");
+  EXPECT_EQ(proxy.kind, Kind::Lookup);
+  EXPECT_EQ(proxy.role, "proxy");
+  EXPECT_EQ(proxy.interfaces, "A");
+  EXPECT_EQ(proxy.channel, "/a");
+  const auto invoker =
+      readConfiguratorLine(5, "findInvoker called for interface & protocol: A,p sem=0x1");
+  EXPECT_EQ(invoker.kind, Kind::Lookup);
+  EXPECT_EQ(invoker.role, "invoker");
+  EXPECT_EQ(invoker.interfaces, "A");
+  EXPECT_EQ(invoker.protocol, "p");
+}
+
 TEST(AConfiguratorLine, OfAnotherKind_IsOther) {
   EXPECT_EQ(readConfiguratorLine(5, "anything").kind, Kind::Other);
   EXPECT_EQ(readConfiguratorLine(2, "").kind, Kind::Other);

@@ -121,6 +121,44 @@ TEST_F(AnObservingRepository, DeletesBeforeItTells) {
   sut.deleteAllServices();
 }
 
+/** One that wants to know of proxies and invokers, too. */
+class CuriousObserver : public ObserverMock {
+ public:
+  MOCK_METHOD(void, proxyAdded, (const std::string&, const ProxyRequest*, const CommsChannelIfc*),
+              (override));
+  MOCK_METHOD(void, invokerAdded, (const std::string&, const std::string&), (override));
+  MOCK_METHOD(void, proxiesDeleted, (), (override));
+  MOCK_METHOD(void, invokersDeleted, (), (override));
+};
+
+TEST_F(AnObservingRepository, TellsOfProxiesAndInvokersWhoWantsToKnow) {
+  StrictMock<CuriousObserver> curious;
+  sut.addObserver(curious);
+  const InSequence order;
+  EXPECT_CALL(repository, addServiceProxy(proxy, dll, channel, request, Ref(first)));
+  EXPECT_CALL(curious, proxyAdded("first", request, channel));
+  sut.addServiceProxy(proxy, dll, channel, request, first);
+  EXPECT_CALL(repository, addServiceInvoker(invoker, dll, Ref(first), Ref(second)));
+  EXPECT_CALL(curious, invokerAdded("first", "second"));
+  sut.addServiceInvoker(invoker, dll, first, second);
+  EXPECT_CALL(repository, deleteAllServiceInvokers());
+  EXPECT_CALL(curious, invokersDeleted());
+  sut.deleteAllServiceInvokers();
+  EXPECT_CALL(repository, deleteAllServiceProxies());
+  EXPECT_CALL(curious, proxiesDeleted());
+  sut.deleteAllServiceProxies();
+}
+
+TEST_F(AnObservingRepository, TellsEveryObserverInTheOrderOfAdding) {
+  StrictMock<CuriousObserver> curious;
+  sut.addObserver(curious);
+  const InSequence order;
+  EXPECT_CALL(repository, shutdownAllServices());
+  EXPECT_CALL(observer, stopped());
+  EXPECT_CALL(curious, stopped());
+  sut.shutdownAllServices();
+}
+
 TEST_F(AnObservingRepository, HandsTheOtherDeletionsOn) {
   EXPECT_CALL(repository, deleteAllServiceInvokers());
   sut.deleteAllServiceInvokers();
