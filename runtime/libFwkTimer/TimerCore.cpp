@@ -11,6 +11,7 @@
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 
 namespace zerva {
 
@@ -222,7 +223,12 @@ bool TimerCore::needThread(std::unique_lock<std::mutex>& lock) {
   threadStarted_ = true;
   lock.unlock();
   unsigned long threadId = 0;
-  const bool started = Threader().spawn(&threadId, &thread_, "timer", THREAD_PRIORITY_NORMAL, 0);
+  bool started = false;
+  {
+    // The thread is for all timers, whoever made the first one.
+    const zerva::TraceWorkScope nobody{{}};
+    started = Threader().spawn(&threadId, &thread_, "timer", THREAD_PRIORITY_NORMAL, 0);
+  }
   lock.lock();
   threadStarted_ = started;
   if (!started) {

@@ -23,6 +23,8 @@ struct TracedThread {
   /** For whom it works when it serves nobody; null for nobody in particular. */
   const std::string* service = nullptr;
   bool comingUp = false;
+  /** Whether that holds also while it serves somebody. */
+  bool inScope = false;
 };
 
 constinit thread_local TracedThread tracedThread;
@@ -87,7 +89,7 @@ bool Trace::worksForOneComingUp() { return tracedThread.comingUp; }
 
 std::string_view Trace::servedByThisThread() {
   const Serving* const serving = servingThread().serving;
-  if (serving != nullptr) return serving->channelName();
+  if (serving != nullptr && !tracedThread.inScope) return serving->channelName();
   const std::string* const service = tracedThread.service;
   return service == nullptr ? std::string_view() : *service;
 }
@@ -106,13 +108,17 @@ void Trace::called(std::string_view channel, std::string_view interface, std::st
 }
 
 TraceWorkScope::TraceWorkScope(const std::string& service)
-    : before_(tracedThread.service), comingUp_(tracedThread.comingUp) {
+    : before_(tracedThread.service),
+      comingUp_(tracedThread.comingUp),
+      inScope_(tracedThread.inScope) {
   Trace::workFor(service, false);
+  tracedThread.inScope = true;
 }
 
 TraceWorkScope::~TraceWorkScope() {
   tracedThread.service = before_;
   tracedThread.comingUp = comingUp_;
+  tracedThread.inScope = inScope_;
 }
 
 TraceEvent::TraceEvent(TraceKind kind) : t_(Trace::now()), record_(headerNow(kind, t_)) {}

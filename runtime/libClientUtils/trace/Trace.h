@@ -68,7 +68,10 @@ class ZERVA_EXPORT Trace {
   static std::atomic<bool> on_;
 };
 
-/** While it lives, the calling thread works for another service, or for nobody. */
+/**
+ * While it lives, the calling thread works for another service, or for nobody, also when it serves
+ * a request.
+ */
 class ZERVA_EXPORT TraceWorkScope {
  public:
   /** @param service empty for nobody in particular; as for `Trace::workFor`. */
@@ -80,6 +83,7 @@ class ZERVA_EXPORT TraceWorkScope {
  private:
   const std::string* const before_;
   const bool comingUp_;
+  const bool inScope_;
 };
 
 }  // namespace zerva

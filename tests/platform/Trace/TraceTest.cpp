@@ -3,6 +3,7 @@
 #include <atomic>
 #include <thread>
 
+#include "runtime/libClientUtils/ServingThread.h"
 #include "tests/platform/RecordingSink.h"
 #include "tests/platform/Trace/TraceWorld.h"
 #include "tests/support/Concurrently.h"
@@ -87,6 +88,35 @@ TEST_F(ATrace, SaysForWhomTheThreadWorks) {
   EXPECT_EQ(events[1].service, "");
   EXPECT_EQ(events[2].service, "/one");
   EXPECT_EQ(events[3].service, "/two");
+}
+
+/** An executor that a thread serves for. */
+class ServedChannel final : public Serving {
+ public:
+  void waitBegins(const std::shared_ptr<Parker>&) override {}
+  void waitEnds(const std::shared_ptr<Parker>&) override {}
+  bool isShutDown() override { return false; }
+  bool serveNext(const CallChain&) override { return false; }
+  std::string_view channelName() const override { return "/served"; }
+};
+
+TEST_F(ATrace, TakesWhoIsServedForTheOneThatTheThreadWorksFor) {
+  ServedChannel served;
+  const CallChain chain;
+  start();
+  Trace::workFor("/one", false);
+  {
+    const ServingScope serving(&served, chain);
+    opened("/a");
+    const TraceWorkScope nobody{{}};
+    opened("/b");
+  }
+  opened("/c");
+  const auto events = lines("channel_opened");
+  ASSERT_THAT(events, SizeIs(3));
+  EXPECT_EQ(events[0].service, "/served");
+  EXPECT_EQ(events[1].service, "");
+  EXPECT_EQ(events[2].service, "/one");
 }
 
 TEST_F(ATrace, IsInTheFileSoonAlsoWhileItGoesOn) {
