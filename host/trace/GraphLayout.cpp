@@ -204,14 +204,14 @@ class Placing {
 
   void findColumns() {
     double x = 0;
-    for (std::size_t layer = 0; layer < columns_.size(); ++layer) {
+    for (const auto& column : columns_) {
       double width = 0;
-      for (const std::size_t spot : columns_[layer]) {
+      for (const std::size_t spot : column) {
         width = std::max(width, spots_[spot].width);
       }
       lefts_.push_back(x);
       widths_.push_back(width);
-      for (const std::size_t spot : columns_[layer]) {
+      for (const std::size_t spot : column) {
         if (!spots_[spot].box) continue;
         LayoutBox& box = layout_.boxes[*spots_[spot].box];
         box.x = x + (width - box.width) / 2;
