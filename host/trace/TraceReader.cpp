@@ -65,15 +65,17 @@ std::int64_t TraceLine::number(const std::string& name) const {
 
 std::vector<TraceLine> readTrace(std::istream& in, const std::string& name) {
   std::vector<TraceLine> lines;
-  std::string text;
-  for (unsigned long number = 1; std::getline(in, text); ++number) {
+  std::string read;
+  for (unsigned long number = 1; std::getline(in, read); ++number) {
     const bool cut = in.eof();
     const auto fail = [&](const std::string& why) {
-      throw TraceError(name + ":" + std::to_string(number) + ": error: " + why);
+      std::string text = name;
+      text.append(":").append(std::to_string(number)).append(": error: ").append(why);
+      throw TraceError(text);
     };
     std::optional<TraceLine> line;
     try {
-      line = readLine(text);
+      line = readLine(read);
     } catch (const Json::exception& error) {
       if (cut) break;
       fail(std::string("this is no line of a trace: ") + error.what());
