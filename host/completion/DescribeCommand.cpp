@@ -42,7 +42,9 @@ CommandDescription describeCommand(const CLI::App& app) {
       command.words.push_back(kindOf(*option));
     }
   }
-  for (const CLI::App* below : app.get_subcommands([](const CLI::App*) { return true; })) {
+  // One without a group is for the program itself; no help names it.
+  for (const CLI::App* below :
+       app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); })) {
     command.commands.push_back(describeCommand(*below));
   }
   return command;

@@ -84,7 +84,9 @@ void addTimeline(CLI::App& app, Verb& chosen) {
   CLI::App* verb = app.add_subcommand(
       "timeline", "Draw a trace's start and stop: a row for each service, as an SVG picture");
   verb->footer(kExitCodes);
-  verb->add_option("TRACE", options->trace, "What `run --trace` wrote")->required();
+  verb->add_option("TRACE", options->trace, "What `run --trace` wrote")
+      ->required()
+      ->type_name("FILE");
   addOutput(*verb, options->output);
   CLI::Option* json = verb->add_flag("--json", options->json, "JSON instead of a picture");
   verb->add_flag("--trace-events", options->traceEvents,
@@ -116,7 +118,8 @@ void addGraph(CLI::App& app, Verb& chosen) {
       "graph", "Draw who called whom, in one process or several, as an SVG picture");
   verb->footer(kExitCodes);
   verb->add_option("TRACE", options->traces, "What `run --trace` wrote, one for each process")
-      ->required();
+      ->required()
+      ->type_name("FILE");
   addOutput(*verb, options->output);
   verb->add_flag("--registry", options->registry, "With the calls of the service registry");
   verb->add_flag("--json", options->json, "JSON instead of a picture");
@@ -165,8 +168,12 @@ void addDiff(CLI::App& app, Verb& chosen) {
   CLI::App* verb =
       app.add_subcommand("diff", "Compare two starts, and fail when one became slower");
   verb->footer(kDiffExitCodes);
-  verb->add_option("BEFORE", options->before, "The trace of the start as it was")->required();
-  verb->add_option("AFTER", options->after, "The trace of the start as it is now")->required();
+  verb->add_option("BEFORE", options->before, "The trace of the start as it was")
+      ->required()
+      ->type_name("FILE");
+  verb->add_option("AFTER", options->after, "The trace of the start as it is now")
+      ->required()
+      ->type_name("FILE");
   verb->add_option("--max-regress", options->percent,
                    "How much slower the start and each service may become; default: 10%")
       ->check(percentage(options->limits.percent));
@@ -198,7 +205,8 @@ void addAdvise(CLI::App& app, Verb& chosen) {
       "advise", "Say which services could be lazy, and which lazy ones should not be");
   verb->footer(kExitCodes);
   verb->add_option("TRACE", options->traces, "What `run --trace` wrote, one for each process")
-      ->required();
+      ->required()
+      ->type_name("FILE");
   addMilliseconds(*verb, "--at-least", options->limits.saving,
                   "What a change has to save for a service to be named; default: 0.1");
   addMilliseconds(*verb, "--soon", options->limits.soon,

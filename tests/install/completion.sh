@@ -65,6 +65,8 @@ offers there zerva run --lib-dir th
 [ "$(completed zerva run --lib-dir th)" = there ] || fail 'a file is offered as a directory'
 offers there.directives zerva run th
 [ -z "$(completed zerva run --for '')" ] || fail 'something is offered as a number'
+offers there.directives zerva timeline th
+[ -z "$(completed zerva load)" ] || fail 'what is for the program itself is offered'
 
 code=0
 "$zerva" completion csh >/dev/null 2>&1 || code=$?
