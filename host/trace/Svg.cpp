@@ -135,7 +135,10 @@ std::string Svg::document(double width, double height, std::string_view title,
 
 std::string Svg::number(double value) {
   std::array<char, 40> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%.1f", value);
+  // What lies half way between two tenths goes up, however the processor rounds what led to it.
+  constexpr double kNearly = 1e-6;
+  const double tenths = std::floor(value * 10 + 0.5 + kNearly);
+  const int length = std::snprintf(text.data(), text.size(), "%.1f", tenths / 10);
   std::string number(text.data(), static_cast<std::size_t>(length));
   if (number.ends_with(".0")) number.resize(number.size() - 2);
   return number == "-0" ? "0" : number;
