@@ -9,6 +9,7 @@
 #include "host/check/CheckCommand.h"
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
+#include "host/explain/ExplainCommand.h"
 #include "host/skeleton/NewService.h"
 #include "host/trace/TraceVerbs.h"
 
@@ -177,6 +178,7 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addRun(app, options);
   addCheck(app, verb);
   addLoadLibrary(app, verb);
+  addExplain(app, verb);
   addNew(app, newOptions, verb);
   addTraceVerbs(app, verb);
   addCompletion(app, shell, verb);

@@ -72,13 +72,11 @@ bool prepare(const CheckOptions& options, Surroundings& surroundings) {
   return true;
 }
 
-void lookIntoLibraries(CheckSubject& subject, Surroundings& surroundings) {
+void lookAtLibraries(CheckSubject& subject, Surroundings& surroundings) {
   if (!surroundings.tree) return;
-  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
-    if ((!line.isService() && !line.isRecord()) || line.library().empty()) return;
-    subject.libraries.push_back(lookIntoLibrary(file, line, *surroundings.tree));
-    if (surroundings.loader) surroundings.loader->load(subject.libraries.back());
-  });
+  lookIntoLibraries(subject, *surroundings.tree);
+  if (!surroundings.loader) return;
+  for (LibraryUse& use : subject.libraries) surroundings.loader->load(use);
 }
 
 /** The files that could be read: each for itself, or all of them in one. */
@@ -114,7 +112,7 @@ std::vector<Finding> findAll(const CheckOptions& options, std::deque<CheckSubjec
   for (CheckSubject& subject : subjects) {
     subject.lookedUp = surroundings.lookedUp;
     subject.programs = surroundings.programs ? &*surroundings.programs : nullptr;
-    lookIntoLibraries(subject, surroundings);
+    lookAtLibraries(subject, surroundings);
     for (Finding& finding : lookOver(subject)) {
       if (!options.ignored.contains(finding.code)) all.push_back(std::move(finding));
     }

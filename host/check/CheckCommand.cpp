@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "host/check/Check.h"
-#include "host/check/ElfFile.h"
 #include "host/check/LibraryLoad.h"
 #include "host/check/RuleTable.h"
+#include "host/check/TargetOptions.h"
 
 namespace zerva {
 namespace {
@@ -25,28 +25,11 @@ std::vector<std::string> codes() {
   return codes;
 }
 
-void addSurroundings(CLI::App& verb, CheckOptions& options) {
-  auto* bare = verb.add_flag_callback(
-      "--no-libraries", [&options] { options.libraries = false; },
-      "Look at the files only, not at the libraries and programs that they name");
-  repeatable(verb.add_option("--lib-dir", options.libraryDirectories,
-                             "Where libraries named without a slash are searched first, as for "
-                             "run; repeatable"),
-             "DIR");
-  auto* root = verb.add_option("--sysroot", options.root,
-                               "The files are for the machine whose tree is in this directory: "
-                               "every path, also that of --lib-dir, is one of that machine")
-                   ->type_name("DIR")
-                   ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
-  verb.add_option("--machine", options.machine,
-                  "The kind of that machine; default: that of the programs in its tree, or this "
-                  "one's")
-      ->type_name("KIND")
-      ->check(CLI::IsMember(elfKindNames()));
+void addLoad(CLI::App& verb, CheckOptions& options, const TargetOptions& target) {
   auto* load = verb.add_flag("--load", options.load,
                              "Open each library for real too, in a process of its own")
-                   ->excludes(root)
-                   ->excludes(bare);
+                   ->excludes(target.root)
+                   ->excludes(target.bare);
   verb.add_option_function<double>(
           "--load-timeout",
           [&options](double value) {
@@ -82,7 +65,7 @@ void addCheck(CLI::App& app, Verb& verb) {
                                  "The trace of a run: tell which interfaces nobody looked up in "
                                  "it; repeatable"),
              "FILE");
-  addSurroundings(*command, *options);
+  addLoad(*command, *options, addTargetOptions(*command, *options));
   auto* list =
       command->add_flag("--codes", options->listCodes, "List all that can be found, and end");
   command->callback([files, list, options, &verb] {

@@ -188,6 +188,13 @@ LibraryUse lookIntoLibrary(const CheckedFile& file, const ParsedLine& line,
   return use;
 }
 
+void lookIntoLibraries(CheckSubject& subject, const LibraryTree& tree) {
+  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+    if ((!line.isService() && !line.isRecord()) || line.library().empty()) return;
+    subject.libraries.push_back(lookIntoLibrary(file, line, tree));
+  });
+}
+
 std::vector<std::string> programAndLibraries(const std::string& program, const LibraryTree& tree) {
   const FoundLibrary* first = tree.read(program);
   // One that is linked with nothing, or in the older way, says nothing of what it has loaded.

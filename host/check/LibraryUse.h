@@ -6,6 +6,7 @@
 namespace zerva {
 
 struct CheckedFile;
+struct CheckSubject;
 class LibraryTree;
 class ParsedLine;
 
@@ -63,6 +64,9 @@ struct LibraryUse {
  */
 LibraryUse lookIntoLibrary(const CheckedFile& file, const ParsedLine& line,
                            const LibraryTree& tree);
+
+/** Looks into the libraries of all lines that name one, and keeps what is known of them there. */
+void lookIntoLibraries(CheckSubject& subject, const LibraryTree& tree);
 
 /**
  * @param program a program of the tree's machine.

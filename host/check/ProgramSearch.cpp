@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 #include <utility>
@@ -12,6 +13,7 @@
 namespace zerva {
 namespace {
 
+/** The better it is, the further behind. */
 enum class Program { Missing, NotExecutable, Good };
 
 Program look(const std::string& path) {
@@ -31,22 +33,32 @@ ProgramSearch::ProgramSearch(std::string root, const std::string& path) : root_(
   }
 }
 
+std::vector<std::string> ProgramSearch::places(const std::string& program) const {
+  if (program.find('/') != std::string::npos) return {program};
+  std::vector<std::string> paths;
+  for (const std::string& directory : directories_) {
+    paths.push_back(directory);
+    paths.back() += "/" + program;
+  }
+  return paths;
+}
+
+std::string ProgramSearch::find(const std::string& program) const {
+  for (const std::string& path : places(program)) {
+    if (look(rootedPath(root_, path)) == Program::Good) return path;
+  }
+  return {};
+}
+
 std::string ProgramSearch::whyNot(const std::string& program) const {
   Program best = Program::Missing;
-  if (program.find('/') != std::string::npos) {
-    best = look(rootedPath(root_, program));
-    if (best == Program::Missing) return "is not there";
-  } else {
-    for (const std::string& directory : directories_) {
-      std::string path = directory;
-      path += "/" + program;
-      const Program found = look(rootedPath(root_, path));
-      if (found == Program::Good) return {};
-      if (found == Program::NotExecutable) best = found;
-    }
-    if (best == Program::Missing) return "is in none of the directories of PATH";
+  for (const std::string& path : places(program)) {
+    best = std::max(best, look(rootedPath(root_, path)));
   }
-  return best == Program::Good ? "" : "is no file that can be executed";
+  if (best == Program::Good) return {};
+  if (best == Program::NotExecutable) return "is no file that can be executed";
+  const bool isPath = program.find('/') != std::string::npos;
+  return isPath ? "is not there" : "is in none of the directories of PATH";
 }
 
 std::vector<std::string> ProgramSearch::names() const {

@@ -14,6 +14,9 @@ class ProgramSearch {
    */
   ProgramSearch(std::string root, const std::string& path);
 
+  /** @returns the file that is started; empty when there is none. */
+  std::string find(const std::string& program) const;
+
   /** @returns why this program cannot be started; empty when it can be. */
   std::string whyNot(const std::string& program) const;
 
@@ -21,6 +24,8 @@ class ProgramSearch {
   std::vector<std::string> names() const;
 
  private:
+  std::vector<std::string> places(const std::string& program) const;
+
   std::string root_;
   std::vector<std::string> directories_;
 };
