@@ -14,13 +14,16 @@
 namespace zerva {
 namespace {
 
-bool isTooLong(const ParsedLine& line) { return line.line().length > longestDirectiveLine; }
+/** Whether reading goes on behind this line for ever, and is not broken off in it. */
+bool hangs(const ParsedLine& line) {
+  return line.line().length > longestDirectiveLine && !line.breaksOff();
+}
 
 /** The line that ends the start, or lets it hang. `zerva run` looks for these before it starts. */
 LineExplanation explainEnd(const ParsedLine& line) {
   const std::string refused =
       "`zerva run` refuses the file because of this line, and starts nothing.";
-  if (isTooLong(line)) {
+  if (hangs(line)) {
     return {&line,
             Outcome::Failed,
             "hangs the start: it is too long",
@@ -41,13 +44,12 @@ LineExplanation explainEnd(const ParsedLine& line) {
 }
 
 LineExplanation explainNotRead(const ParsedLine& line, const ParsedLine& end) {
-  return {
-      &line,
-      Outcome::NotRead,
-      "is not read: " + lineNumber(end) + (isTooLong(end) ? " hangs the start" : " ends the start"),
-      {},
-      {},
-      {}};
+  return {&line,
+          Outcome::NotRead,
+          "is not read: " + lineNumber(end) + (hangs(end) ? " hangs the start" : " ends the start"),
+          {},
+          {},
+          {}};
 }
 
 LineExplanation explainLine(const ParsedLine& line, const Outlook& outlook) {

@@ -80,5 +80,39 @@ INSTANTIATE_TEST_SUITE_P(File, AnExplainedCase, testing::ValuesIn(caseNames()),
                            return name;
                          });
 
+/** The configurator's sources in one text, with literals that follow each other joined. */
+std::string configuratorsTexts() {
+  std::string all;
+  for (const auto& entry :
+       fs::recursive_directory_iterator(fs::path(ZERVA_SOURCE_DIRECTORY) / "src")) {
+    if (entry.is_regular_file()) all += readFile(entry.path());
+  }
+  std::string joined;
+  for (std::size_t at = 0; at < all.size(); ++at) {
+    const std::size_t next = all.find_first_not_of(" \n", at + 1);
+    const bool split = all[at] == '"' && next != std::string::npos && all[next] == '"';
+    if (split) at = next;
+    if (!split) joined += all[at];
+  }
+  return joined;
+}
+
+// Whoever looks for a quoted text in the log has to find it there.
+TEST(TheCases, QuoteTheLogAsTheConfiguratorWritesIt) {
+  const std::string texts = configuratorsTexts();
+  std::size_t found = 0;
+  for (const std::string& name : caseNames()) {
+    if (readFile(cases / name / "arguments").find("--json") != std::string::npos) continue;
+    std::istringstream parts(readFile(cases / name / "expected"));
+    std::string part;
+    for (bool quoted = false; std::getline(parts, part, '"'); quoted = !quoted) {
+      if (!quoted) continue;
+      ++found;
+      EXPECT_NE(texts.find(part), std::string::npos) << name << ": " << part;
+    }
+  }
+  EXPECT_GT(found, 0U);
+}
+
 }  // namespace
 }  // namespace zerva

@@ -46,6 +46,13 @@ TEST(AnExplainedFile, IsNotReadBehindALineThatIsTooLong) {
   EXPECT_EQ(sut.lines.at(1).title, "is not read: line 1 hangs the start");
 }
 
+TEST(AnExplainedFile, IsBrokenOffInALineThatIsTooLongAndHasTooFewFields) {
+  const ExplainedFile file("start_process: MT " + std::string(511, 'x') + "\n" + service);
+  const FileExplanation sut = explainFile(file.subject);
+  EXPECT_EQ(sut.lines.at(0).title, "ends the start: MT needs four fields behind it");
+  EXPECT_EQ(sut.lines.at(1).title, "is not read: line 1 ends the start");
+}
+
 TEST(AnExplainedFile, SaysOfTheLineThatEndsTheStartOnlyWhyItDoes) {
   const ExplainedFile file("service_info: libA.so createA /a " + std::string(500, 'x') + " A A\n" +
                            "service_info: libA.so createA /a AIfc AIfc\n");
