@@ -20,6 +20,6 @@ std::variant<std::vector<LineExplanation>, std::string> selectLines(const FileEx
                                                                     const std::string& wanted);
 
 /** @returns all that a line can be asked for by, besides its number. */
-std::vector<std::string> namesOf(const LineExplanation& line);
+std::vector<std::string> namesOf(const LineExplanation& explained);
 
 }  // namespace zerva
