@@ -6,6 +6,7 @@
 #include "framework/CommsChannelIfc.h"
 #include "framework/Service.h"
 #include "host/Report.h"
+#include "host/live/StatusBoard.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
 #include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
@@ -22,7 +23,8 @@ constexpr const char* notFinished = "its creation was not finished";
 
 }  // namespace
 
-BringUp::BringUp(Ledger& ledger, Report& report) : ledger_(ledger), report_(report) {
+BringUp::BringUp(Ledger& ledger, Report& report, StatusBoard& board)
+    : ledger_(ledger), report_(report), board_(board) {
   LogSettings::addSink(*this, configuratorModule, 5);
   LogSettings::addSink(*this, executorModule, 2);
 }
@@ -45,6 +47,7 @@ void BringUp::startEnds(const std::optional<std::string>& exception) {
   } else if (exception) {
     fail("the start", *exception);
   }
+  board_.startEnds();
 }
 
 void BringUp::settle() {
@@ -122,6 +125,7 @@ void BringUp::lineBegins(const ConfiguratorEvent& event, const std::string& mode
   step.creator = event.creator;
   const std::lock_guard lock(mutex_);
   step.service.mode = mode.empty() ? modeOf(step) : mode;
+  step.row = board_.begins(statusOf(step));
   steps_[std::this_thread::get_id()] = std::move(step);
 }
 
@@ -138,6 +142,7 @@ void BringUp::lazyLine(const ConfiguratorEvent& event) {
     step.service.mode = modeOf(step);
     lazyLines_.push_back(step);
   }
+  board_.isLazy(statusOf(step));
   report_.serviceAwaited(step.service);
 }
 
@@ -156,16 +161,17 @@ void BringUp::advance(const ConfiguratorEvent& event) {
   Step& step = found->second;
   // The proxies that a service looks up in its `init` bring libraries of their own.
   if (step.place) {
-    if (event.kind == Kind::CallingInit) step.phase = "init of " + step.service.type;
+    if (event.kind == Kind::CallingInit) advanceTo(step, "init of " + step.service.type);
     return;
   }
   if (event.kind == Kind::Opening) {
     step.service.library = event.library;
-    step.phase = "the opening of library " + event.library;
+    advanceTo(step, "the opening of library " + event.library);
   } else if (event.kind == Kind::Resolving) {
     step.creator = event.library;
+    if (step.lazy && !step.row) step.row = board_.lazyBegins(step.service.library, step.creator);
   } else if (event.kind == Kind::CallingCreator) {
-    step.phase = "creator " + step.creator + " of " + step.service.library;
+    advanceTo(step, "creator " + step.creator + " of " + step.service.library);
   }
 }
 
@@ -180,13 +186,20 @@ void BringUp::serviceAdded(const Service* service, const CommsChannelIfc* channe
   step.service.channel = channel == nullptr ? std::string() : channel->getName();
   if (step.lazy) step.service.mode = modeOf(step);
   // A legacy service goes straight to its `init`; the others are announced before.
-  step.phase = (channel == nullptr ? "init of " : "the announcement of ") + type;
+  if (!step.row) {
+    step.row = step.lazy ? board_.lazyRecorded(step.service.channel, interfaces)
+                         : board_.begins(statusOf(step));
+  }
+  if (step.row) board_.recorded(*step.row, type, step.service.mode);
+  advanceTo(step, (channel == nullptr ? "init of " : "the announcement of ") + type);
   step.place = ledger_.add(step.service);
 }
 
 void BringUp::initTook(const ConfiguratorEvent& event) {
   const std::optional<Step> step = takeStep();
-  if (step && step->place) report_.serviceUp(ledger_.markUp(*step->place), event.duration);
+  if (!step || !step->place) return;
+  if (step->row) board_.isUp(*step->row, event.duration);
+  report_.serviceUp(ledger_.markUp(*step->place), event.duration);
 }
 
 void BringUp::processStarted(const ConfiguratorEvent& event) {
@@ -202,6 +215,11 @@ void BringUp::fail(const std::string& what, const std::string& why) {
 
 void BringUp::fail(const Step& step, const std::string& why) {
   const std::string name = nameOf(step);
+  if (step.row) {
+    board_.failed(*step.row, why);
+  } else if (step.lazy) {
+    board_.lazyFailed(step.service.library, step.creator, why);
+  }
   if (step.lazy) {
     const std::lock_guard lock(mutex_);
     if (!failedLazily_.insert(name + why).second) return;
@@ -246,11 +264,28 @@ std::string BringUp::modeOf(const Step& step) const {
   return mode.empty() ? "lazy" : mode + ", lazy";
 }
 
+/** Called with the lock held. */
+void BringUp::advanceTo(Step& step, const std::string& phase) {
+  step.phase = phase;
+  if (step.row) board_.advances(*step.row, phase);
+}
+
+ServiceStatus BringUp::statusOf(const Step& step) {
+  ServiceStatus status;
+  status.interfaces = step.service.interfaces;
+  status.channel = step.service.channel;
+  status.library = step.service.library;
+  status.creator = step.creator;
+  status.mode = step.service.mode;
+  return status;
+}
+
 void BringUp::stopped() {
   for (const ServiceEntry& service : ledger_.markStopped()) report_.serviceStopped(service);
 }
 
 void BringUp::deleted() {
+  board_.deleted();
   for (const ServiceEntry& service : ledger_.markDeleted()) report_.serviceDeleted(service);
 }
 

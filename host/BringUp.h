@@ -18,6 +18,8 @@
 namespace zerva {
 
 class Report;
+class StatusBoard;
+struct ServiceStatus;
 
 /**
  * Follows a configurator at its work, by the lines that it logs and by what its repository is told,
@@ -29,8 +31,8 @@ class Report;
  */
 class BringUp final : public LogSink, public RepositoryObserver {
  public:
-  /** @param ledger and @param report not owned. */
-  BringUp(Ledger& ledger, Report& report);
+  /** @param ledger, @param report and @param board not owned. */
+  BringUp(Ledger& ledger, Report& report, StatusBoard& board);
   ~BringUp();
   BringUp(const BringUp&) = delete;
   BringUp& operator=(const BringUp&) = delete;
@@ -74,6 +76,8 @@ class BringUp final : public LogSink, public RepositoryObserver {
     std::string phase;
     /** Its place in the ledger, once it is recorded. */
     std::optional<std::size_t> place;
+    /** Its row on the board, once it is known which one that is. */
+    std::optional<std::size_t> row;
   };
 
   void take(const ConfiguratorEvent& event);
@@ -89,9 +93,12 @@ class BringUp final : public LogSink, public RepositoryObserver {
   std::optional<Step> takeStep();
   std::string nameOf(const Step& step) const;
   std::string modeOf(const Step& step) const;
+  void advanceTo(Step& step, const std::string& phase);
+  static ServiceStatus statusOf(const Step& step);
 
   Ledger& ledger_;
   Report& report_;
+  StatusBoard& board_;
 
   std::atomic<bool> starting_{false};
   std::atomic<bool> fileNotOpened_{false};

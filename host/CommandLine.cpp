@@ -97,6 +97,9 @@ void addRun(CLI::App& app, RunOptions& options) {
                   "is the process's id, and then processes that are started write one each, too; "
                   "default: ZERVA_TRACE of the environment")
       ->type_name("FILE");
+  run->add_flag("--status", options.status,
+                "Let status and watch see how it is, on the bus, and the hosts that it starts, "
+                "too; default: ZERVA_STATUS of the environment");
   repeatable(
       run->add_option("--lib-dir", options.libraryDirectories,
                       "Where libraries named without a slash are searched first; repeatable; "

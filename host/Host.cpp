@@ -44,7 +44,7 @@ std::string endOf(const StartedProcess& process) {
 
 Host::Host(Report& report)
     : report_(report),
-      bringUp_(ledger_, report_),
+      bringUp_(ledger_, report_, board_),
       repository_(recorded_, bringUp_),
       channel_("/zerva/host/" + std::to_string(getpid()), nullptr),
       askingChannel_(channel_),
@@ -90,7 +90,7 @@ StopResult Host::stop(std::chrono::milliseconds timeout) {
   enter(Phase::Stopping);
   if (configurator_ != nullptr) configurator_->shutdown();
   enter(Phase::Draining);
-  const DrainResult drain = drainExecutors(timeout);
+  const DrainResult drain = drainExecutors(timeout, spared_);
   result.complete = drain.complete;
   result.underWay = drain.underWay;
   if (drain.complete) {
@@ -108,6 +108,7 @@ void Host::enter(Phase phase) {
   constexpr std::array names = {"ended",    "starting", "running",         "stopping",
                                 "draining", "deleting", "ending_processes"};
   phase_.store(phase, std::memory_order_relaxed);
+  board_.enter(names[static_cast<std::size_t>(phase)]);
   if (recorder_ != nullptr) recorder_->phaseBegins(names[static_cast<std::size_t>(phase)]);
 }
 
@@ -143,6 +144,11 @@ Summary Host::summary() const {
 }
 
 std::string Host::waitsFor() const {
+  const std::string what = awaited();
+  return what.empty() ? "nothing that is known" : what;
+}
+
+std::string Host::awaited() const {
   std::vector<std::string> what;
   switch (phase_.load(std::memory_order_relaxed)) {
     case Phase::Starting:
@@ -153,7 +159,7 @@ std::string Host::waitsFor() const {
       what = {"the stop of " + Waiting::lastShutdown()};
       break;
     case Phase::Draining:
-      append(what, executorsUnderWay());
+      append(what, executorsUnderWay(spared_));
       break;
     case Phase::Deleting:
       what = {"the deletion of the services"};
@@ -166,7 +172,7 @@ std::string Host::waitsFor() const {
       break;
   }
   append(what, Waiting::all());
-  return what.empty() ? "nothing that is known" : join(what);
+  return join(what);
 }
 
 }  // namespace zerva

@@ -17,6 +17,7 @@
 #include "host/Ledger.h"
 #include "host/ObservingRepository.h"
 #include "host/Report.h"
+#include "host/live/StatusBoard.h"
 #include "host/tracing/TraceRecorder.h"
 #include "host/tracing/TracedChannel.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
@@ -70,9 +71,21 @@ class Host {
   /** Whether some line of the file brought nothing up, or a process that failed. */
   bool incomplete() const { return bringUp_.failures() + processesFailed_ > 0; }
 
+  /** @returns what is known of the services at any moment. */
+  StatusBoard& board() { return board_; }
+
+  /**
+   * Leaves an executor alone at the end: one of the host's own, that ends on its own and uses
+   * nothing of what is deleted. @param channel of that executor. Before the start.
+   */
+  void sparesExecutorOf(const std::string& channel) { spared_ = channel; }
+
   /** @returns a sentence about what is being waited for now. Any thread, also when all else hangs.
    */
   std::string waitsFor() const;
+
+  /** @returns as `waitsFor`; empty when it is nothing that is known. */
+  std::string awaited() const;
 
  private:
   /** Where a hanging start or stop hangs. */
@@ -84,6 +97,8 @@ class Host {
   Report& report_;
   std::atomic<Phase> phase_{Phase::Idle};
   Ledger ledger_;
+  StatusBoard board_;
+  std::string spared_;
   BringUp bringUp_;
   CallCounter counter_;
   ServiceRepository recorded_;

@@ -107,8 +107,8 @@ void HostBus::openOwn() {
   }
 }
 
-void HostBus::closeToOutside() {
-  if (bus_ != nullptr) bus_->closeToOutside();
+void HostBus::closeToOutside(const std::string& but) {
+  if (bus_ != nullptr) bus_->closeToOutside(but);
 }
 
 bool HostBus::await(const std::string& channel, std::chrono::milliseconds longest,

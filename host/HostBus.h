@@ -37,7 +37,7 @@ class HostBus {
   const std::string& whyNone() const { return whyNone_; }
 
   /** As `Bus::closeToOutside`. */
-  void closeToOutside();
+  void closeToOutside(const std::string& but);
 
   /**
    * Waits until some process serves a channel.

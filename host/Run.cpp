@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@
 #include "host/MemoryReserve.h"
 #include "host/SignalName.h"
 #include "host/SignalThread.h"
+#include "host/live/StatusServing.h"
+#include "host/live/StatusWanted.h"
 #include "host/notify/ServiceManager.h"
 #include "host/tracing/TraceFile.h"
 #include "runtime/libClientUtils/ExceptionText.h"
@@ -118,20 +121,39 @@ std::string describe(const Summary& summary) {
 
 /** @returns whether every channel that is waited for is served, or the end was asked for before. */
 bool awaitChannels(const RunOptions& options, EndRequest& request, Report& report,
-                   ServiceManager& manager) {
+                   ServiceManager& manager, StatusBoard& board) {
   for (const AwaitedChannel& awaited : options.awaited) {
     if (HostBus::await(awaited.name, std::chrono::milliseconds{0}, request)) continue;
     report.remark("waits for channel " + awaited.name);
     manager.awaits("channel " + awaited.name);
+    board.awaits("channel " + awaited.name);
     if (!HostBus::await(awaited.name, awaited.longest, request)) {
       if (request.made()) return true;
       complain("channel " + awaited.name + " is not served, so nothing was started");
       return false;
     }
     manager.awaits("");
+    board.awaits("");
   }
   return true;
 }
+
+/** Lets others see how the process is, from before the start until after the stop. */
+class Visible {
+ public:
+  Visible(bool wanted, const std::string& file, Host& host) {
+    if (!wanted) return;
+    host.board().expect(file);
+    host.sparesExecutorOf(StatusServing::channel());
+    serving_.emplace(host.board(), [&host] { return host.awaited(); });
+  }
+
+  /** @returns the channel that others still reach when the bus is closed to them; or nothing. */
+  std::string channel() const { return serving_ ? StatusServing::channel() : std::string(); }
+
+ private:
+  std::optional<StatusServing> serving_;
+};
 
 ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBus& bus,
                       const ManagerEnvironment& environment, MemoryReserve& reserve) {
@@ -147,7 +169,9 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   });
   ServiceManager manager(environment, [&] { return host.waitsFor(); });
 
-  if (!awaitChannels(options, request, report, manager)) return ExitCode::NotServed;
+  const Visible visible(options.status, options.file, host);
+
+  if (!awaitChannels(options, request, report, manager, host.board())) return ExitCode::NotServed;
   StartResult start;
   if (!request.made()) {
     report.remark("starts " + options.file +
@@ -162,7 +186,7 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   }
   manager.stopping();
   reserve.open();
-  bus.closeToOutside();
+  bus.closeToOutside(visible.channel());
   const StopResult stop = host.stop(options.stopTimeout);
   report.summary(host.summary());
   if (!stop.complete) {
@@ -178,7 +202,9 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
 
 }  // namespace
 
-ExitCode run(const RunOptions& options, const sigset_t& signals) {
+ExitCode run(const RunOptions& asked, const sigset_t& signals) {
+  RunOptions options = asked;
+  options.status = statusWanted(asked.status);
   const ManagerEnvironment environment = ManagerEnvironment::take();
   if (!setUpLog(options)) return ExitCode::NoLogFile;
   if (!lookOver(options)) return ExitCode::FileRefused;

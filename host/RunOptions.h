@@ -33,6 +33,8 @@ struct RunOptions {
   std::string logFile;
   /** Where what happens is written; empty for where the environment says, if anywhere. */
   std::string trace;
+  /** Whether the process tells others how it is. */
+  bool status = false;
   /** Where libraries without a slash in their name are searched first; empty for the default. */
   std::vector<std::string> libraryDirectories;
   /** The directory of the bus; empty for that of the environment or a new one. */

@@ -4,10 +4,21 @@
 #include "runtime/libServiceExecutor/LiveExecutors.h"
 
 namespace zerva {
+namespace {
 
-DrainResult drainExecutors(std::chrono::milliseconds deadline) {
+std::vector<std::shared_ptr<ExecutorCore>> allBut(const std::string& channel) {
+  auto cores = LiveExecutors::all();
+  if (!channel.empty()) {
+    std::erase_if(cores, [&](const auto& core) { return core->channelName() == channel; });
+  }
+  return cores;
+}
+
+}  // namespace
+
+DrainResult drainExecutors(std::chrono::milliseconds deadline, const std::string& but) {
   const auto until = Clock::now() + deadline;
-  const auto cores = LiveExecutors::all();
+  const auto cores = allBut(but);
   for (const auto& core : cores) {
     core->shutdown();
   }
@@ -21,9 +32,9 @@ DrainResult drainExecutors(std::chrono::milliseconds deadline) {
   return result;
 }
 
-std::vector<std::string> executorsUnderWay() {
+std::vector<std::string> executorsUnderWay(const std::string& but) {
   std::vector<std::string> underWay;
-  for (const auto& core : LiveExecutors::all()) {
+  for (const auto& core : allBut(but)) {
     if (!core->waitUntilIdle(Clock::now())) {
       underWay.push_back(core->description());
     }

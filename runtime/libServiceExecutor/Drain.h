@@ -23,11 +23,17 @@ struct DrainResult {
  * deletion holds. Not called on a thread that serves a request.
  *
  * @param deadline longest wait.
+ * @param but the channel of an executor that is left alone: one that needs nothing of what is
+ *     deleted, and ends on its own; empty for none.
  */
-ZERVA_EXPORT DrainResult drainExecutors(std::chrono::milliseconds deadline);
+ZERVA_EXPORT DrainResult drainExecutors(std::chrono::milliseconds deadline,
+                                        const std::string& but = {});
 
-/** @returns the executors that have a request or a creation under way now, as in `DrainResult`. */
-ZERVA_EXPORT std::vector<std::string> executorsUnderWay();
+/**
+ * @returns the executors that have a request or a creation under way now, as in `DrainResult`.
+ * @param but the channel of an executor that does not count; empty for none.
+ */
+ZERVA_EXPORT std::vector<std::string> executorsUnderWay(const std::string& but = {});
 
 /**
  * @returns how many services outlived their executor because no repository knew them; they are kept

@@ -153,11 +153,14 @@ std::function<std::string()> ExecutorCore::laterDescription() const {
 }
 
 ExecutorProgress ExecutorCore::progress() const {
-  ExecutorProgress progress{id_, 0, 0, {}};
+  ExecutorProgress progress{id_, 0, 0, {}, channelName_, settings_.interfaces};
+  progress.failed = failed_.load(std::memory_order_relaxed);
   {
     const std::lock_guard lock(mutex_);
     progress.begun = begun_;
     progress.queued = queue_.size();
+    progress.serving = underWay_;
+    progress.making = creating_;
   }
   if (progress.queued > 0) progress.description = description();
   return progress;
@@ -337,6 +340,7 @@ void ExecutorCore::serve(Envelope& envelope, Executable& service) {
   if (error) {
     // The service is not to blame: an interceptor, or no memory for the answer. The envelope
     // answers by itself when it goes.
+    countFailure();
     EXECUTOR_LOG(2, "channel '%s': a message was lost: %s", channelName_.c_str(), error->c_str());
   }
 }
@@ -351,6 +355,7 @@ void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
                                    : handOver(service, envelope, answer);
   const auto duration = seen ? Clock::now() - start : Clock::duration();
   if (!error.empty()) {
+    countFailure();
     EXECUTOR_LOG(2, "%s: a message from channel '%s' failed: %s", description().c_str(),
                  envelope.from().c_str(), error.c_str());
   }
@@ -432,6 +437,7 @@ void ExecutorCore::fire(Expiry& expiry, const Executable& service) {
     return;
   }
   if (const auto error = exceptionOf([&] { expiry.fire(); })) {
+    countFailure();
     EXECUTOR_LOG(2, "%s: timerExpired failed: %s", description().c_str(), error->c_str());
   }
 }

@@ -144,6 +144,7 @@ class ExecutorCore final : public RequestReceiver,
   std::string call(Executable& service, const Envelope& envelope, std::string* method,
                    Payload& answer);
   void fire(Expiry& expiry, const Executable& service);
+  void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void handToPool(std::size_t requests);
   Envelope take(std::deque<Envelope>::iterator which);
   void refuse(std::deque<Envelope>& requests, const std::string& error);
@@ -164,6 +165,7 @@ class ExecutorCore final : public RequestReceiver,
   const std::thread::id builder_;
   OwnThread thread_;
   std::atomic<bool> requested_{false};  // as far as the trace knows
+  std::atomic<std::uint64_t> failed_{0};
 
   mutable std::mutex mutex_;
   std::condition_variable ended_;

@@ -19,6 +19,16 @@ struct ExecutorProgress {
   std::size_t queued;
   /** By type, interface and channel; empty where nothing waits. */
   std::string description;
+  /** The name of its channel. */
+  std::string channel = {};
+  /** The interfaces that it was made for, separated by single blanks. */
+  std::string interfaces = {};
+  /** How many it serves at this moment; the making of a lazy service counts as one. */
+  unsigned serving = 0;
+  /** How many of those that it has begun failed. */
+  std::uint64_t failed = 0;
+  /** Whether a lazy service is being made at this moment. */
+  bool making = false;
 };
 
 /**

@@ -72,7 +72,9 @@ Bus::~Bus() {
   there = false;
 }
 
-void Bus::closeToOutside() { core_->closeToOutside(); }
+void Bus::closeToOutside(const std::string& but) { core_->closeToOutside(but); }
+
+std::vector<BusProcess> Bus::processes() const { return core_->processes(); }
 
 void Bus::removeIfAbandoned(const std::string& directory) {
   const BusDirectory abandoned(directory);

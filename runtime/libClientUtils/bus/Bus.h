@@ -2,12 +2,21 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "framework/Export.h"
 
 namespace zerva {
 
 class BusCore;
+
+/** A process of a bus. */
+struct BusProcess {
+  /** Its process id. */
+  int id;
+  /** The channels that it serves to others, in the order of their names. */
+  std::vector<std::string> channels;
+};
 
 /**
  * Joins this process to the others of the same user and machine: as long as it lives, the channels
@@ -43,8 +52,11 @@ class ZERVA_EXPORT Bus {
    * No channel of this process is served to others any more, and what they still ask fails.
    * Requests of this process, and answers to those that were taken before, go on. Does not wait.
    * Any thread; may be repeated.
+   *
+   * @param but the one channel that others still reach, until the bus is closed; empty for none.
+   *     What the first call says holds.
    */
-  void closeToOutside();
+  void closeToOutside(const std::string& but = {});
 
   /**
    * Removes a directory of a bus, and what processes that have ended have left in it, when no
@@ -53,6 +65,9 @@ class ZERVA_EXPORT Bus {
    * @throws std::runtime_error as the constructor, when it is no directory for a bus.
    */
   static void removeIfAbandoned(const std::string& directory);
+
+  /** @returns the other processes that are on the bus now. Does not wait for anybody. */
+  std::vector<BusProcess> processes() const;
 
   /** @returns the directory's absolute path. */
   const std::string& directory() const;

@@ -16,6 +16,7 @@
 #include "runtime/libClientUtils/bus/BusLog.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 #include "runtime/libClientUtils/bus/Leftovers.h"
+#include "runtime/libClientUtils/bus/PeerNames.h"
 #include "runtime/libClientUtils/bus/RemoteChannel.h"
 #include "runtime/libClientUtils/bus/UnixSocket.h"
 
@@ -67,13 +68,35 @@ FileDescriptor BusCore::listen() const {
   return socket;
 }
 
-void BusCore::closeToOutside() {
-  shared_->closedToOutside = true;
-  ownNames_.close();
+void BusCore::closeToOutside(const std::string& but) {
+  {
+    const std::lock_guard lock(mutex_);
+    // Others read it only behind the flag, so it is not changed after that.
+    if (!shared_->closedToOutside) shared_->stillOpen = but;
+    shared_->closedToOutside = true;
+  }
+  ownNames_.closeBut(shared_->stillOpen);
+}
+
+std::vector<BusProcess> BusCore::processes() const {
+  removeLeftovers(directory_);
+  std::vector<BusProcess> all;
+  for (const std::string& id : directory_.processes().value_or(std::vector<std::string>())) {
+    if (id == shared_->ownId) continue;
+    PeerNames names(directory_, id);
+    names.refresh();
+    BusProcess& process = all.emplace_back(BusProcess{processOf(id), {}});
+    for (const auto& [name, since] : names.all()) process.channels.push_back(name);
+    std::sort(process.channels.begin(), process.channels.end());
+  }
+  std::sort(all.begin(), all.end(),
+            [](const BusProcess& a, const BusProcess& b) { return a.id < b.id; });
+  return all;
 }
 
 void BusCore::close() {
-  closeToOutside();
+  closeToOutside({});
+  ownNames_.closeBut({});
   socketFile_.remove();
   std::set<std::shared_ptr<Peer>> all;
   {

@@ -7,8 +7,10 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/bus/Bus.h"
 #include "runtime/libClientUtils/bus/BusDirectory.h"
 #include "runtime/libClientUtils/bus/BusShared.h"
 #include "runtime/libClientUtils/bus/BusThread.h"
@@ -31,7 +33,9 @@ class BusCore final : public RemoteChannels {
 
   const std::string& directory() const { return directory_.path(); }
 
-  void closeToOutside();
+  void closeToOutside(const std::string& but);
+
+  std::vector<BusProcess> processes() const;
 
   /** Ends all. Once, by one thread. */
   void close();

@@ -10,7 +10,11 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
+#include <utility>
+
+#include "runtime/libClientUtils/bus/BusId.h"
 
 namespace zerva {
 
@@ -23,6 +27,8 @@ constexpr mode_t kFileMode = 0600;
 
 // What a socket's address holds besides the directory's path: the rest of the path and a NUL.
 constexpr std::size_t kLongestSocketName = sizeof("/1234567-0123456789abcdef.sock");
+
+constexpr std::string_view kSuffix = ".names";
 
 std::string errorText(int error) { return std::generic_category().message(error); }
 
@@ -117,6 +123,23 @@ std::optional<std::vector<std::string>> BusDirectory::list() const {
     names.emplace_back(entry->d_name);
   }
   return names;
+}
+
+std::optional<std::vector<std::string>> BusDirectory::processes() const {
+  const auto files = list();
+  if (!files) {
+    return std::nullopt;
+  }
+  std::vector<std::string> ids;
+  for (const std::string& file : *files) {
+    if (file.size() > kSuffix.size() && file.ends_with(kSuffix)) {
+      std::string id = file.substr(0, file.size() - kSuffix.size());
+      if (isBusId(id)) {
+        ids.push_back(std::move(id));
+      }
+    }
+  }
+  return ids;
 }
 
 std::string BusDirectory::describe(const std::string& cause) const {

@@ -43,6 +43,9 @@ class BusDirectory {
   /** @returns the names in it, or nothing when it cannot be read. Sets `errno`. */
   std::optional<std::vector<std::string>> list() const;
 
+  /** @returns the processes that have a list of names in it, or nothing. Sets `errno`. */
+  std::optional<std::vector<std::string>> processes() const;
+
   /** @returns an error's text with the directory before it. */
   std::string describe(const std::string& cause) const;
 

@@ -13,6 +13,8 @@ struct BusShared {
   const std::shared_ptr<asio::io_context> context;
   /** Requests of others are not taken any more. */
   std::atomic<bool> closedToOutside{false};
+  /** Requests to this channel still are. Constant once they are not; empty for none. */
+  std::string stillOpen = {};
 };
 
 }  // namespace zerva

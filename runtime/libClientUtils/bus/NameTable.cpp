@@ -15,8 +15,6 @@ namespace {
 // Two processes that begin at nearly the same moment may be read in the wrong order, for so long.
 constexpr std::uint64_t kFreshFor = 1'000'000'000;
 
-constexpr std::string_view kSuffix = ".names";
-
 }  // namespace
 
 NameTable::NameTable(const BusDirectory& directory, std::string ownId)
@@ -74,22 +72,15 @@ bool NameTable::holdsStill(const Server& best, const std::string& name,
 
 void NameTable::refreshAll(std::vector<std::string>& complaints) {
   const std::uint64_t now = monotonicStamp();
-  const auto files = directory_.list();
-  if (!files) {
+  const auto ids = directory_.processes();
+  if (!ids) {
     // For lack of descriptors, for instance: what was known is better than nothing.
     complaints.push_back("the processes on the bus cannot be looked up: " +
                          std::generic_category().message(errno));
     return;
   }
-  std::set<std::string> there;
-  for (const std::string& file : *files) {
-    if (file.size() > kSuffix.size() && file.ends_with(kSuffix)) {
-      std::string id = file.substr(0, file.size() - kSuffix.size());
-      if (isBusId(id) && id != ownId_) {
-        there.insert(std::move(id));
-      }
-    }
-  }
+  std::set<std::string> there(ids->begin(), ids->end());
+  there.erase(ownId_);
   std::erase_if(peers_, [&](const auto& peer) { return !there.contains(peer.first); });
   for (const std::string& id : there) {
     PeerNames& names = peers_.try_emplace(id, directory_, id).first->second;

@@ -54,10 +54,10 @@ std::string OwnNames::update(const std::string& name, const std::function<bool()
   return {};
 }
 
-void OwnNames::close() {
+void OwnNames::closeBut(const std::string& name) {
   const std::lock_guard lock(mutex_);
   closed_ = true;
-  names_.clear();
+  std::erase_if(names_, [&](const auto& served) { return served.first != name; });
   if (!rewrite().empty()) {
     // Whatever others still read, they find nobody under it.
     directory_.remove(BusDirectory::journalName(id_));

@@ -38,8 +38,8 @@ class OwnNames {
    */
   std::string update(const std::string& name, const std::function<bool()>& isServed);
 
-  /** No name is served any more, and none will be. */
-  void close();
+  /** No name but one is served any more, and none will be. @param name empty for none. */
+  void closeBut(const std::string& name);
 
  private:
   std::string add(const std::string& name);

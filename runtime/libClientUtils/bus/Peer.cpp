@@ -306,7 +306,7 @@ void Peer::take(const RequestFrame& frame) {
 }
 
 void Peer::takeEnvelope(Envelope& envelope) {
-  if (bus_->closedToOutside) {
+  if (bus_->closedToOutside && (bus_->stillOpen.empty() || envelope.to() != bus_->stillOpen)) {
     envelope.ticket.fail(describeProcess(bus_->ownId) + " is ending");
     return;
   }

@@ -28,6 +28,9 @@ class PeerNames {
   /** @returns since when a name is served; nothing when it is not. */
   std::optional<std::uint64_t> servedSince(const std::string& name) const;
 
+  /** @returns all of them. */
+  const ServedNames& all() const { return parser_.names(); }
+
  private:
   bool openCurrent(off_t& size, std::string& complaint);
   std::string readOn();
