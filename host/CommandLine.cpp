@@ -10,6 +10,7 @@
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
 #include "host/explain/ExplainCommand.h"
+#include "host/live/LiveVerbs.h"
 #include "host/skeleton/NewService.h"
 #include "host/trace/TraceVerbs.h"
 
@@ -184,6 +185,8 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addExplain(app, verb);
   addNew(app, newOptions, verb);
   addTraceVerbs(app, verb);
+  addStatus(app, verb);
+  addWatch(app, verb);
   addCompletion(app, shell, verb);
   try {
     app.parse(argc, argv);

@@ -61,9 +61,9 @@ ServiceStatus readService(const Json& json) {
     service.initSeconds = took.get<double>();
   }
   if (const Json& executor = json.at("executor"); !executor.is_null()) {
-    service.executor = ExecutorStatus{executor.at("id"), executor.at("requests"),
-                                      executor.at("queued"), executor.at("serving"),
-                                      executor.at("errors")};
+    service.executor =
+        ExecutorStatus{executor.at("id"), executor.at("requests"), executor.at("queued"),
+                       executor.at("serving"), executor.at("errors")};
   }
   json.at("stuck").get_to(service.stuck);
   return service;
@@ -76,9 +76,9 @@ const char* nameOf(ServiceState state) { return kStates.at(static_cast<std::size
 nlohmann::ordered_json toJson(const ProcessStatus& status) {
   Json services = Json::array();
   for (const ServiceStatus& service : status.services) services.push_back(toJson(service));
-  return {{"process", status.process},       {"file", status.file},
-          {"phase", status.phase},           {"waits_for", status.waitsFor},
-          {"up_seconds", status.upSeconds},  {"services", std::move(services)}};
+  return {{"process", status.process},      {"file", status.file},
+          {"phase", status.phase},          {"waits_for", status.waitsFor},
+          {"up_seconds", status.upSeconds}, {"services", std::move(services)}};
 }
 
 std::string textOf(const nlohmann::ordered_json& json, int indent) {

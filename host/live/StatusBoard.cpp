@@ -202,8 +202,8 @@ ProcessStatus StatusBoard::read() const {
 /** Called with the lock held, as those below. @returns the first row that fits. */
 std::optional<StatusBoard::Place> StatusBoard::find(
     const std::function<bool(const ServiceStatus&)>& fits) const {
-  const auto found = std::find_if(rows_.begin(), rows_.end(),
-                                  [&](const Row& row) { return fits(row.service); });
+  const auto found =
+      std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return fits(row.service); });
   if (found == rows_.end()) return std::nullopt;
   return static_cast<Place>(found - rows_.begin());
 }

@@ -77,6 +77,8 @@ StatusServing::StatusServing(const StatusBoard& board, std::function<std::string
 
 StatusServing::~StatusServing() = default;
 
-std::string StatusServing::channel() { return HostStatusIfc::channelOf(static_cast<int>(getpid())); }
+std::string StatusServing::channel() {
+  return HostStatusIfc::channelOf(static_cast<int>(getpid()));
+}
 
 }  // namespace zerva
