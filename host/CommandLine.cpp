@@ -187,6 +187,7 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addTraceVerbs(app, verb);
   addStatus(app, verb);
   addWatch(app, verb);
+  addCall(app, verb);
   addCompletion(app, shell, verb);
   try {
     app.parse(argc, argv);

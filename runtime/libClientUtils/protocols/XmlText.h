@@ -5,13 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "framework/Export.h"
+
 namespace zerva {
 
 /**
  * @returns whether XML 1.0 can hold a text: well-formed UTF-8 (RFC 3629) without the characters
  *     that production 2 of XML leaves out, which are most control characters.
  */
-bool isXmlText(std::string_view text);
+ZERVA_EXPORT bool isXmlText(std::string_view text);
 
 /**
  * @returns the text as it stands in an element or, in double quotes, in an attribute. Leading white
@@ -20,10 +22,10 @@ bool isXmlText(std::string_view text);
 std::string xmlEscaped(std::string_view text);
 
 /** @returns two lower-case digits for each byte. */
-std::string hexadecimal(std::string_view bytes);
+ZERVA_EXPORT std::string hexadecimal(std::string_view bytes);
 
 /** @returns the bytes, or nothing when the text is not pairs of hexadecimal digits. */
-std::optional<std::string> fromHexadecimal(std::string_view text);
+ZERVA_EXPORT std::optional<std::string> fromHexadecimal(std::string_view text);
 
 /** How much a parser makes of a text. */
 struct XmlShape {
@@ -38,6 +40,6 @@ struct XmlShape {
  * @returns nothing when the text has a comment, a character-data section or a document type, or
  *     holds a zero byte: calls have none of these.
  */
-std::optional<XmlShape> xmlShape(std::string_view text);
+ZERVA_EXPORT std::optional<XmlShape> xmlShape(std::string_view text);
 
 }  // namespace zerva
