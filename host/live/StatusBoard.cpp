@@ -21,6 +21,11 @@ std::string at(const Tokens& tokens, std::size_t place) {
   return place < tokens.size() ? tokens[place] : std::string();
 }
 
+/** Some lists of interfaces end with the fill of a line that was too short. */
+std::string trimmed(const std::string& list) {
+  return list.substr(0, list.find_last_not_of(' ') + 1);
+}
+
 /** @returns the service of a line, or nothing when it is about something else. */
 std::optional<ServiceStatus> serviceOf(const Tokens& tokens) {
   const std::string keyword = at(tokens, 0);
@@ -36,6 +41,7 @@ std::optional<ServiceStatus> serviceOf(const Tokens& tokens) {
     if (!service.interfaces.empty()) service.interfaces += ' ';
     service.interfaces += tokens[place];
   }
+  service.interfaces = trimmed(service.interfaces);
   service.mode = legacy ? "legacy" : given ? tokens[1] : "MT";
   if (keyword == "service_info") service.mode += ", lazy";
   return service;
@@ -52,11 +58,6 @@ bool isNotMade(const ServiceStatus& service) {
 
 bool isLazyOne(const ServiceStatus& service) {
   return service.mode.find("lazy") != std::string::npos;
-}
-
-/** Some lists of interfaces end with the fill of a line that was too short. */
-std::string trimmed(const std::string& list) {
-  return list.substr(0, list.find_last_not_of(' ') + 1);
 }
 
 void setWhereKnown(std::string& field, const std::string& value) {
