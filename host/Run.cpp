@@ -167,7 +167,7 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   const SignalThread signalThread(signals, [&](int number) {
     endSignalled(number, signals, request, host, bus, report, reserve);
   });
-  ServiceManager manager(environment, [&] { return host.waitsFor(); });
+  ServiceManager manager(environment, [&] { return host.awaited(); });
 
   const Visible visible(options.status, options.file, host);
 
@@ -181,11 +181,12 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
   if (start.exception) {
     complain("the start was ended by an exception: " + *start.exception);
   } else if (!start.fileNotOpened) {
-    if (!request.made()) manager.ready(describe(host.summary()));
+    // What the manager is not told, for lack of memory, is no reason to end otherwise.
+    if (!request.made()) exceptionOf([&] { manager.ready(describe(host.summary())); });
     request.wait(options.duration);
   }
-  manager.stopping();
   reserve.open();
+  exceptionOf([&] { manager.stopping(); });
   bus.closeToOutside(visible.channel());
   const StopResult stop = host.stop(options.stopTimeout);
   report.summary(host.summary());
