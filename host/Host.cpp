@@ -156,7 +156,10 @@ std::string Host::awaited() const {
       if (what.empty()) what = {"the directive file"};
       break;
     case Phase::Stopping:
-      what = {"the stop of " + Waiting::lastShutdown()};
+      // The timers end first.
+      if (const std::string last = Waiting::lastShutdown(); !last.empty()) {
+        what = {"the stop of " + last};
+      }
       break;
     case Phase::Draining:
       append(what, executorsUnderWay(spared_));

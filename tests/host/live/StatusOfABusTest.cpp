@@ -142,9 +142,9 @@ TEST_F(AHostThatTellsHowItIs, IsAnsweringWhileAStopHangs) {
 
 TEST_F(AHostThatTellsHowItIs, IsAnsweringWhileARequestKeepsItFromEnding) {
   ChildProcess& host = startAll(
-      "service_instance: ST libHangingRequest.so createHangingRequest /test/asked AskedIfc\n"
-      "service_instance: ST libAsking.so createAsking /test/asking AskingIfc\n",
-      {"--status", "--reply-timeout", "1000", "--stop-timeout", "1000"});
+      "service_instance: ST libHangingRequest.so createHangingRequest /test/asked AskedIfc\n",
+      {"--status", "--stop-timeout", "1000"});
+  startAll("service_instance: ST libAsking.so createAsking /test/asking AskingIfc\n");
   ASSERT_TRUE(
       waitUntil([&] { return service(host, "AskedIfc").at("executor").at("serving") == 1; }));
   host.signal(SIGTERM);
@@ -152,6 +152,19 @@ TEST_F(AHostThatTellsHowItIs, IsAnsweringWhileARequestKeepsItFromEnding) {
   const std::string waitsFor = status(host).at("waits_for");
   EXPECT_THAT(waitsFor, HasSubstr("HangingRequestService"));
   EXPECT_THAT(waitsFor, Not(HasSubstr("HostStatus")));
+}
+
+TEST_F(AHostThatTellsHowItIs, SaysWhatKeepsItsTimersFromEnding) {
+  ChildProcess& host = startAll(
+      "service_instance: ST libHangingRequest.so createHangingRequest /test/asked AskedIfc\n"
+      "service_instance: ST libAsking.so createAsking /test/asking AskingIfc\n",
+      {"--status", "--reply-timeout", "1000"});
+  ASSERT_TRUE(
+      waitUntil([&] { return service(host, "AskedIfc").at("executor").at("serving") == 1; }));
+  host.signal(SIGTERM);
+  ASSERT_TRUE(waitUntil([&] { return status(host).value("phase", "") == "stopping"; }));
+  EXPECT_TRUE(waitUntil(
+      [&] { return status(host).at("waits_for") == "a timer's owner that is being called"; }));
 }
 
 /** @returns the lines without what differs from run to run. */
