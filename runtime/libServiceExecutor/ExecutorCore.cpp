@@ -161,6 +161,7 @@ ExecutorProgress ExecutorCore::progress() const {
     progress.queued = queue_.size();
     progress.serving = underWay_;
     progress.making = creating_;
+    if (causeQueued_ && progress.queued > 0) --progress.queued;
   }
   if (progress.queued > 0) progress.description = description();
   return progress;

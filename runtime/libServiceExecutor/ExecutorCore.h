@@ -175,7 +175,7 @@ class ExecutorCore final : public RequestReceiver,
   Executable* service_;
   std::optional<Description> what_;  // the service, as soon as there is one
   std::deque<Envelope> queue_;
-  std::uint64_t begun_ = 0;  // how many messages were taken from the queue to be served
+  std::uint64_t begun_ = 0;  // how many messages and makings of the service were begun
   unsigned underWay_ = 0;
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply
   std::shared_ptr<Parker> ownParker_;             // of the executor's own thread
@@ -187,6 +187,7 @@ class ExecutorCore final : public RequestReceiver,
   CallChain wishChain_;  // of who asked first
   CallChain making_;     // of the making itself, while it is under way
   bool creating_ = false;
+  bool causeQueued_ = false;  // the request that the service is being made for is in the queue
   std::thread::id creatingThread_;
   unsigned attempts_ = 0;
   std::string finalError_;

@@ -32,6 +32,9 @@ void ExecutorCore::makeService(std::unique_lock<std::mutex>& lock) {
   const CallChain chain = wishChain_.ofRequest();
   wished_ = false;
   creating_ = true;
+  // It stays there until the service exists, while work for it is under way.
+  causeQueued_ = !queue_.empty();
+  ++begun_;
   creatingThread_ = std::this_thread::get_id();
   making_ = chain;
   ownChain_ = chain;
@@ -76,6 +79,7 @@ void ExecutorCore::settle(const Made& made) {
   {
     const std::lock_guard lock(mutex_);
     creating_ = false;
+    causeQueued_ = false;
     creatingThread_ = {};
     making_ = {};
     ownChain_ = {};

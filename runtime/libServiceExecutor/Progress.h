@@ -13,9 +13,9 @@ namespace zerva {
 struct ExecutorProgress {
   /** The same for as long as the executor lives; given to no other one in the process. */
   std::uint64_t id;
-  /** How many messages it has begun to serve so far. */
+  /** How many messages it has begun to serve so far; a making of its service counts as one, too. */
   std::uint64_t begun;
-  /** How many wait to be served. */
+  /** How many wait to be served. The one for whose sake the service is being made does not wait. */
   std::size_t queued;
   /** By type, interface and channel; empty where nothing waits. */
   std::string description;

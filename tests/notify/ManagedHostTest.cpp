@@ -94,6 +94,17 @@ TEST_F(AManagedHost, GivesSignsOfLifeWhileItsExecutorsAnswer) {
   EXPECT_THAT(sut.output(), Not(HasSubstr("up       PlainIfc")));
 }
 
+TEST_F(AManagedHost, GivesSignsOfLifeWhileALazyServiceIsBeingMade) {
+  const std::string making =
+      "service_info: ST libHangingInit.so createHangingInit /test/asked AskedIfc\n"
+      "service_instance: ST libKnocking.so createKnocking /test/knocking KnockingIfc\n";
+  ChildProcess sut(zerva, run(making), environment("400000"));
+  ASSERT_TRUE(sut.waitForErrors("init hangs"));
+  // Longer than it takes to count as stuck.
+  for (int count = 0; count < 10; ++count) ASSERT_TRUE(listener.waitForAnother("WATCHDOG=1"));
+  EXPECT_FALSE(listener.has("stuck"));
+}
+
 TEST_F(AManagedHost, GivesNoSignOfLifeWhenSomethingIsQueuedAndNothingMoves) {
   // One asks the other, which never answers; meanwhile its own timer is not served.
   const std::string stuck =

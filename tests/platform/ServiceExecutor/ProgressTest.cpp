@@ -51,7 +51,7 @@ TEST_P(AnExecutorsProgress, CountsWhatIsServedAndWhatWaits) {
 
 INSTANTIATE_TEST_SUITE_P(OfBothKinds, AnExecutorsProgress, testing::Values(Mode::ST, Mode::MT));
 
-TEST(ALazyExecutorsProgress, StandsStillWhileItsServiceIsBeingMade) {
+TEST(ALazyExecutorsProgress, CountsTheMakingOfItsServiceAsBegunAndItsCauseAsNotWaiting) {
   ExecutorWorld world;
   zerva::Gate gate;
   ScriptedService service;
@@ -63,10 +63,13 @@ TEST(ALazyExecutorsProgress, StandsStillWhileItsServiceIsBeingMade) {
   CommsChannel caller("/test/caller", nullptr);
   caller.sendTo("/lazy", "x");
   ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
-  EXPECT_EQ(progress().begun, 0U);
+  EXPECT_EQ(progress().begun, 1U);
+  EXPECT_EQ(progress().queued, 0U);
+  caller.sendTo("/lazy", "behind it");
   EXPECT_EQ(progress().queued, 1U);
   gate.open();
-  EXPECT_TRUE(waitUntil([] { return progress().begun == 1; }));
+  EXPECT_TRUE(waitUntil([] { return progress().begun == 3; }));
+  EXPECT_EQ(progress().queued, 0U);
   world.end();
 }
 
