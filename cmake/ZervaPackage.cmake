@@ -23,8 +23,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 # This version of CPack has no setting for the second of these fields; it writes what it is given.
 set(CPACK_DEBIAN_PACKAGE_PRIORITY "optional\nMulti-Arch: same")
 
-# Written down, since the packages of the other word size need not be there to be asked.
-set(runtime_depends "libc6 (>= 2.34), libstdc++6 (>= 12), libgcc-s1 (>= 3.0)")
+# Written down, since the packages of the other word size need not be there to be asked. The C library
+# is the one in which the newest function that is called came up: pidfd_open.
+set(runtime_depends "libc6 (>= 2.36), libstdc++6 (>= 12), libgcc-s1 (>= 3.0)")
 set(exact "(= ${PROJECT_VERSION})")
 
 set(CPACK_DEBIAN_ZERVA_PACKAGE_NAME zerva)

@@ -37,6 +37,21 @@ for name in zerva zerva-dev zerva-examples; do
   [ "$(dpkg-deb -f "$(package $name "$bits")" Multi-Arch)" = same ] || fail "$name is not Multi-Arch: same"
 done
 
+# newest PACKAGE NAME: the highest version of a name, as GLIBC, that something in the package calls.
+newest() {
+  rm -rf "$work/unpacked"
+  dpkg-deb -x "$1" "$work/unpacked"
+  find "$work/unpacked" -type f \( -name '*.so' -o -path '*/bin/*' \) -exec objdump -T {} + |
+    sed -nE "s/.*[( ]$2_([0-9.]+)[) ].*/\1/p" | sort -Vu | tail -1
+}
+for name in zerva zerva-examples; do
+  version=$(newest "$(package $name "$bits")" GLIBC)
+  [ -n "$version" ] || fail "$name calls nothing of the C library"
+  least=$(dpkg-deb -f "$(package $name "$bits")" Depends | sed -nE 's/.*libc6 \(>= ([0-9.]+)\).*/\1/p')
+  dpkg --compare-versions "$least" ge "$version" ||
+    fail "$name depends on libc6 $least, but calls what is in $version only"
+done
+
 [ "$(dpkg-deb -f "$(package zerva-dev "$bits")" Description | head -1)" = \
   'headers and packages to build services for zerva' ] || fail 'zerva-dev says it is something else'
 
