@@ -7,8 +7,8 @@
 # the same for both: headers, the CMake package's entry, documents.
 #
 # Components: runtime, development, examples; command, which is the link bin/zerva only; and systemd,
-# whose unit alone has the prefix in it. Of two word sizes the one that is installed last has the
-# link; bin/zerva32 and bin/zerva64 stay.
+# whose unit has the prefix in it; so has what pkg-config reads. Of two word sizes the one that is
+# installed last has the link; bin/zerva32 and bin/zerva64 stay.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -47,13 +47,29 @@ endfunction()
 
 # zerva_install_link(COMPONENT NAME TO)
 #
-# A symbolic link NAME in the directory of commands; TO is a path below the prefix.
-function(zerva_install_link component name to)
-  set(link "${PROJECT_BINARY_DIR}/package/${name}")
-  file(RELATIVE_PATH target "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${to}")
-  file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/package")
-  file(CREATE_LINK "${target}" "${link}" SYMBOLIC)
-  install(FILES "${link}" DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${component})
+# A symbolic link; both are paths below the prefix.
+function(zerva_install_link component link to)
+  get_filename_component(directory "${link}" DIRECTORY)
+  set(made "${PROJECT_BINARY_DIR}/package/${link}")
+  file(RELATIVE_PATH target "/prefix/${directory}" "/prefix/${to}")
+  file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/package/${directory}")
+  file(CREATE_LINK "${target}" "${made}" SYMBOLIC)
+  install(FILES "${made}" DESTINATION "${directory}" COMPONENT ${component})
+endfunction()
+
+# zerva_install_with_prefix(COMPONENT TEMPLATE TO)
+#
+# A file with the prefix in place of @PREFIX@, which is known when it is installed; its place in
+# DESTDIR is not a part of it. TO is a path below the prefix.
+function(zerva_install_with_prefix component template to)
+  install(CODE "
+    file(READ [[${template}]] text)
+    string(REPLACE \"@PREFIX@\" \"\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
+    set(file \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${to}\")
+    file(WRITE \"\${file}\" \"\${text}\")
+    message(STATUS \"Installing: \${file}\")
+    list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
+    COMPONENT ${component})
 endfunction()
 
 # zerva_install_package()
@@ -61,8 +77,9 @@ endfunction()
 # All that is no target: links, headers, the CMake package and what pkg-config reads. Called when
 # every target is there.
 function(zerva_install_package)
-  zerva_install_link(runtime "zerva${ZERVA_BITS}" "${ZERVA_INSTALL_TREE}/bin/zerva")
-  zerva_install_link(command zerva "${ZERVA_INSTALL_TREE}/bin/zerva")
+  set(program "${ZERVA_INSTALL_TREE}/bin/zerva")
+  zerva_install_link(runtime "${CMAKE_INSTALL_BINDIR}/zerva${ZERVA_BITS}" "${program}")
+  zerva_install_link(command "${CMAKE_INSTALL_BINDIR}/zerva" "${program}")
 
   install(TARGETS zerva_framework zerva_include zerva_rmi EXPORT zervaTargets
           FILE_SET HEADERS DESTINATION "${ZERVA_INSTALL_INCLUDEDIR}" COMPONENT development)
@@ -81,9 +98,10 @@ function(zerva_install_package)
           DESTINATION "${ZERVA_INSTALL_PACKAGEDIR}" COMPONENT development)
 
   foreach(name zerva zerva-configurator)
-    configure_file("${source}/${name}.pc.in" "${made}/${name}.pc" @ONLY)
-    install(FILES "${made}/${name}.pc" DESTINATION "${ZERVA_INSTALL_ARCHDIR}/pkgconfig"
-            COMPONENT development)
+    set(PREFIX "@PREFIX@")
+    configure_file("${source}/${name}.pc.in" "${made}/${name}.pc.in" @ONLY)
+    zerva_install_with_prefix(development "${made}/${name}.pc.in"
+                              "${ZERVA_INSTALL_ARCHDIR}/pkgconfig/${name}.pc")
   endforeach()
 
   set(manual "${PROJECT_SOURCE_DIR}/docs/man")
@@ -110,14 +128,6 @@ function(zerva_install_package)
 
   install(FILES "${PROJECT_SOURCE_DIR}/host/systemd/zerva.conf" DESTINATION lib/sysusers.d
           COMPONENT systemd)
-  # The prefix is known when it is installed. Its place in DESTDIR is not a part of it.
-  set(unit "${PROJECT_SOURCE_DIR}/host/systemd/zerva@.service.in")
-  install(CODE "
-    file(READ [[${unit}]] text)
-    string(REPLACE \"@PREFIX@\" \"\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
-    set(directory \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/systemd/system\")
-    file(WRITE \"\${directory}/zerva@.service\" \"\${text}\")
-    message(STATUS \"Installing: \${directory}/zerva@.service\")
-    list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${directory}/zerva@.service\")"
-    COMPONENT systemd)
+  zerva_install_with_prefix(systemd "${PROJECT_SOURCE_DIR}/host/systemd/zerva@.service.in"
+                            "lib/systemd/system/zerva@.service")
 endfunction()

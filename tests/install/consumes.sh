@@ -3,7 +3,8 @@
 #
 # usage: consumes.sh PREFIX BITS SOURCE package|pkgconfig
 . "$(dirname "$0")/common.sh"
-readonly prefix=$1 bits=$2 source=$3 how=$4
+prefix=$1
+readonly bits=$2 source=$3 how=$4
 
 cp -r "$source" "$work/consumer"
 cd "$work/consumer"
@@ -14,8 +15,16 @@ case $how in
     ;;
   pkgconfig)
     mkdir build
-    PKG_CONFIG_PATH=$prefix/lib/$(triplet "$bits")/pkgconfig \
-      make -C build -f ../Makefile VPATH=.. BITS="$bits" CPPFLAGS=-I.. >"$work/log" 2>&1
+    # A copy, as of a tree that was moved, so that nobody else misses what is renamed below.
+    cp -a "$prefix" "$work/moved"
+    prefix=$work/moved
+    files=$prefix/lib/$(triplet "$bits")/pkgconfig
+    export PKG_CONFIG_PATH=$files
+    pkg_config="pkg-config --define-variable=prefix=$prefix"
+    clang++ -m"$bits" -std=c++17 -fsyntax-only -Werror $($pkg_config --cflags zerva) TideService.cpp ||
+      fail 'clang does not take the flags'
+    make -C build -f ../Makefile VPATH=.. BITS="$bits" CPPFLAGS=-I.. PKG_CONFIG="$pkg_config" \
+      >"$work/log" 2>&1 && mv "$files" "$files.renamed"
     ;;
 esac || {
   cat "$work/log" >&2

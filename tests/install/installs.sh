@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs runtime and development and moves them elsewhere, which is where the tests after this one
-# look: nothing that is installed may know where it was built or where it was installed first.
+# look: nothing that is installed may know where it was built or where it was installed first. What
+# pkg-config reads is the exception.
 #
 # usage: installs.sh BUILD BITS DIRECTORY; what is installed is left in DIRECTORY
 . "$(dirname "$0")/common.sh"
@@ -18,6 +19,11 @@ expect_elf "$bits" "$work/first/$tree/bin/zerva" "$work/first/$tree"/lib/*.so
 install_into "$work/first" "$build" development command
 [ "$(readlink "$work/first/bin/zerva")" = "../$tree/bin/zerva" ] || fail 'no link bin/zerva'
 
+for package in zerva zerva-configurator; do
+  libs=$(PKG_CONFIG_PATH=$work/first/lib/$(triplet "$bits")/pkgconfig pkg-config --libs $package)
+  [[ " $libs " == *" -Wl,-rpath,$work/first/$tree/lib "* ]] || fail "pkg-config says '$libs'"
+done
+
 rm -rf "$directory"
 mv "$work/first" "$directory"
 
@@ -25,7 +31,7 @@ for file in "$directory/$tree"/bin/zerva "$directory/$tree"/lib/*.so; do
   path=$(readelf -d "$file" | sed -nE 's/.*RUNPATH.*\[(.*)\]$/\1/p')
   [ "$path" = '$ORIGIN/../lib:$ORIGIN' ] || fail "$file has RUNPATH '$path'"
 done
-if found=$(grep -rlF -e "$work" -e "$build" "$directory"); then fail "has paths of this machine: $found"; fi
+if found=$(grep -rlF --exclude='*.pc' -e "$work" -e "$build" "$directory"); then fail "has paths of this machine: $found"; fi
 
 "$directory/bin/zerva" --version >"$work/version"
 expect_line "$work/version" '^zerva [0-9]+\.[0-9]+\.[0-9]+$'
