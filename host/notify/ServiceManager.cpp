@@ -105,11 +105,13 @@ void ServiceManager::watch() {
   while (!over_) {
     const Phase phase = phase_;
     lock.unlock();
+      // What starts or stops may wait for long, and what it waits for is the status then.
+      const bool judged = watchdog_ && phase == Phase::Running;
     const auto failed = exceptionOf([&] {
       const auto stuck =
-          watchdog_ ? executors.look(executorProgress(), Clock::now()) : std::vector<std::string>();
+          judged ? executors.look(executorProgress(), Clock::now()) : std::vector<std::string>();
       if (watchdog_ && stuck.empty()) socket_.trySend("WATCHDOG=1");
-      tellStuck(joined(stuck));
+      if (judged) tellStuck(joined(stuck));
       if (stuck.empty()) tellStatus(phase);
     });
     // No sign of life was sent, which says more than words.

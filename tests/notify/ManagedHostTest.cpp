@@ -117,6 +117,18 @@ TEST_F(AManagedHost, GivesNoSignOfLifeWhenSomethingIsQueuedAndNothingMoves) {
   EXPECT_FALSE(listener.waitForAnother("WATCHDOG=1", std::chrono::milliseconds(500)));
 }
 
+TEST_F(AManagedHost, IsNotCalledStuckAsLongAsItStarts) {
+  const std::string starting =
+      "service_instance: ST libHangingRequest.so createHangingRequest /test/asked AskedIfc\n"
+      "service_instance: ST libAsking.so createAsking /test/asking AskingIfc\n"
+      "service_instance: ST libHangingInit.so createHangingInit /test/hanging HangingIfc\n";
+  ChildProcess sut(zerva, run(starting, {"--reply-timeout", "1000"}), environment("400000"));
+  ASSERT_TRUE(listener.waitFor("STATUS=starting, waits for init of HangingInitService"));
+  // Longer than it takes to count as stuck.
+  for (int count = 0; count < 10; ++count) ASSERT_TRUE(listener.waitForAnother("WATCHDOG=1"));
+  EXPECT_FALSE(listener.has("stuck"));
+}
+
 TEST_F(AManagedHost, IsStuckNoLongerWhenTheAnswerComesAfterAll) {
   const std::string slow =
       "service_instance: ST libHangingRequest.so createHangingRequest /test/asked AskedIfc\n"
