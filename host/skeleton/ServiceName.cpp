@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <string_view>
 
 #include "host/skeleton/ContractNames.h"
+#include "host/skeleton/ReservedNames.h"
 
 namespace zerva {
 namespace {
@@ -18,6 +21,21 @@ bool isLetterOrDigit(char character) {
          (character >= '0' && character <= '9');
 }
 
+template <typename Names>
+bool isAmong(const Names& names, const std::string& name) {
+  return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+/** CTest has a target for each step of its three kinds of runs, as NightlyStart. */
+bool isTestTarget(const std::string& name) {
+  static constexpr std::string_view steps[] = {"",       "Start",      "Update",   "Configure",
+                                               "Build",  "Test",       "Coverage", "MemCheck",
+                                               "Submit", "MemoryCheck"};
+  return std::any_of(std::begin(testTargets), std::end(testTargets), [&](std::string_view kind) {
+    return name.compare(0, kind.size(), kind) == 0 && isAmong(steps, name.substr(kind.size()));
+  });
+}
+
 }  // namespace
 
 std::string whyNoServiceName(const std::string& name) {
@@ -29,10 +47,12 @@ std::string whyNoServiceName(const std::string& name) {
   if (name.size() > longestName) {
     return "it is longer than " + std::to_string(longestName) + " characters";
   }
-  const auto& taken = contractNames;
-  if (std::find(std::begin(taken), std::end(taken), name) != std::end(taken)) {
-    return "zerva has a class of that name";
+  if (isAmong(platformLibraries, name)) return "zerva has a library of that name";
+  if (isAmong(contractNames, name)) return "zerva has a class of that name";
+  if (libraryNames.find(" " + name + " ") != std::string_view::npos) {
+    return "the C library has something of that name";
   }
+  if (isAmong(buildTargets, name) || isTestTarget(name)) return "CMake has a target of that name";
   return "";
 }
 
