@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
+#include <iostream>
 
 #include "framework/ZervaVersion.h"
 #include "host/check/CheckCommand.h"
@@ -11,6 +12,7 @@
 #include "host/completion/DescribeCommand.h"
 #include "host/explain/ExplainCommand.h"
 #include "host/live/LiveVerbs.h"
+#include "host/Complaint.h"
 #include "host/skeleton/NewService.h"
 #include "host/trace/TraceVerbs.h"
 
@@ -192,7 +194,13 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? ExitCode::WentDown : ExitCode::Usage;
+    std::ostringstream errors;
+    const int code = app.exit(error, std::cout, errors);
+    if (code == 0) return ExitCode::WentDown;
+    std::string text = errors.str();
+    if (!text.empty() && text.back() == '\n') text.pop_back();
+    printError("", text);
+    return ExitCode::Usage;
   }
   if (verb) return verb;
   return options;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/Complaint.h"
 #include "host/Console.h"
 #include "host/DefaultLibraryDirectories.h"
 #include "host/DirectiveFileCheck.h"
@@ -34,8 +35,6 @@ namespace {
 
 /** What started processes are given when there is no time left. */
 constexpr std::chrono::milliseconds shortestGrace{500};
-
-void complain(const std::string& text) { std::fprintf(stderr, "zerva: %s\n", text.c_str()); }
 
 void writeEverythingOut() {
   TraceFile::writeOut();
@@ -76,7 +75,7 @@ bool lookOver(const RunOptions& options) {
   if (!options.check) return true;
   const std::vector<Finding> findings = checkDirectiveFile(options.file);
   for (const Finding& finding : findings) {
-    std::fprintf(stderr, "%s\n", formatFinding(finding).c_str());
+    printError("", formatFinding(finding));
   }
   return findings.empty();
 }

@@ -8,10 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <system_error>
 #include <utility>
 
+#include "host/Complaint.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 
 namespace zerva {
@@ -64,7 +64,7 @@ void SignalThread::takeSignals() {
     if (read(signals_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
       const auto error = exceptionOf([&] { taken_(static_cast<int>(info.ssi_signo)); });
       // The next one may still end the process.
-      if (error) std::fprintf(stderr, "zerva: a signal was lost: %s\n", error->c_str());
+      if (error) printError("zerva: a signal was lost: ", *error);
     }
   }
 }

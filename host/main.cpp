@@ -1,7 +1,7 @@
-#include <cstdio>
 #include <variant>
 
 #include "host/CommandLine.h"
+#include "host/Complaint.h"
 #include "host/Run.h"
 #include "host/SignalThread.h"
 #include "runtime/libClientUtils/ExceptionText.h"
@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
       code = static_cast<int>(std::get<zerva::ExitCode>(wanted));
     }
   } catch (...) {
-    std::fprintf(stderr, "zerva: %s\n", zerva::currentExceptionText().c_str());
+    zerva::complain(zerva::currentExceptionText());
   }
   return code;
 }

@@ -1,11 +1,11 @@
 #include "host/notify/ServiceManager.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <utility>
 
+#include "host/Complaint.h"
 #include "host/notify/StuckExecutors.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 
@@ -21,9 +21,8 @@ std::string usable(const std::string& address) {
     const NotifySocket tried(address);
     return address;
   } catch (const std::runtime_error& error) {
-    std::fprintf(stderr,
-                 "zerva: the service manager is not told anything, NOTIFY_SOCKET is '%s': %s\n",
-                 address.c_str(), error.what());
+    complain("the service manager is not told anything, NOTIFY_SOCKET is '" + address +
+             "': " + error.what());
     return "";
   }
 }
@@ -75,7 +74,7 @@ void ServiceManager::ready(const std::string& status) {
     running_ = oneLine(status);
     // Under the lock, so that no status of the start comes after it.
     if (!socket_.send("READY=1\nSTATUS=" + running_)) {
-      std::fprintf(stderr, "zerva: the service manager could not be told that all is up\n");
+      complain("the service manager could not be told that all is up");
     }
   }
   changed_.notify_all();
@@ -105,9 +104,9 @@ void ServiceManager::watch() {
   while (!over_) {
     const Phase phase = phase_;
     lock.unlock();
+    const auto failed = exceptionOf([&] {
       // What starts or stops may wait for long, and what it waits for is the status then.
       const bool judged = watchdog_ && phase == Phase::Running;
-    const auto failed = exceptionOf([&] {
       const auto stuck =
           judged ? executors.look(executorProgress(), Clock::now()) : std::vector<std::string>();
       if (watchdog_ && stuck.empty()) socket_.trySend("WATCHDOG=1");
@@ -115,8 +114,7 @@ void ServiceManager::watch() {
       if (stuck.empty()) tellStatus(phase);
     });
     // No sign of life was sent, which says more than words.
-    if (failed)
-      std::fprintf(stderr, "zerva: the service manager was not told: %s\n", failed->c_str());
+    if (failed) printError("zerva: the service manager was not told: ", *failed);
     lock.lock();
     const auto wait = pause(phase_);
     const auto changed = [&] { return over_ || phase_ != phase; };
@@ -154,12 +152,10 @@ void ServiceManager::tellStuck(const std::string& stuck) {
   toldStuck_ = stuck;
   told_.clear();
   if (stuck.empty()) {
-    std::fprintf(stderr, "zerva: all executors answer again\n");
+    complain("all executors answer again", Priority::Notice);
     return;
   }
-  std::fprintf(stderr,
-               "zerva: no sign of life is sent, something is queued and nothing moves: %s\n",
-               stuck.c_str());
+  complain("no sign of life is sent, something is queued and nothing moves: " + stuck);
   socket_.trySend("STATUS=stuck: " + oneLine(stuck));
 }
 

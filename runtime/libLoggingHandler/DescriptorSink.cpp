@@ -3,15 +3,14 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "runtime/libLoggingHandler/JournalStream.h"
 #include "runtime/libLoggingHandler/LineFormatter.h"
 
 namespace zerva {
@@ -31,13 +30,6 @@ int writeAll(int descriptor, std::string_view bytes) {
     }
   }
   return 0;
-}
-
-bool leadsToJournal(int descriptor) {
-  const char* stream = std::getenv("JOURNAL_STREAM");
-  struct stat status {};
-  if (stream == nullptr || ::fstat(descriptor, &status) != 0) return false;
-  return fmt::format("{}:{}", status.st_dev, status.st_ino) == stream;
 }
 
 }  // namespace
