@@ -45,7 +45,7 @@ function(zerva_install_program component target)
           RUNTIME DESTINATION "${ZERVA_INSTALL_TREE}/bin" COMPONENT ${component})
 endfunction()
 
-# zerva_install_link(COMPONENT NAME TO)
+# zerva_install_link(COMPONENT LINK TO)
 #
 # A symbolic link; both are paths below the prefix.
 function(zerva_install_link component link to)
@@ -97,6 +97,8 @@ function(zerva_install_package)
                 "${source}/ZervaService.cmake"
           DESTINATION "${ZERVA_INSTALL_PACKAGEDIR}" COMPONENT development)
 
+  # The prefix is written down: reckoned from where the file is, it would lead every program that is
+  # linked through the directory pkgconfig, which need not be there when it runs.
   foreach(name zerva zerva-configurator)
     set(PREFIX "@PREFIX@")
     configure_file("${source}/${name}.pc.in" "${made}/${name}.pc.in" @ONLY)
@@ -124,6 +126,13 @@ function(zerva_install_package)
       message(STATUS \"Installing: \${file}\")
       list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
       COMPONENT runtime)
+  endforeach()
+  # These shells look for a file of the command's name; zsh reads the names in the file.
+  foreach(place bash-completion/completions/zerva@ fish/vendor_completions.d/zerva@.fish)
+    string(REPLACE "@" "" whole "${place}")
+    string(REPLACE "@" "${ZERVA_BITS}" own "${place}")
+    zerva_install_link(runtime "${CMAKE_INSTALL_DATADIR}/${own}"
+                       "${CMAKE_INSTALL_DATADIR}/${whole}")
   endforeach()
 
   install(FILES "${PROJECT_SOURCE_DIR}/host/systemd/zerva.conf" DESTINATION lib/sysusers.d

@@ -1,18 +1,21 @@
 #include "host/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <iostream>
+#include <map>
+#include <sstream>
+#include <system_error>
 
 #include "framework/ZervaVersion.h"
+#include "host/Complaint.h"
 #include "host/check/CheckCommand.h"
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
 #include "host/explain/ExplainCommand.h"
 #include "host/live/LiveVerbs.h"
-#include "host/Complaint.h"
 #include "host/skeleton/NewService.h"
 #include "host/trace/TraceVerbs.h"
 
@@ -158,13 +161,16 @@ void addCompletion(CLI::App& app, std::string& shell, Verb& verb) {
   CLI::App* completion =
       app.add_subcommand("completion", "Print what completes this command in a shell");
   completion->footer(
-      "Exit codes:\n  0  it was printed\n  2  the command line was not understood\n");
+      "Exit codes:\n  0  it was printed\n  1  it could not be printed\n  2  the command line was "
+      "not understood\n");
   completion->add_option("SHELL", shell, "bash, fish or zsh")
       ->required()
       ->check(CLI::IsMember(writers));
   completion->callback([&] {
     verb = [text = writers.at(shell)(describeCommand(app))] {
-      return std::fputs(text.c_str(), stdout) < 0 ? 1 : 0;
+      if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0) return 0;
+      complain("cannot print it: " + std::generic_category().message(errno));
+      return 1;
     };
   });
 }

@@ -6,14 +6,19 @@ namespace {
 
 /** What bash makes of a value that is to be completed. */
 std::string action(ValueKind kind) {
-  if (kind == ValueKind::File) return "mapfile -t COMPREPLY < <(compgen -f -- \"$current\")";
-  if (kind == ValueKind::Directory) return "mapfile -t COMPREPLY < <(compgen -d -- \"$current\")";
-  return ":";
+  if (kind == ValueKind::Other || kind == ValueKind::None) return ":";
+  const std::string flag = kind == ValueKind::File ? "-f" : "-d";
+  return "compopt -o filenames; mapfile -t COMPREPLY < <(compgen " + flag + " -- \"$current\")";
 }
 
 /** What comes after a command: values of options, options, commands, words. */
 std::string branch(const std::string& path, const CommandDescription& command) {
   std::string text = "    '" + path + "')\n      case $previous in\n";
+  for (const OptionDescription& option : command.options) {
+    if (option.choices.empty()) continue;
+    text += "        " + option.name + ") mapfile -t COMPREPLY < <(compgen -W '" +
+            wordList(option.choices) + "' -- \"$current\"); return ;;\n";
+  }
   for (const ValueKind kind : {ValueKind::File, ValueKind::Directory, ValueKind::Other}) {
     const std::string names = optionsThatTake(command, kind);
     if (!names.empty()) text += "        " + names + ") " + action(kind) + "; return ;;\n";
@@ -53,10 +58,11 @@ std::string bashCompletion(const CommandDescription& command) {
       "  elif [[ -n $commands ]]; then\n"
       "    mapfile -t COMPREPLY < <(compgen -W \"$commands\" -- \"$current\")\n"
       "  elif [[ -n $words ]]; then\n"
+      "    compopt -o filenames\n"
       "    mapfile -t COMPREPLY < <(compgen \"$words\" -- \"$current\")\n"
       "  fi\n"
       "}\n"
-      "complete -o filenames -F _" +
+      "complete -F _" +
       command.name + " " + command.name + " " + command.name + "32 " + command.name + "64\n";
   return text;
 }

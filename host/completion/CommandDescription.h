@@ -14,6 +14,8 @@ struct OptionDescription {
   std::string name;
   std::string help;
   ValueKind value = ValueKind::None;
+  /** What its value can be, where that is known. */
+  std::vector<std::string> choices;
 };
 
 /** A command as its own parser knows it, with what may come after it. */

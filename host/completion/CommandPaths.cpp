@@ -34,6 +34,12 @@ std::string quotedHelp(const std::string& help) {
   return quoted + "'";
 }
 
+std::string wordList(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
 std::string optionsThatTake(const CommandDescription& command, ValueKind kind) {
   std::string names;
   for (const OptionDescription& option : command.options) {

@@ -22,6 +22,9 @@ std::string stepsInto(const CommandDescription& command, const std::string& vari
 /** @returns the first sentence of a help text, in single quotes for a shell. */
 std::string quotedHelp(const std::string& help);
 
+/** @returns words with blanks between them. */
+std::string wordList(const std::vector<std::string>& words);
+
 /** @returns the names of the options that take a value of a kind, separated by `|`; may be empty.
  */
 std::string optionsThatTake(const CommandDescription& command, ValueKind kind);

@@ -31,11 +31,15 @@ CommandDescription describeCommand(const CLI::App& app) {
   command.help = app.get_description();
   for (const CLI::Option* option : app.get_options()) {
     if (option->nonpositional()) {
+      OptionDescription described{"", option->get_description(), kindOf(*option),
+                                  choicesOf(*option)};
       for (const std::string& name : option->get_snames()) {
-        command.options.push_back({"-" + name, option->get_description(), kindOf(*option)});
+        described.name = "-" + name;
+        command.options.push_back(described);
       }
       for (const std::string& name : option->get_lnames()) {
-        command.options.push_back({"--" + name, option->get_description(), kindOf(*option)});
+        described.name = "--" + name;
+        command.options.push_back(described);
       }
     } else {
       if (command.words.empty()) command.choices = choicesOf(*option);

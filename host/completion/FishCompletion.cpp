@@ -4,22 +4,30 @@
 namespace zerva {
 namespace {
 
-/** What holds when this command, and none that is below it, was written. */
-std::string condition(const std::string& path, const CommandDescription& command) {
-  const std::size_t blank = path.rfind(' ');
-  std::string text = blank == std::string::npos
-                         ? std::string()
-                         : "__fish_seen_subcommand_from " + path.substr(blank + 1);
-  if (!command.commands.empty()) {
-    text += text.empty() ? "" : "; and ";
-    text += "not __fish_seen_subcommand_from";
-    for (const CommandDescription& below : command.commands) text += " " + below.name;
+/** A function that says whether a command, and none that is below it, was written so far. */
+std::string position(const CommandDescription& command) {
+  std::string text = "function __" + command.name +
+                     "_at\n"
+                     "  set -l at " +
+                     command.name +
+                     "\n"
+                     "  set -l words (commandline -opc)\n"
+                     "  for word in $words[2..]\n"
+                     "    switch \"$at $word\"\n";
+  for (const auto& [path, what] : commandPaths(command)) {
+    if (what == &command) continue;
+    text.append("      case '").append(path).append("'\n        set at '").append(path + "'\n");
   }
-  return text;
+  return text +
+         "    end\n"
+         "  end\n"
+         "  test \"$at\" = \"$argv\"\n"
+         "end\n";
 }
 
-std::string value(ValueKind kind) {
-  switch (kind) {
+std::string value(const OptionDescription& option) {
+  if (!option.choices.empty()) return " -x -a '" + wordList(option.choices) + "'";
+  switch (option.value) {
     case ValueKind::None:
       return "";
     case ValueKind::Other:
@@ -41,10 +49,10 @@ std::string flag(const std::string& name) {
 
 std::string fishCompletion(const CommandDescription& command) {
   std::string text = "# fish completion for " + command.name + ", written by `" + command.name +
-                     " completion fish`\n";
+                     " completion fish`\n" + position(command);
   for (const auto& [path, what] : commandPaths(command)) {
     const std::string begin =
-        "complete -c " + command.name + " -n '" + condition(path, *what) + "'";
+        "complete -c " + command.name + " -n '__" + command.name + "_at " + path + "'";
     const bool takesFiles = !what->words.empty() && what->words.front() == ValueKind::File;
     if (!takesFiles) text += begin + " -f\n";
     for (const CommandDescription& below : what->commands) {
@@ -53,9 +61,11 @@ std::string fishCompletion(const CommandDescription& command) {
     for (const std::string& choice : what->choices)
       text.append(begin).append(" -a ").append(choice + "\n");
     for (const OptionDescription& option : what->options) {
-      text +=
-          begin + flag(option.name) + value(option.value) + " -d " + quotedHelp(option.help) + "\n";
+      text += begin + flag(option.name) + value(option) + " -d " + quotedHelp(option.help) + "\n";
     }
+  }
+  for (const std::string bits : {"32", "64"}) {
+    text += "complete -c " + command.name + bits + " -w " + command.name + "\n";
   }
   return text;
 }

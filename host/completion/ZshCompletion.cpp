@@ -17,6 +17,10 @@ std::string described(const std::vector<Described>& list) {
 
 std::string branch(const std::string& path, const CommandDescription& command) {
   std::string text = "    '" + path + "')\n      case $words[CURRENT-1] in\n";
+  for (const OptionDescription& option : command.options) {
+    if (option.choices.empty()) continue;
+    text += "        " + option.name + ") compadd -- " + wordList(option.choices) + "; return ;;\n";
+  }
   for (const auto& [kind, action] :
        {std::pair{ValueKind::File, "_files"}, std::pair{ValueKind::Directory, "_files -/"},
         std::pair{ValueKind::Other, "_message value"}}) {
@@ -55,8 +59,8 @@ std::string zshCompletion(const CommandDescription& command) {
          "  elif (( $#commands )); then\n    _describe command commands\n"
          "  else\n    _files\n  fi\n}\n\n"
          "if [[ $funcstack[1] == _" +
-         name + " ]]; then\n  _" + name + " \"$@\"\nelse\n  compdef _" + name + " " + name +
-         "\nfi\n";
+         name + " ]]; then\n  _" + name + " \"$@\"\nelse\n  compdef _" + name + " " + name + " " +
+         name + "32 " + name + "64\nfi\n";
 }
 
 }  // namespace zerva
