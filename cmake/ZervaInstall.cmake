@@ -67,6 +67,7 @@ function(zerva_install_with_prefix component template to)
     string(REPLACE \"@PREFIX@\" \"\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
     set(file \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${to}\")
     file(WRITE \"\${file}\" \"\${text}\")
+    file(CHMOD \"\${file}\" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     message(STATUS \"Installing: \${file}\")
     list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
     COMPONENT ${component})
@@ -108,6 +109,9 @@ function(zerva_install_package)
 
   set(manual "${PROJECT_SOURCE_DIR}/docs/man")
   install(FILES "${manual}/zerva.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+  file(WRITE "${made}/zerva${ZERVA_BITS}.1" ".so man1/zerva.1\n")
+  install(FILES "${made}/zerva${ZERVA_BITS}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
+          COMPONENT runtime)
   install(FILES "${manual}/zerva-directives.5" DESTINATION "${CMAKE_INSTALL_MANDIR}/man5"
           COMPONENT runtime)
   install(FILES "${manual}/zerva.3" DESTINATION "${CMAKE_INSTALL_MANDIR}/man3"
@@ -123,6 +127,7 @@ function(zerva_install_package)
       execute_process(COMMAND \"\${prefix}/${ZERVA_INSTALL_TREE}/bin/zerva\" completion ${shell}
                       OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
       file(WRITE \"\${file}\" \"\${text}\")
+      file(CHMOD \"\${file}\" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
       message(STATUS \"Installing: \${file}\")
       list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
       COMPONENT runtime)

@@ -6,6 +6,8 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zerva)
 set(CPACK_PACKAGE_CONTACT "the developers of zerva <zerva@localhost>")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/package/Documents.cmake")
+set(CPACK_ZERVA_SOURCE "${PROJECT_SOURCE_DIR}")
 # So that what knows the prefix knows the right one.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)

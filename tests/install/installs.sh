@@ -24,6 +24,11 @@ for package in zerva zerva-configurator; do
   [[ " $libs " == *" -Wl,-rpath,$work/first/$tree/lib "* ]] || fail "pkg-config says '$libs'"
 done
 
+# What is installed is for everybody, whoever installs it.
+(umask 077 && install_into "$work/closed" "$build" runtime development systemd)
+closed=$(find "$work/closed" -type f ! -perm -444)
+[ -z "$closed" ] || fail "not everybody can read $closed"
+
 rm -rf "$directory"
 mv "$work/first" "$directory"
 

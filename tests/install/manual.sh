@@ -21,7 +21,11 @@ for page in man1/zerva.1 man3/zerva.3 man5/zerva-directives.5; do
   }
 done
 
+[ "$(cat "$man/man1/zerva$bits.1")" = '.so man1/zerva.1' ] || fail "no page of zerva$bits"
 groff -mandoc -Tascii -P-cbou "$man/man1/zerva.1" >"$work/page"
+for word in ZERVA_BUS ZERVA_TRACE XDG_RUNTIME_DIR TMPDIR NO_COLOR JOURNAL_STREAM NOTIFY_SOCKET; do
+  grep -q "$word" "$work/page" || fail "zerva(1) does not tell of $word"
+done
 "$prefix/bin/zerva" completion bash >"$work/words"
 # Its lists of options and commands are those of the parser.
 for word in $(sed -nE "s/^ *(options|commands)='(.*)'$/\2/p" "$work/words"); do

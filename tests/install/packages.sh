@@ -6,7 +6,8 @@
 readonly preset=$1 bits=$2 source=$3 other=${4:-} here=$(cd "$(dirname "$0")" && pwd)
 readonly triplet=$(triplet "$bits")
 
-"$source/scripts/package.sh" --no-build "$preset" $other >"$work/log" 2>&1 || {
+DEBFULLNAME='Ada Keeper' DEBEMAIL=ada@harbour.example \
+  "$source/scripts/package.sh" --no-build "$preset" $other >"$work/log" 2>&1 || {
   cat "$work/log" >&2
   fail 'packing failed'
 }
@@ -24,7 +25,7 @@ has() {
   for pattern; do expect_line "$work/contents" "^\./usr/$pattern\$"; done
 }
 has "$(package zerva "$bits")" "bin/zerva$bits" "lib/$triplet/zerva/bin/zerva" \
-  "lib/$triplet/zerva/lib/libServiceConfigurator\.so" 'share/man/man1/zerva\.1(\.gz)?' \
+  "lib/$triplet/zerva/lib/libServiceConfigurator\.so" 'share/man/man1/zerva\.1\.gz' "share/man/man1/zerva$bits\.1\.gz" \
   'lib/systemd/system/zerva@\.service' 'share/bash-completion/completions/zerva'
 ! grep -qE 'include|cmake|/bin/zerva$' <(grep -v "$triplet/zerva/bin" "$work/contents") ||
   fail 'the package of the program has more than that'
@@ -34,6 +35,10 @@ has "$(package zerva-examples "$bits")" 'share/doc/zerva/examples/demo\.directiv
   "lib/$triplet/zerva/lib/libExampleWind\.so"
 
 for name in zerva zerva-dev zerva-examples; do
+  has "$(package $name "$bits")" "share/doc/$name/copyright" "share/doc/$name/changelog\.gz"
+  ! grep -qE '/share/man/.*[0-9]$' "$work/contents" || fail "$name has a manual page that is not compressed"
+  [ "$(dpkg-deb -f "$(package $name "$bits")" Maintainer)" = 'Ada Keeper <ada@harbour.example>' ] ||
+    fail "$name is of another maintainer"
   [ "$(dpkg-deb -f "$(package $name "$bits")" Multi-Arch)" = same ] || fail "$name is not Multi-Arch: same"
 done
 
