@@ -149,6 +149,32 @@ TEST_F(AProcessOnTheBus, ThatIsClosedToTheOutside_IsNotFoundAndStillAsksOthers) 
   EXPECT_EQ(ask("/here", "inside").data, "inside");
 }
 
+TEST_F(AProcessOnTheBus, ThatIsClosedToTheOutsideButForOneChannel_IsReachedThereOnly) {
+  serve("/here", Mode::MT, [](const std::string& request) { return request; });
+  serve("/kept", Mode::MT, [](const std::string& request) { return request; });
+  const BusPartner partner(path, "/partner");
+  EXPECT_EQ(partner.tell("ask /kept|x"), "x");
+  sut.closeToOutside("/kept");
+  sut.closeToOutside();
+  EXPECT_EQ(partner.tell("ask /kept|again"), "again");
+  EXPECT_EQ(partner.tell("ask /here|x"), "error: nobody serves channel '/here'");
+}
+
+TEST_F(AProcessOnTheBus, KnowsTheOthersAndWhatTheyServe) {
+  serve("/here", Mode::MT, [](const std::string& request) { return request; });
+  EXPECT_TRUE(sut.processes().empty());
+  {
+    BusPartner partner(path, "/partner");
+    const auto all = sut.processes();
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_EQ(all[0].id, partner.process().id());
+    EXPECT_EQ(all[0].channels, std::vector<std::string>{"/partner"});
+    partner.process().signal(SIGKILL);
+    partner.process().wait();
+    EXPECT_TRUE(waitUntil([&] { return sut.processes().empty(); }));
+  }
+}
+
 TEST_F(AProcessOnTheBus, ThatIsClosedToTheOutside_StillAnswersWhatItHasTaken) {
   Gate gate;
   serve("/here", Mode::MT, [&](const std::string& request) {
