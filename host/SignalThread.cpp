@@ -37,7 +37,9 @@ sigset_t blockEndingSignals() {
     if (!isIgnored(number)) sigaddset(&signals, number);
   }
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  // What cannot be written is an error of whoever writes; a limit on files is told so too.
   signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
   return signals;
 }
 

@@ -9,7 +9,7 @@ namespace zerva {
 
 /**
  * Blocks, in the calling thread and in all that it starts from now on, the signals with which a
- * process is asked to end, and ignores SIGPIPE. Called before any thread is made.
+ * process is asked to end, and ignores SIGPIPE and SIGXFSZ. Called before any thread is made.
  *
  * @returns the signals that were blocked. SIGHUP and SIGINT are not among them when whoever started
  *     the process has them ignored, as for a process in the background.

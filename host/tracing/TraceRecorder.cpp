@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "framework/CommsChannelIfc.h"
 #include "framework/ProxyRequest.h"
@@ -23,6 +24,8 @@ constexpr std::size_t kMostLookups = 10000;
 
 /** When the `init` that runs on this thread began. */
 thread_local std::int64_t initBegan = 0;
+/** Whether the thread makes a lazy service, whose requests it serves. */
+thread_local bool makesLazy = false;
 
 std::string nameOfLegacy(const ConfiguratorEvent& event) {
   const std::string first = event.interfaces.substr(0, event.interfaces.find(' '));
@@ -32,7 +35,8 @@ std::string nameOfLegacy(const ConfiguratorEvent& event) {
 void plain(TraceKind kind) { TraceEvent(kind).write(); }
 
 void lineBegins(const ConfiguratorEvent& event, const std::string& service, const char* kind) {
-  Trace::workFor(service, true);
+  // Nothing of a lazy service runs while its line is read.
+  Trace::workFor(service, true, event.kind != Kind::LazyLine);
   TraceEvent(TraceKind::ServiceDeclared)
       .with(TraceKey::Library, event.library)
       .with(TraceKey::Creator, event.creator)
@@ -43,7 +47,7 @@ void lineBegins(const ConfiguratorEvent& event, const std::string& service, cons
 }
 
 void recordDeclared(const ConfiguratorEvent& event) {
-  Trace::workFor({}, true);
+  Trace::workFor({}, true, false);
   TraceEvent(TraceKind::RecordDeclared)
       .with(TraceKey::Kind, event.role)
       .with(TraceKey::Library, event.library)
@@ -55,11 +59,16 @@ void recordDeclared(const ConfiguratorEvent& event) {
 
 /** A lazy service is made on the thread of its executor, which serves the service's channel. */
 void creationBegins() {
-  Trace::workFor(std::string(Trace::servedByThisThread()), true);
+  Trace::workFor(Trace::servedByThisThread(), true);
+  makesLazy = true;
   plain(TraceKind::CreationBegins);
 }
 
-void upIsOver() { Trace::workFor(std::string(Trace::servedByThisThread()), false); }
+/** A thread that makes lazy services stays with them; that of the file goes on to the next line. */
+void upIsOver() {
+  if (makesLazy) return Trace::workFor(Trace::servedByThisThread(), false);
+  Trace::workFor({}, false, false);
+}
 
 void initBegins() {
   initBegan = Trace::now();
@@ -71,12 +80,17 @@ void initEnded(const ConfiguratorEvent& event) {
       .since(initBegan)
       .with(TraceKey::Interfaces, event.interfaces)
       .write();
-  // The thread that is made next is the service's.
   upIsOver();
 }
 
 void failed(const char* what, std::string_view error) {
   TraceEvent(TraceKind::Failed).with(TraceKey::What, what).with(TraceKey::Error, error).write();
+}
+
+/** A line that is none of a service. */
+void lineFailed(const char* what, std::string_view error) {
+  Trace::workFor({}, false, false);
+  failed(what, error);
 }
 
 }  // namespace
@@ -96,7 +110,10 @@ void TraceRecorder::phaseBegins(const char* phase) {
 void TraceRecorder::startEnds() { Trace::workFor({}, false); }
 
 void TraceRecorder::write(const LogRecord& record) {
-  if (!Trace::on()) return;
+  if (Trace::on()) Trace::guarded([&] { takeLine(record); });
+}
+
+void TraceRecorder::takeLine(const LogRecord& record) {
   if (record.module == kConfiguratorModule) {
     take(readConfiguratorLine(record.level, record.text));
     return;
@@ -130,11 +147,11 @@ void TraceRecorder::take(const ConfiguratorEvent& event) {
       return upIsOver();
     case Kind::IncompleteLine:
     case Kind::InvalidLine:
-      return failed("line", event.text);
+      return lineFailed("line", event.text);
     case Kind::ProcessFailed:
-      return failed("process", event.text);
+      return lineFailed("process", event.text);
     case Kind::FileNotOpened:
-      return failed("file", event.text);
+      return lineFailed("file", event.text);
     case Kind::Lookup:
       return lookup(event);
     case Kind::Opening:
@@ -161,17 +178,22 @@ bool TraceRecorder::isNewLookup(const ConfiguratorEvent& event) {
     key += '\n' + part;
   }
   const std::lock_guard lock(mutex_);
-  return lookups_.size() < kMostLookups && lookups_.insert(key).second;
+  if (lookups_.contains(key)) return false;
+  if (lookups_.size() < kMostLookups) return lookups_.insert(std::move(key)).second;
+  Trace::lose();
+  return false;
 }
 
 void TraceRecorder::serviceAdded(const Service* service, const CommsChannelIfc* channel,
                                  const std::string& interfaces) {
   if (!Trace::on()) return;
-  TraceEvent event(TraceKind::ServiceRecorded);
-  event.with(TraceKey::Type, describe(static_cast<const Executable*>(service)))
-      .with(TraceKey::Interfaces, interfaces);
-  if (channel != nullptr) event.with(TraceKey::Channel, channel->getName());
-  event.write();
+  Trace::guarded([&] {
+    TraceEvent event(TraceKind::ServiceRecorded);
+    event.with(TraceKey::Type, describe(static_cast<const Executable*>(service)))
+        .with(TraceKey::Interfaces, interfaces);
+    if (channel != nullptr) event.with(TraceKey::Channel, channel->getName());
+    event.write();
+  });
 }
 
 void TraceRecorder::proxyAdded(const std::string& interface, const ProxyRequest* request,

@@ -40,6 +40,7 @@ class TraceRecorder final : public LogSink, public RepositoryObserver {
   void invokersDeleted() override;
 
  private:
+  void takeLine(const LogRecord& record);
   void take(const ConfiguratorEvent& event);
   void lookup(const ConfiguratorEvent& event);
   bool isNewLookup(const ConfiguratorEvent& event);

@@ -22,13 +22,16 @@ bool TracedChannel::sendTo(const std::string& channel, const std::string& data) 
 bool TracedChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {
   const std::int64_t begin = Trace::begin();
   if (begin == 0) return channel_.receiveReply(message, requestId);
-  const std::string question = message.getData();
+  std::string question;
+  Trace::guarded([&] { question = message.getData(); });
   const bool answered = channel_.receiveReply(message, requestId);
-  TraceEvent(TraceKind::Question)
-      .since(begin)
-      .with(TraceKey::Text, question)
-      .with(TraceKey::Answer, answered ? message.getData() : std::string())
-      .write();
+  Trace::guarded([&] {
+    TraceEvent(TraceKind::Question)
+        .since(begin)
+        .with(TraceKey::Text, question)
+        .with(TraceKey::Answer, answered ? message.getData() : std::string())
+        .write();
+  });
   return answered;
 }
 

@@ -81,8 +81,11 @@ int startProcess(char** argv, char** envp, const char* directory, int& id) {
   if (error == 0) id = started;
   if (Trace::on()) {
     TraceEvent event(TraceKind::ProcessStarted);
+    if (!Trace::runsOwnCode()) event.forService({});
     event.since(begin).with(TraceKey::Program, argv[0]).with(TraceKey::Pid, started);
-    if (error != 0) event.with(TraceKey::Error, std::generic_category().message(error));
+    if (error != 0) {
+      Trace::guarded([&] { event.with(TraceKey::Error, std::generic_category().message(error)); });
+    }
     event.write();
   }
   return error;

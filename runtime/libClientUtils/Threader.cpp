@@ -56,9 +56,12 @@ std::string errorText(int error) { return std::generic_category().message(error)
 
 void traceStart(const Start& start) {
   zerva::Trace::workFor(start.service, false);
-  zerva::TraceEvent(zerva::TraceKind::ThreadRunning)
-      .with(zerva::TraceKey::Body, start.description.text())
-      .write();
+  // What leaves this thread ends the process.
+  zerva::Trace::guarded([&] {
+    zerva::TraceEvent(zerva::TraceKind::ThreadRunning)
+        .with(zerva::TraceKey::Body, start.description.text())
+        .write();
+  });
 }
 
 void applyName(const std::string& name) {
@@ -152,7 +155,9 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
   if (body == nullptr) return fail("there is no body");
   const std::shared_ptr<Threadable::State> state = body->threadState();
   auto start = std::make_unique<Start>(Start{body, description, state, name, priority, {}});
-  if (zerva::Trace::on()) start->service = zerva::Trace::servedByThisThread();
+  if (zerva::Trace::on()) {
+    zerva::Trace::guarded([&] { start->service = zerva::Trace::servedByThisThread(); });
+  }
   const std::size_t bytes =
       zerva::ThreadSettings::stackSize(static_cast<std::size_t>(std::max(0, stackSize)));
   static const bool prepared = (zerva::prepareForManySleepers(), true);

@@ -102,6 +102,7 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
     handToPool(waitingForPool);
     return;
   }
+  const TraceWorkScope itsThread(channelName_);
   if (!threader.spawn(&threadId, &thread_, channelName_, THREAD_PRIORITY_NORMAL, 0)) {
     EXECUTOR_LOG(2, "no thread for %s: its channel is closed", description().c_str());
     threadId = 0;

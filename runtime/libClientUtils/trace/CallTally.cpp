@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "runtime/libClientUtils/ExceptionText.h"
+
 namespace zerva {
 namespace {
 
@@ -24,12 +26,14 @@ std::size_t CallTally::Hash::operator()(const CallKey& key) const {
   return all;
 }
 
-bool CallTally::add(unsigned which, const CallKey& key, std::int64_t duration, bool failed) {
+bool CallTally::add(unsigned which, const CallKey& key, std::int64_t duration,
+                    bool failed) noexcept {
   Guarded& guarded = shares_[which % kShares];
   const std::size_t step = stepOf(duration);
   const std::lock_guard lock(guarded.mutex);
-  Counts* const counts = findOrMake(guarded.share, key);
-  if (counts == nullptr) return false;
+  Counts* counts = nullptr;
+  const auto error = exceptionOf([&] { counts = findOrMake(guarded.share, key); });
+  if (error || counts == nullptr) return false;
   ++counts->times[step];
   ++counts->count;
   if (failed) ++counts->failures;
@@ -81,6 +85,13 @@ void CallTally::visitChanged(const std::function<void(const CallKey&, const Call
   }
   for (const auto& [names, visited] : all) {
     if (visited.changed) visit({names[0], names[1], names[2], names[3]}, visited.figures);
+  }
+}
+
+void CallTally::changeAll() noexcept {
+  for (Guarded& guarded : shares_) {
+    const std::lock_guard lock(guarded.mutex);
+    for (const auto& [key, counts] : guarded.share) counts->changed = true;
   }
 }
 

@@ -43,17 +43,25 @@ struct CallFigures {
  */
 class ZERVA_EXPORT CallTally {
  public:
-  /** Counts a call. @returns false when there are too many different ones already. */
-  bool add(unsigned which, const CallKey& key, std::int64_t duration, bool failed);
+  /**
+   * Counts a call.
+   *
+   * @returns false when there are too many different ones already, or no memory for another one.
+   */
+  bool add(unsigned which, const CallKey& key, std::int64_t duration, bool failed) noexcept;
 
   /** Forgets everything. */
   void clear();
 
   /**
    * Hands over what changed since the last time, each with all that was counted so far. What is
-   * handed over lives during the call.
+   * handed over lives during the call. After an exception only `changeAll` tells again what was to
+   * be handed over.
    */
   void visitChanged(const std::function<void(const CallKey&, const CallFigures&)>& visit);
+
+  /** Takes everything for changed. */
+  void changeAll() noexcept;
 
  private:
   static constexpr std::size_t kShares = 8;

@@ -23,6 +23,7 @@ struct TracedThread {
   /** For whom it works when it serves nobody; null for nobody in particular. */
   const std::string* service = nullptr;
   bool comingUp = false;
+  bool ownCode = true;
   /** Whether that holds also while it serves somebody. */
   bool inScope = false;
 };
@@ -38,16 +39,24 @@ const TracedThread& thisThread() {
   return thread;
 }
 
-/** @returns the same text, which is never destroyed; null for an empty one. */
-const std::string* keep(const std::string& text) {
+/**
+ * @returns the same text, which is never destroyed; null for an empty one, while the trace is off,
+ *     and when there is no memory for it.
+ */
+const std::string* keep(std::string_view text) {
   struct Kept {
     std::mutex mutex;
-    std::set<std::string> texts;  // guarded by mutex
+    std::set<std::string, std::less<>> texts;  // guarded by mutex
   };
-  static auto* const kept = new Kept;
-  if (text.empty()) return nullptr;
-  const std::lock_guard lock(kept->mutex);
-  return &*kept->texts.insert(text).first;
+  if (text.empty() || !Trace::on()) return nullptr;
+  const std::string* same = nullptr;
+  Trace::guarded([&] {
+    static auto* const kept = new Kept;
+    const std::lock_guard lock(kept->mutex);
+    const auto known = kept->texts.find(text);
+    same = known != kept->texts.end() ? &*known : &*kept->texts.emplace(text).first;
+  });
+  return same;
 }
 
 TraceHeader headerNow(TraceKind kind, std::int64_t t) {
@@ -80,10 +89,15 @@ std::int64_t Trace::now() {
   return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-void Trace::workFor(const std::string& service, bool comingUp) {
+void Trace::workFor(std::string_view service, bool comingUp, bool ownCode) noexcept {
   tracedThread.service = keep(service);
   tracedThread.comingUp = comingUp;
+  tracedThread.ownCode = ownCode;
 }
+
+bool Trace::runsOwnCode() { return tracedThread.ownCode; }
+
+void Trace::lose() noexcept { TraceWriter::instance().lose(); }
 
 bool Trace::worksForOneComingUp() { return tracedThread.comingUp; }
 
@@ -107,9 +121,10 @@ void Trace::called(std::string_view channel, std::string_view interface, std::st
   event.withError(error.empty() ? nullptr : error.c_str()).write();
 }
 
-TraceWorkScope::TraceWorkScope(const std::string& service)
+TraceWorkScope::TraceWorkScope(std::string_view service)
     : before_(tracedThread.service),
       comingUp_(tracedThread.comingUp),
+      ownCode_(tracedThread.ownCode),
       inScope_(tracedThread.inScope) {
   Trace::workFor(service, false);
   tracedThread.inScope = true;
@@ -118,6 +133,7 @@ TraceWorkScope::TraceWorkScope(const std::string& service)
 TraceWorkScope::~TraceWorkScope() {
   tracedThread.service = before_;
   tracedThread.comingUp = comingUp_;
+  tracedThread.ownCode = ownCode_;
   tracedThread.inScope = inScope_;
 }
 
@@ -149,7 +165,7 @@ TraceEvent& TraceEvent::forService(std::string_view service) {
   return *this;
 }
 
-void TraceEvent::write() {
+void TraceEvent::write() noexcept {
   addService();
   TraceWriter::instance().add(numberOfThisThread(), record_.bytes());
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "framework/Export.h"
+#include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/trace/TraceNames.h"
 
 namespace zerva {
@@ -13,7 +14,8 @@ namespace zerva {
 /**
  * Writes down what happens in the process, to a file that docs/trace.md describes; off until it is
  * started. One for the process. Any thread may call any operation, but for those that say
- * otherwise.
+ * otherwise. Where there is no memory, the trace loses something and counts it; none of its
+ * operations throws but `start` and `stop`. Nothing is allocated while it is off.
  */
 class ZERVA_EXPORT Trace {
  public:
@@ -47,16 +49,31 @@ class ZERVA_EXPORT Trace {
    * Says for which service the calling thread, and each that it starts, works from here on, as far
    * as it does not serve a request of another one.
    *
-   * @param service empty for nobody in particular. Kept for good, so there should be few.
+   * @param service empty for nobody in particular; nobody as well while the trace is off. Kept for
+   *     good, so there should be few.
    * @param comingUp whether the service is coming up, so that its calls are written one by one.
+   * @param ownCode whether something of the service itself runs on the thread, rather than only
+   *     what is done about it.
    */
-  static void workFor(const std::string& service, bool comingUp);
+  static void workFor(std::string_view service, bool comingUp, bool ownCode = true) noexcept;
+
+  /** @returns whether a service may do something itself on the calling thread. */
+  static bool runsOwnCode();
 
   /** @returns whether the calling thread works for a service that is coming up. */
   static bool worksForOneComingUp();
 
   /** @returns for whom the calling thread works; empty for nobody in particular. Copy it. */
   static std::string_view servedByThisThread();
+
+  /** Counts an event that cannot be written. */
+  static void lose() noexcept;
+
+  /** Does what only the trace needs; when that fails, an event is lost. */
+  template <typename Work>
+  static void guarded(const Work& work) {
+    if (exceptionOf(work)) lose();
+  }
 
   /** Counts a call; writes it too when it is made for a service that is coming up. */
   static void called(std::string_view channel, std::string_view interface, std::string_view method,
@@ -75,7 +92,7 @@ class ZERVA_EXPORT Trace {
 class ZERVA_EXPORT TraceWorkScope {
  public:
   /** @param service empty for nobody in particular; as for `Trace::workFor`. */
-  explicit TraceWorkScope(const std::string& service);
+  explicit TraceWorkScope(std::string_view service);
   ~TraceWorkScope();
   TraceWorkScope(const TraceWorkScope&) = delete;
   TraceWorkScope& operator=(const TraceWorkScope&) = delete;
@@ -83,6 +100,7 @@ class ZERVA_EXPORT TraceWorkScope {
  private:
   const std::string* const before_;
   const bool comingUp_;
+  const bool ownCode_;
   const bool inScope_;
 };
 

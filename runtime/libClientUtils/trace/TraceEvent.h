@@ -32,7 +32,7 @@ class ZERVA_EXPORT TraceEvent {
   TraceEvent& forService(std::string_view service);
 
   /** Hands it over to be written. Never waits for the disk. */
-  void write();
+  void write() noexcept;
 
  private:
   void addService();

@@ -1,11 +1,16 @@
 #include "runtime/libClientUtils/trace/TraceWriter.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstddef>
+#include <new>
 #include <system_error>
 #include <vector>
 
@@ -31,6 +36,26 @@ constexpr std::uint64_t kLargestFile = std::uint64_t{256} * 1024 * 1024;
 
 std::string errorText(int error) { return std::generic_category().message(error); }
 
+// Whoever reads the trace through a pipe and stops does not stop the process.
+constexpr int kLongestWaitForReader = 2000;
+
+/** What is no regular file, a pipe for the most part, must not make anybody wait for good. */
+void doNotWait(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return;
+  ::fcntl(file, F_SETFL, O_WRONLY | O_APPEND | O_NONBLOCK);
+}
+
+/** @returns whether there is room now. */
+bool awaitReader(int file) {
+  pollfd awaited{file, POLLOUT, 0};
+  int ready = 0;
+  do {
+    ready = ::poll(&awaited, 1, kLongestWaitForReader);
+  } while (ready < 0 && errno == EINTR);
+  return ready > 0;
+}
+
 /** @returns 0, or the error that ended the writing. */
 int writeAll(int file, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -39,11 +64,19 @@ int writeAll(int file, std::string_view bytes) {
       bytes.remove_prefix(static_cast<std::size_t>(done));
     } else if (done == 0) {
       return ENOSPC;
+    } else if (errno == EAGAIN) {
+      if (!awaitReader(file)) return ETIMEDOUT;
     } else if (errno != EINTR) {
       return errno;
     }
   }
   return 0;
+}
+
+unsigned long numberOf(std::string_view records) {
+  unsigned long number = 0;
+  for (; !records.empty(); ++number) records.remove_prefix(headerOf(records).size);
+  return number;
 }
 
 TraceHeader headerNow(TraceKind kind) {
@@ -69,7 +102,9 @@ void writeFirst(const std::string& about) {
 }  // namespace
 
 TraceWriter& TraceWriter::instance() {
-  static auto* const writer = new TraceWriter;
+  // In a place of its own, since nothing is allocated for a trace that is never started.
+  alignas(TraceWriter) static std::array<std::byte, sizeof(TraceWriter)> place;
+  static auto* const writer = new (place.data()) TraceWriter;
   return *writer;
 }
 
@@ -78,6 +113,7 @@ std::string TraceWriter::start(const std::string& path, const std::string& about
   const int file =
       ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_APPEND, 0644);
   if (file < 0) return errorText(errno);
+  doNotWait(file);
   if (const auto error = exceptionOf([&] {
         buffers_.reserve();
         tally_.clear();
@@ -123,15 +159,16 @@ void TraceWriter::stop() {
 
 void TraceWriter::flush() { writeOut(true); }
 
-void TraceWriter::add(unsigned which, std::string_view record) {
+void TraceWriter::add(unsigned which, std::string_view record) noexcept {
   if (buffers_.add(which, record)) wake();
 }
 
-void TraceWriter::count(unsigned which, const CallKey& key, std::int64_t duration, bool failed) {
+void TraceWriter::count(unsigned which, const CallKey& key, std::int64_t duration,
+                        bool failed) noexcept {
   if (!tally_.add(which, key, duration, failed)) buffers_.countLost(1);
 }
 
-void TraceWriter::wake() {
+void TraceWriter::wake() noexcept {
   {
     const std::lock_guard lock(mutex_);
     full_ = true;
@@ -162,24 +199,28 @@ void TraceWriter::run() {
 void TraceWriter::writeOut(bool withCounts) {
   const std::lock_guard lock(fileMutex_);
   if (file_ < 0) return;
-  // Only the trace suffers when there is no memory for it.
-  const auto error = exceptionOf([&] {
-    std::string lines;
-    collect(lines, withCounts);
-    put(lines);
-  });
-  if (error) buffers_.countLost(1);
-}
-
-void TraceWriter::collect(std::string& lines, bool withCounts) {
   records_.clear();
   buffers_.takeAll(records_);
-  appendEvents(lines);
-  if (withCounts) appendCounts(lines);
-  appendLost(lines);
+  const unsigned long events = numberOf(records_);
+  const unsigned long lost = buffers_.takeLost();
+  std::string lines;
+  // Only the trace suffers when there is no memory for it.
+  const auto error = exceptionOf([&] {
+    const bool fits = appendEvents(lines);
+    if (withCounts) appendCounts(lines);
+    appendLost(lines, fits ? lost : lost + events);
+  });
+  if (error) {
+    buffers_.countLost(lost + events);
+    if (withCounts) tally_.changeAll();
+    return;
+  }
+  put(lines);
 }
 
-void TraceWriter::appendEvents(std::string& lines) {
+/** @returns false when the file is too large already. */
+bool TraceWriter::appendEvents(std::string& lines) {
+  if (written_ > kLargestFile) return false;
   struct Place {
     std::int64_t t;
     std::string_view record;
@@ -191,10 +232,10 @@ void TraceWriter::appendEvents(std::string& lines) {
     places.push_back({header.t, rest.substr(0, header.size)});
     rest.remove_prefix(header.size);
   }
-  if (written_ > kLargestFile) return buffers_.countLost(places.size());
   std::stable_sort(places.begin(), places.end(),
                    [](const Place& one, const Place& other) { return one.t < other.t; });
   for (const Place& place : places) appendLine(lines, place.record);
+  return true;
 }
 
 void TraceWriter::appendCounts(std::string& lines) {
@@ -224,8 +265,7 @@ void TraceWriter::appendCounts(std::string& lines) {
   });
 }
 
-void TraceWriter::appendLost(std::string& lines) {
-  const unsigned long lost = buffers_.takeLost();
+void TraceWriter::appendLost(std::string& lines, unsigned long lost) {
   if (lost == 0) return;
   const TraceHeader header = headerNow(TraceKind::Lost);
   appendBeginning(lines, header, {});
@@ -233,17 +273,20 @@ void TraceWriter::appendLost(std::string& lines) {
 }
 
 void TraceWriter::put(const std::string& lines) {
-  if (const int error = writeAll(file_, lines); error != 0) return end(errorText(error));
+  if (const int error = writeAll(file_, lines); error != 0) return end(error);
   written_ += lines.size();
 }
 
 /** The file cannot be written any more. */
-void TraceWriter::end(const std::string& error) {
+void TraceWriter::end(int error) {
   Trace::on_.store(false, std::memory_order_relaxed);
   ::close(file_);
   file_ = -1;
-  logAppUni(kModule, kSource, kError, __LINE__, "the trace '%s' ends here: %s", path_.c_str(),
-            error.c_str());
+  static_cast<void>(exceptionOf([&] {
+    const std::string why = error == ETIMEDOUT ? "nobody reads it" : errorText(error);
+    logAppUni(kModule, kSource, kError, __LINE__, "the trace '%s' ends here: %s", path_.c_str(),
+              why.c_str());
+  }));
 }
 
 }  // namespace zerva

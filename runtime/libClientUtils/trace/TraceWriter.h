@@ -24,19 +24,19 @@ class TraceWriter {
   void stop();
   void flush();
 
-  void add(unsigned which, std::string_view record);
-  void count(unsigned which, const CallKey& key, std::int64_t duration, bool failed);
+  void add(unsigned which, std::string_view record) noexcept;
+  void count(unsigned which, const CallKey& key, std::int64_t duration, bool failed) noexcept;
+  void lose() noexcept { buffers_.countLost(1); }
 
  private:
   void run();
-  void wake();
+  void wake() noexcept;
   void writeOut(bool withCounts);
-  void collect(std::string& lines, bool withCounts);
-  void appendEvents(std::string& lines);
+  bool appendEvents(std::string& lines);
   void appendCounts(std::string& lines);
-  void appendLost(std::string& lines);
+  static void appendLost(std::string& lines, unsigned long lost);
   void put(const std::string& lines);
-  void end(const std::string& error);
+  void end(int error);
 
   TraceBuffers buffers_;
   CallTally tally_;

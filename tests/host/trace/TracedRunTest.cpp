@@ -158,6 +158,27 @@ TEST_F(ATracedRun, OfTheDemoIsTold) {
   EXPECT_FALSE(output.empty());
 }
 
+// One thread brings up all of them, faster than anybody writes.
+TEST_F(ATracedRun, OfAThousandServicesIsWhole) {
+  constexpr std::size_t services = 1000;
+  std::string lines =
+      "service_instance: MT libServiceRegistry.so createServiceRegistry "
+      "/zerva/serviceregistry ServiceRegistryIfc\n";
+  for (std::size_t number = 1; number < services; ++number) {
+    const std::string id = std::to_string(number);
+    lines += "service_instance: MT libExampleWind.so createWindSensor /example/w" + id + " Ex" +
+             id + "Ifc\n";
+  }
+  const std::string directives = directory.write("many.directives", lines).string();
+  EXPECT_EQ(zerva({"run", "--for", "0.1", "--log", "1", "--no-check", "--trace", file("t.jsonl"),
+                   directives}),
+            0)
+      << errors;
+  const RunModel run = readRun(file("t.jsonl"));
+  EXPECT_EQ(run.lost, 0);
+  EXPECT_THAT(run.services, SizeIs(services));
+}
+
 TEST_F(ATracedRun, ThatIsKilledIsReadUpToThere) {
   const std::string directives =
       directory
@@ -190,6 +211,39 @@ TEST_F(ATracedRun, OnAFullDiskLosesTheTraceOnly) {
       << output;
   EXPECT_THAT(errors, HasSubstr("the trace '/dev/full' ends here: No space left on device"));
   EXPECT_THAT(output, HasSubstr("came up and went down"));
+}
+
+TEST_F(ATracedRun, BeyondALimitOnFilesLosesTheTraceOnly) {
+  // 4 KiB: more than what the host says, which goes to files too, and less than the trace.
+  ChildProcess child("/bin/sh",
+                     {"-c", "ulimit -f 8; exec zerva run --for 0.5 --trace " + file("t.jsonl") +
+                                " examples/buoy.directives"},
+                     environment(), ZERVA_SOURCE_DIRECTORY);
+  EXPECT_EQ(child.wait(), 0) << child.errors();
+  EXPECT_THAT(child.errors(), HasSubstr("ends here: File too large"));
+  EXPECT_THAT(child.output(), HasSubstr("came up and went down"));
+}
+
+TEST_F(ATracedRun, StartsItsProgramsForNobody) {
+  const std::string directives =
+      directory
+          .write("a.directives",
+                 "service_instance: MT libServiceRegistry.so createServiceRegistry "
+                 "/zerva/serviceregistry ServiceRegistryIfc\n"
+                 "start_process: /bin/true\n"
+                 "service_info: ST libExampleForecast.so createForecast /example/forecast "
+                 "ExampleForecastIfc\n"
+                 "start_process: /bin/true\n"
+                 "nonsense: a b c\n")
+          .string();
+  zerva({"run", "--for", "0.1", "--no-check", "--trace", file("t.jsonl"), directives});
+  int programs = 0;
+  for (const TraceLine& line : readTraceFile(file("t.jsonl"))) {
+    if (line.event != "process_started" && line.event != "failed") continue;
+    ++programs;
+    EXPECT_EQ(line.service, "") << line.event;
+  }
+  EXPECT_GE(programs, 3) << errors;
 }
 
 TEST_F(ATracedRun, ThatBecameSlowerIsToldByTheExitCode) {

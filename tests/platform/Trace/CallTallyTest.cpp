@@ -32,6 +32,14 @@ class ATallyOfCalls : public testing::Test {
 
 constexpr CallKey kKey{"/from", "/to", "Ifc", "method"};
 
+TEST_F(ATallyOfCalls, HandsOverEverythingAgainWhenAllIsTakenForChanged) {
+  sut.add(0, kKey, 5, false);
+  EXPECT_EQ(changed().size(), 1U);
+  EXPECT_EQ(changed().size(), 0U);
+  sut.changeAll();
+  EXPECT_EQ(changed().size(), 1U);
+}
+
 TEST_F(ATallyOfCalls, AddsUpTheCallsOfAKeyFromAllThreads) {
   concurrently(4, [this](std::size_t thread) {
     for (int call = 0; call < 1000; ++call) {

@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -7,6 +9,7 @@
 #include "tests/platform/RecordingSink.h"
 #include "tests/platform/Trace/TraceWorld.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/NoMemory.h"
 #include "tests/support/WaitUntil.h"
 
 namespace zerva {
@@ -194,6 +197,53 @@ TEST_F(ATrace, OfAFullDiskEndsIsToldOnceAndDisturbsNobody) {
   Trace::stop();
   ASSERT_THAT(log.texts(), SizeIs(1));
   EXPECT_THAT(log.texts()[0], HasSubstr("the trace '/dev/full' ends here: No space left"));
+}
+
+// As a viewer that was stopped while the trace goes through a pipe to it.
+TEST_F(ATrace, WhoseReaderDoesNotReadEndsAndStopsNobody) {
+  const RecordingSink log("Trace");
+  const std::string pipe = directory.file("pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_EQ(Trace::start(pipe, ""), "");
+  const int size = ::fcntl(reader, F_SETPIPE_SZ, 4096);
+  for (int number = 0; number < size / 10; ++number) opened("/one");
+  Trace::stop();
+  ::close(reader);
+  ASSERT_THAT(log.texts(), SizeIs(1));
+  EXPECT_THAT(log.texts()[0], HasSubstr("ends here: nobody reads it"));
+}
+
+TEST_F(ATrace, WithoutMemoryLosesACallAndSaysSo) {
+  start();
+  letAllocationFail(1);
+  Trace::called("/callee", "Ifc", "method", Trace::begin(), {});
+  EXPECT_FALSE(allocationIsToFail());
+  const auto lost = lines("lost");
+  ASSERT_THAT(lost, SizeIs(1));
+  EXPECT_EQ(lost[0].number("events"), 1);
+}
+
+TEST_F(ATrace, WithoutMemoryDoesNotKnowForWhomAThreadWorks) {
+  start();
+  letAllocationFail(1);
+  Trace::workFor("/a/service/whose/name/was/not/heard/before", false);
+  EXPECT_FALSE(allocationIsToFail());
+  opened("/one");
+  const auto all = lines();
+  EXPECT_EQ(all.at(1).service, "");
+  EXPECT_EQ(all.back().event, "lost");
+}
+
+TEST_F(ATrace, TakesNoMemoryWhileItIsOff) {
+  letAllocationFail(1);
+  Trace::workFor("/another/service/whose/name/was/not/heard/before", true);
+  Trace::called("/callee", "Ifc", "method", Trace::begin(), {});
+  { const TraceWorkScope scope("/and/another/service/whose/name/was/not/heard/before"); }
+  Trace::flush();
+  Trace::stop();
+  EXPECT_TRUE(allocationIsToFail());
+  letAllocationFail(0);
 }
 
 TEST_F(ATrace, CountsCallsAndTellsHowLongTheyTook) {
