@@ -15,15 +15,21 @@ constexpr const char* kRegistryInterface = "ServiceRegistryIfc";
 bool worksByItself(const RunModel& run, const ServiceRun& service) {
   // Whoever is monitored has to be there.
   if (service.interfaces.find("HeartbeatServiceIfc") != std::string::npos) return true;
-  if (service.firstRequest) return false;
   return std::any_of(run.calls.begin(), run.calls.end(), [&](const CallRun& call) {
     return call.caller == service.name && call.interface != kRegistryInterface;
   });
 }
 
+/** @returns whether the trace tells all that would speak against it. */
+bool tellsEnough(const RunModel& run, const AdviceLimits& limits) {
+  const std::int64_t reaches = run.stop ? run.stop->begin : run.whole.end;
+  return run.running && run.lost == 0 && reaches - run.start.end >= limits.soon;
+}
+
 std::optional<Advice> couldBeLazy(const RunModel& run, const ServiceRun& service,
                                   const AdviceLimits& limits) {
-  if (service.kind != "immediate" || !service.up || worksByItself(run, service)) return {};
+  if (service.kind != "immediate" || !service.up || !tellsEnough(run, limits)) return {};
+  if (worksByItself(run, service)) return {};
   // The others need it to be announced at all.
   if (service.interfaces.find(kRegistryInterface) != std::string::npos) return {};
   const std::int64_t saving = service.comingUp().length() - service.total(Stage::Announcement);
@@ -43,7 +49,7 @@ std::optional<Advice> couldBeLazy(const RunModel& run, const ServiceRun& service
 
 std::optional<Advice> shouldBeImmediate(const RunModel& run, const ServiceRun& service,
                                         const AdviceLimits& limits) {
-  if (!service.isLazy() || !service.up || !service.firstRequest) return {};
+  if (!run.running || !service.isLazy() || !service.up || !service.firstRequest) return {};
   const std::int64_t after = *service.firstRequest - run.start.end;
   const std::int64_t waited = *service.up - *service.firstRequest;
   if (after > limits.soon || waited < limits.saving) return {};

@@ -33,7 +33,9 @@ struct Advice {
 /**
  * Looks for services that could be lazy: immediate ones that nobody sent anything to in the time of
  * the start or soon after, and that called nobody themselves; and for lazy ones that should not be,
- * since they are needed in the start or soon after, and somebody waits for their making.
+ * since they are needed in the start or soon after, and somebody waits for their making. Nothing is
+ * said of a start that was cut off, and of what could be lazy only where no event is missing and
+ * the trace reaches beyond `soon`.
  *
  * @param runs one for each process. @returns what saves most first.
  */

@@ -14,7 +14,7 @@ constexpr const char* kRegistryChannel = "/zerva/serviceregistry";
 std::vector<DeclaredInterface> interfacesOf(const ServiceRun& service) {
   std::vector<DeclaredInterface> interfaces;
   std::istringstream names(service.interfaces);
-  for (std::string name; names >> name;) interfaces.push_back({name, false});
+  for (std::string name; names >> name;) interfaces.push_back({name});
   return interfaces;
 }
 
@@ -36,6 +36,7 @@ class Builder {
   }
 
   void declare(const RunModel& run, std::size_t process) {
+    graph_.lost += run.lost;
     graph_.processes.push_back(run.file + ", process " + std::to_string(run.pid));
     for (const ServiceRun& service : run.services) {
       if (isLeftOut(service.name)) continue;
@@ -61,13 +62,22 @@ class Builder {
     return known->second;
   }
 
+  static void noteInterface(GraphNode& node, const std::string& interface) {
+    bool known = false;
+    for (DeclaredInterface& declared : node.interfaces) {
+      if (declared.name != interface) continue;
+      declared.called = true;
+      known = true;
+    }
+    if (known || !node.declared || interface.empty()) return;
+    node.interfaces.push_back({interface, true, false});
+  }
+
   void add(const CallRun& call, std::size_t process, std::int64_t pid) {
     if (isLeftOut(call.channel) || isLeftOut(call.caller)) return;
     const std::size_t from = caller(call.caller, process, pid);
     const std::size_t to = callee(call.channel);
-    for (DeclaredInterface& declared : graph_.nodes[to].interfaces) {
-      if (declared.name == call.interface) declared.called = true;
-    }
+    noteInterface(graph_.nodes[to], call.interface);
     const auto [known, isNew] = arrows_.try_emplace({from, to}, graph_.arrows.size());
     if (isNew) graph_.arrows.push_back({from, to, {}});
     graph_.arrows[known->second].methods.push_back(
@@ -87,7 +97,8 @@ Json nodeJson(const CallGraph& graph, const GraphNode& node) {
   Json json = {{"name", node.name}, {"declared", node.declared}, {"interfaces", Json::array()}};
   if (node.process) json["process"] = graph.processes[*node.process];
   for (const DeclaredInterface& declared : node.interfaces) {
-    json["interfaces"].push_back({{"name", declared.name}, {"called", declared.called}});
+    json["interfaces"].push_back(
+        {{"name", declared.name}, {"called", declared.called}, {"declared", declared.declared}});
   }
   return json;
 }
@@ -151,7 +162,10 @@ CallGraph callGraphOf(const std::vector<RunModel>& runs, bool registry) {
 }
 
 std::string callGraphJson(const CallGraph& graph) {
-  Json json = {{"processes", graph.processes}, {"nodes", Json::array()}, {"calls", Json::array()}};
+  Json json = {{"processes", graph.processes},
+               {"lost", graph.lost},
+               {"nodes", Json::array()},
+               {"calls", Json::array()}};
   for (const GraphNode& node : graph.nodes) json["nodes"].push_back(nodeJson(graph, node));
   for (const GraphArrow& arrow : graph.arrows) json["calls"].push_back(arrowJson(graph, arrow));
   return json.dump(2) + "\n";

@@ -11,11 +11,13 @@
 
 namespace zerva {
 
-/** An interface that a service says it has. */
+/** An interface that a service says it has, or that is called without that. */
 struct DeclaredInterface {
   std::string name;
   /** Whether somebody called it. */
   bool called = false;
+  /** Whether the service's line names it. */
+  bool declared = true;
 };
 
 /** Somebody who calls or is called. */
@@ -56,6 +58,8 @@ struct CallGraph {
   std::vector<std::string> processes;
   std::vector<GraphNode> nodes;
   std::vector<GraphArrow> arrows;
+  /** How many events are missing, so that there may be more calls. */
+  std::int64_t lost = 0;
 };
 
 /**

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
 
 #include "host/trace/DurationText.h"
 
@@ -11,8 +14,10 @@ namespace zerva {
 namespace {
 
 std::optional<std::int64_t> timeOf(const ServiceRun& service) {
-  if (!service.up) return std::nullopt;
-  return service.comingUp().length();
+  const Interval making = service.comingUp();
+  // Of one whose events are missing there may be nothing to tell how long it took.
+  if (!service.up || making.end == 0) return std::nullopt;
+  return making.length();
 }
 
 bool isSlower(std::int64_t before, std::int64_t after, const ComparisonLimits& limits) {
@@ -20,16 +25,86 @@ bool isSlower(std::int64_t before, std::int64_t after, const ComparisonLimits& l
   return after - before > limits.noise && static_cast<double>(after) > allowed;
 }
 
-ComparedTime compare(const ServiceRun* before, const ServiceRun& after,
-                     const ComparisonLimits& limits) {
-  ComparedTime time{after.name, std::nullopt, timeOf(after), false};
-  if (before == nullptr) return time;
-  time.before = timeOf(*before);
-  if (!time.before) return time;
-  // A lazy one that nobody asked for this time has not failed.
-  time.regressed = time.after ? isSlower(*time.before, *time.after, limits)
-                              : !after.isLazy() || !after.error.empty();
-  return time;
+bool hasFailed(const ServiceRun& service) { return !service.isLazy() || !service.error.empty(); }
+
+/** Of the services of a name, each in its turn. */
+class Turns {
+ public:
+  std::size_t next(const std::string& name) { return turns_[name]++; }
+
+ private:
+  std::map<std::string, std::size_t> turns_;
+};
+
+class Comparer {
+ public:
+  Comparer(const RunModel& before, const RunModel& after, const ComparisonLimits& limits)
+      : before_(before), after_(after) {
+    all_.limits = limits;
+    all_.finished = after.running;
+    all_.lostBefore = before.lost;
+    all_.lostAfter = after.lost;
+  }
+
+  Comparison compare() {
+    const std::int64_t was = before_.start.length();
+    const std::int64_t is = after_.start.length();
+    add({"", was, is, isSlower(was, is, all_.limits)});
+    Turns after;
+    for (const ServiceRun& service : after_.services) {
+      add(compared(before_.find(service.name, after.next(service.name)), service));
+    }
+    Turns before;
+    for (const ServiceRun& service : before_.services) {
+      if (after_.find(service.name, before.next(service.name)) != nullptr) continue;
+      ComparedTime time{service.name, timeOf(service), std::nullopt};
+      if (time.before) missing(time, true);
+      add(time);
+    }
+    return std::move(all_);
+  }
+
+ private:
+  void add(const ComparedTime& time) { all_.times.push_back(time); }
+
+  ComparedTime compared(const ServiceRun* before, const ServiceRun& after) const {
+    ComparedTime time{after.name, std::nullopt, timeOf(after)};
+    if (before == nullptr) return time;
+    time.before = timeOf(*before);
+    if (!time.before) return time;
+    if (time.after) {
+      time.regressed = isSlower(*time.before, *time.after, all_.limits);
+    } else {
+      // A lazy one that nobody asked for this time has not failed.
+      missing(time, hasFailed(after));
+    }
+    return time;
+  }
+
+  void missing(ComparedTime& time, bool failed) const {
+    time.unknown = after_.lost > 0;
+    time.regressed = failed && !time.unknown;
+  }
+
+  const RunModel& before_;
+  const RunModel& after_;
+  Comparison all_;
+};
+
+void requireComparable(const RunModel& before, const RunModel& after) {
+  if (!before.running) {
+    throw std::invalid_argument(before.trace + ": error: the start was not over when it ended");
+  }
+  if (!after.running && after.lost > 0) {
+    throw std::invalid_argument(after.trace + ": error: the start does not end, and " +
+                                std::to_string(after.lost) + " events are missing");
+  }
+}
+
+std::string lossText(const std::string& which, std::int64_t lost) {
+  if (lost == 0) return "";
+  return std::to_string(lost) + " events are missing " + which +
+         ": what is not there for that is not judged\n";
 }
 
 std::string textOf(const std::optional<std::int64_t>& time) {
@@ -44,6 +119,7 @@ std::string changeText(const ComparedTime& time) {
 }
 
 std::string remarkOf(const ComparedTime& time) {
+  if (time.unknown) return "not known";
   if (time.regressed) return time.after ? "slower" : "does not come up any more";
   if (!time.before && time.after) return "new";
   if (time.before && !time.after) return "not there, or not made";
@@ -58,23 +134,13 @@ double ComparedTime::change() const {
 }
 
 bool Comparison::regressed() const {
-  return std::any_of(times.begin(), times.end(),
-                     [](const ComparedTime& time) { return time.regressed; });
+  return !finished || std::any_of(times.begin(), times.end(),
+                                  [](const ComparedTime& time) { return time.regressed; });
 }
 
 Comparison compareStarts(const RunModel& before, const RunModel& after, ComparisonLimits limits) {
-  Comparison comparison{limits, {}};
-  const std::int64_t was = before.start.length();
-  const std::int64_t is = after.start.length();
-  comparison.times.push_back({"", was, is, isSlower(was, is, limits)});
-  for (const ServiceRun& service : after.services) {
-    comparison.times.push_back(compare(before.find(service.name), service, limits));
-  }
-  for (const ServiceRun& service : before.services) {
-    if (after.find(service.name) != nullptr) continue;
-    comparison.times.push_back({service.name, timeOf(service), std::nullopt, false});
-  }
-  return comparison;
+  requireComparable(before, after);
+  return Comparer(before, after, limits).compare();
 }
 
 std::string comparisonText(const Comparison& comparison) {
@@ -95,6 +161,8 @@ std::string comparisonText(const Comparison& comparison) {
     row(time.name.empty() ? "the whole start" : time.name, textOf(time.before), textOf(time.after),
         changeText(time), remarkOf(time));
   }
+  text += lossText("before", comparison.lostBefore) + lossText("after", comparison.lostAfter);
+  if (!comparison.finished) return text + "The second start was not over when its trace ended\n";
   std::array<char, 128> verdict{};
   std::snprintf(verdict.data(), verdict.size(), "%s slower by more than %g %% and %s\n",
                 comparison.regressed() ? "Something became" : "Nothing became",
@@ -112,12 +180,15 @@ std::string comparisonJson(const Comparison& comparison) {
     Json one = {{"service", time.name.empty() ? Json(nullptr) : Json(time.name)},
                 {"before", number(time.before)},
                 {"after", number(time.after)},
-                {"regressed", time.regressed}};
+                {"regressed", time.regressed},
+                {"unknown", time.unknown}};
     times.push_back(one);
   }
   const Json json = {{"max_regress_percent", comparison.limits.percent},
                      {"noise", comparison.limits.noise},
                      {"regressed", comparison.regressed()},
+                     {"finished", comparison.finished},
+                     {"lost", {{"before", comparison.lostBefore}, {"after", comparison.lostAfter}}},
                      {"times", times}};
   return json.dump(2) + "\n";
 }

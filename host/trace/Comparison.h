@@ -25,6 +25,8 @@ struct ComparedTime {
   std::optional<std::int64_t> after;
   /** Whether it became slower than allowed, or does not come up any more. */
   bool regressed = false;
+  /** Whether it may be there after all, since events are missing. */
+  bool unknown = false;
 
   /** @returns by how many percent it became slower; 0 when one of the two is missing. */
   double change() const;
@@ -33,6 +35,11 @@ struct ComparedTime {
 /** Two starts beside each other. */
 struct Comparison {
   ComparisonLimits limits;
+  /** Whether the second start was over before its trace ended. */
+  bool finished = true;
+  /** How many events are missing in each; services that may be missing for that are not judged. */
+  std::int64_t lostBefore = 0;
+  std::int64_t lostAfter = 0;
   /** The whole start first, then the services in the order of the second start. */
   std::vector<ComparedTime> times;
 
@@ -40,9 +47,13 @@ struct Comparison {
 };
 
 /**
- * Compares two starts. A service counts with the time that its own coming up took. One that came up
- * before, is in the second file too and does not come up there is a regression; one that the second
- * file does not have is not.
+ * Compares two starts. A service counts with the time that its own coming up took; of several with
+ * the same name the first is compared with the first. One that came up before and does not any more
+ * is a regression, whether it failed or is not declared any more; not so a lazy one that nobody
+ * asked for. So is a second start that was cut off.
+ *
+ * @throws std::invalid_argument when the first start was cut off, or both that and loss may be why
+ *     the second one does not end.
  */
 Comparison compareStarts(const RunModel& before, const RunModel& after, ComparisonLimits limits);
 

@@ -107,12 +107,20 @@ class Chart {
   }
 
  private:
+  static BoxLine lineOf(const DeclaredInterface& declared) {
+    if (!declared.declared) {
+      return {shortened(declared.name + " (not declared)", kSmall, kWidestName), "bad", kSmall};
+    }
+    if (!declared.called) {
+      return {shortened(declared.name + " (not called)", kSmall, kWidestName), "small", kSmall};
+    }
+    return {shortened(declared.name, kSmall, kWidestName), "count", kSmall};
+  }
+
   std::vector<BoxLine> linesOf(const GraphNode& node) const {
     std::vector<BoxLine> lines{{shortened(node.name, kBold, kWidestName), "head", kBold}};
     for (const DeclaredInterface& declared : node.interfaces) {
-      const std::string text = declared.called ? declared.name : declared.name + " (not called)";
-      lines.push_back(
-          {shortened(text, kSmall, kWidestName), declared.called ? "count" : "small", kSmall});
+      lines.push_back(lineOf(declared));
     }
     if (!node.process) lines.push_back({"in none of these traces", "bad", kSmall});
     const auto place = static_cast<std::size_t>(&node - graph_.nodes.data());
@@ -140,6 +148,13 @@ class Chart {
       svg_.rectangle(kMargin, y - 10, 12, 12, classOf(process));
       svg_.text(kMargin + 18, y, graph_.processes[process], "process");
       widest = std::max(widest, textWidth(graph_.processes[process], kText));
+    }
+    if (graph_.lost > 0) {
+      y += 17;
+      const std::string text =
+          std::to_string(graph_.lost) + " events are missing: there may be more calls";
+      svg_.text(kMargin, y, text, "bad");
+      widest = std::max(widest, textWidth(text, kSmall));
     }
     top_ = y + 26;
     return widest + 18 + 2 * kMargin;

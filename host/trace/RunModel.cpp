@@ -52,18 +52,27 @@ std::int64_t ServiceRun::total(Stage stage) const {
 }
 
 std::int64_t ServiceRun::waited() const {
-  std::int64_t sum = 0;
+  std::vector<Interval> all;
   const Interval making = comingUp();
   for (const WaitRun& wait : waits) {
-    if (wait.when.begin >= making.begin && wait.when.end <= making.end) sum += wait.when.length();
+    if (wait.when.begin >= making.begin && wait.when.end <= making.end) all.push_back(wait.when);
+  }
+  std::sort(all.begin(), all.end(),
+            [](const Interval& one, const Interval& other) { return one.begin < other.begin; });
+  std::int64_t sum = 0;
+  std::int64_t reached = making.begin;
+  for (const Interval& wait : all) {
+    sum += std::max<std::int64_t>(0, wait.end - std::max(wait.begin, reached));
+    reached = std::max(reached, wait.end);
   }
   return sum;
 }
 
-const ServiceRun* RunModel::find(const std::string& name) const {
-  const auto found = std::find_if(services.begin(), services.end(),
-                                  [&](const ServiceRun& service) { return service.name == name; });
-  return found == services.end() ? nullptr : &*found;
+const ServiceRun* RunModel::find(const std::string& name, std::size_t occurrence) const {
+  for (const ServiceRun& service : services) {
+    if (service.name == name && occurrence-- == 0) return &service;
+  }
+  return nullptr;
 }
 
 }  // namespace zerva

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -77,7 +78,7 @@ struct ServiceRun {
   Interval comingUp() const;
   /** @returns how long a stage took, all its parts together. */
   std::int64_t total(Stage stage) const;
-  /** @returns how long it waited while it came up. */
+  /** @returns how long it waited while it came up; what overlaps counts once. */
   std::int64_t waited() const;
   bool isLazy() const { return kind == "lazy"; }
 };
@@ -111,8 +112,10 @@ struct RunModel {
   std::int64_t bits = 0;
   /** From the first to the last line. */
   Interval whole;
-  /** From the first directive to the last one's end. */
+  /** From the first directive to the last one's end; to the end of the trace for one cut off. */
   Interval start;
+  /** Whether the trace tells that the start was over. */
+  bool running = false;
   /** From the request to stop to the end; nothing when the trace does not reach as far. */
   std::optional<Interval> stop;
   /** The thread that does what the file says. */
@@ -128,7 +131,11 @@ struct RunModel {
   /** Events for which there was no room. */
   std::int64_t lost = 0;
 
-  const ServiceRun* find(const std::string& name) const;
+  /**
+   * @param occurrence of several with the name, in the order of the file: 0 for the first.
+   * @returns null when there is none.
+   */
+  const ServiceRun* find(const std::string& name, std::size_t occurrence = 0) const;
 };
 
 }  // namespace zerva

@@ -74,7 +74,7 @@ void RunModelBuilder::takeOfUp(const TraceLine& line) {
   } else if (event == "first_request") {
     firstRequest(line);
   } else if (event == "question") {
-    waited(line, "the registry's answer to '" + line.text("text") + "'", kRegistryChannel);
+    asked(line);
   } else if (event == "call") {
     const std::string method = line.text("method");
     waited(line,
@@ -124,7 +124,7 @@ void RunModelBuilder::phase(const TraceLine& line) {
     started_ = true;
   } else if (phase == "running") {
     model_.start.end = line.t;
-    running_ = true;
+    model_.running = true;
     up_.erase(line.thread);
   } else if (phase == "stopping") {
     model_.stop = Interval{line.t, model_.whole.end};
@@ -209,6 +209,17 @@ void RunModelBuilder::firstRequest(const TraceLine& line) {
   run->firstCaller = by.empty() ? line.text("from") : by;
 }
 
+/** The message that carries a question is told of too, just before; it is the same wait. */
+void RunModelBuilder::asked(const TraceLine& line) {
+  ServiceRun* const run = whoWaits(line);
+  if (run == nullptr) return;
+  std::erase_if(run->waits, [&](const WaitRun& wait) {
+    return wait.thread == line.thread && wait.channel == kRegistryChannel &&
+           wait.when.begin >= line.begin() && wait.when.end <= line.t;
+  });
+  waited(line, "the registry's answer to '" + line.text("text") + "'", kRegistryChannel);
+}
+
 void RunModelBuilder::waited(const TraceLine& line, const std::string& what,
                              const std::string& channel) {
   ServiceRun* const run = whoWaits(line);
@@ -241,7 +252,7 @@ void RunModelBuilder::finish(std::int64_t end) {
   endAll(down_, last);
   hostWaits(last);
   if (!started_) model_.start = {model_.whole.begin, model_.whole.begin};
-  if (started_ && !running_) model_.start.end = end;
+  if (started_ && !model_.running) model_.start.end = end;
 }
 
 ServiceRun* RunModelBuilder::service(const std::string& name) {

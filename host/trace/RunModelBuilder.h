@@ -45,6 +45,7 @@ class RunModelBuilder {
   void initEnded(const TraceLine& line);
   void failed(const TraceLine& line);
   void firstRequest(const TraceLine& line);
+  void asked(const TraceLine& line);
   void waited(const TraceLine& line, const std::string& what, const std::string& channel);
   void calls(const TraceLine& line);
   void finish(std::int64_t end);
@@ -68,7 +69,6 @@ class RunModelBuilder {
   std::string hostWaitsFor_;
   std::int64_t lastDeletion_ = 0;
   bool started_ = false;
-  bool running_ = false;
   bool stopping_ = false;
 };
 

@@ -31,13 +31,24 @@ double widthOf(char first) {
   return 0.65;
 }
 
+/** U+FFFE and U+FFFF are characters elsewhere. */
+bool isNoCharacterOfXml(std::string_view text, std::size_t at) {
+  const std::string_view three = text.substr(at, 3);
+  return three == "\xEF\xBF\xBE" || three == "\xEF\xBF\xBF";
+}
+
 }  // namespace
 
 std::string escapeXml(std::string_view text) {
   std::string escaped;
-  for (const char character : validUtf8(text)) {
+  const std::string valid = validUtf8(text);
+  for (std::size_t at = 0; at < valid.size(); ++at) {
+    const char character = valid[at];
     const auto byte = static_cast<unsigned char>(character);
-    if (character == '&') {
+    if (isNoCharacterOfXml(valid, at)) {
+      escaped += "\xEF\xBF\xBD";
+      at += 2;
+    } else if (character == '&') {
       escaped += "&amp;";
     } else if (character == '<') {
       escaped += "&lt;";

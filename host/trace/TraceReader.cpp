@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -14,6 +16,38 @@ using Json = nlohmann::json;
 
 constexpr std::int64_t kVersion = 1;
 
+// In nanoseconds, 36 years: what is between two times of a trace fits into a number too.
+constexpr std::int64_t kLargestTime = std::int64_t{1} << 60;
+
+/** @returns a time or a duration. @throws TraceError when it is none. */
+std::int64_t timeOf(const Json& value, const std::string& name) {
+  const bool large = value.is_number_unsigned() &&
+                     value.get<std::uint64_t>() > static_cast<std::uint64_t>(kLargestTime);
+  if (value.is_number_integer() && !large) {
+    const auto time = value.get<std::int64_t>();
+    if (time >= -kLargestTime && time <= kLargestTime) return time;
+  }
+  throw TraceError("'" + name + "' is no time: " + value.dump());
+}
+
+/** A number that is none of a time's. @returns false when it is too large for a count. */
+bool readNumber(const Json& value, std::int64_t& number) {
+  constexpr std::uint64_t most = std::uint64_t{1} << 62;
+  if (value.is_number_unsigned() && value.get<std::uint64_t>() > most) return false;
+  number = value.get<std::int64_t>();
+  return true;
+}
+
+void readField(const std::string& name, const Json& value, TraceLine& line) {
+  if (name == "duration" || name == "total") {
+    line.numbers[name] = timeOf(value, name);
+  } else if (value.is_string()) {
+    line.texts[name] = value.get<std::string>();
+  } else if (std::int64_t number = 0; value.is_number_integer() && readNumber(value, number)) {
+    line.numbers[name] = number;
+  }
+}
+
 void readTimes(const Json& value, TraceLine& line) {
   for (const Json& pair : value) {
     line.times.emplace_back(pair.at(0).get<std::int64_t>(), pair.at(1).get<std::uint64_t>());
@@ -24,7 +58,7 @@ TraceLine readLine(const std::string& text) {
   const Json json = Json::parse(text);
   TraceLine line;
   line.event = json.at("event").get<std::string>();
-  line.t = json.at("t").get<std::int64_t>();
+  line.t = timeOf(json.at("t"), "t");
   line.thread = json.at("thread").at("id").get<int>();
   line.threadName = json.at("thread").at("name").get<std::string>();
   for (const auto& [name, value] : json.items()) {
@@ -32,10 +66,8 @@ TraceLine readLine(const std::string& text) {
       line.service = value.get<std::string>();
     } else if (name == "times") {
       readTimes(value, line);
-    } else if (value.is_string()) {
-      line.texts[name] = value.get<std::string>();
-    } else if (value.is_number_integer()) {
-      line.numbers[name] = value.get<std::int64_t>();
+    } else {
+      readField(name, value, line);
     }
   }
   return line;
@@ -79,6 +111,8 @@ std::vector<TraceLine> readTrace(std::istream& in, const std::string& name) {
     } catch (const Json::exception& error) {
       if (cut) break;
       fail(std::string("this is no line of a trace: ") + error.what());
+    } catch (const TraceError& error) {
+      fail(std::string("this is no line of a trace: ") + error.what());
     }
     if (number == 1) {
       if (const std::string wrong = wrongBeginning(*line); !wrong.empty()) fail(wrong);
@@ -92,12 +126,13 @@ std::vector<TraceLine> readTrace(std::istream& in, const std::string& name) {
 }
 
 std::vector<TraceLine> readTraceFile(const std::string& path) {
+  const auto fail = [&](const std::string& why) { throw TraceError(path + ": error: " + why); };
+  std::error_code none;
+  if (std::filesystem::is_directory(path, none)) fail("this is a directory");
   std::ifstream in(path);
-  if (!in) {
-    throw TraceError(path + ": error: cannot be opened: " + std::generic_category().message(errno));
-  }
+  if (!in) fail("cannot be opened: " + std::generic_category().message(errno));
   auto lines = readTrace(in, path);
-  if (in.bad()) throw TraceError(path + ": error: cannot be read");
+  if (in.bad()) fail("cannot be read");
   return lines;
 }
 

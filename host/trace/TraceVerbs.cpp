@@ -35,8 +35,9 @@ constexpr const char* kExitCodes =
 constexpr const char* kDiffExitCodes =
     "Exit codes:\n"
     "  0  nothing became slower than allowed\n"
-    "  1  something did, or a service does not come up any more\n"
-    "  2  a trace cannot be read, or the command line was not understood\n";
+    "  1  something did, a service does not come up any more, or the second start was cut off\n"
+    "  2  a trace cannot be read, the first start was cut off, or the command line was not\n"
+    "     understood\n";
 
 /** Does what may fail of a file. @returns the exit code. */
 int guarded(const std::function<int()>& work) {
@@ -44,8 +45,10 @@ int guarded(const std::function<int()>& work) {
     return work();
   } catch (const TraceError& error) {
     std::fprintf(stderr, "%s\n", error.what());
-    return kFailed;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "zerva: %s\n", error.what());
   }
+  return kFailed;
 }
 
 /** @param path empty or "-" for standard output. */
@@ -64,7 +67,13 @@ int write(const std::string& text, const std::string& path) {
 
 std::vector<RunModel> readAll(const std::vector<std::string>& paths) {
   std::vector<RunModel> runs;
-  for (const std::string& path : paths) runs.push_back(readRun(path));
+  for (const std::string& path : paths) {
+    runs.push_back(readRun(path));
+    if (const std::int64_t lost = runs.back().lost; lost > 0) {
+      std::fprintf(stderr, "%s: %lld events are missing\n", path.c_str(),
+                   static_cast<long long>(lost));
+    }
+  }
   return runs;
 }
 

@@ -43,14 +43,39 @@ TEST(AnAdvice, IsToMakeLazyWhatIsAskedLate) {
 }
 
 TEST(AnAdvice, IsNotGivenForWhatIsNeededInTheStartOrSoonAfter) {
-  EXPECT_THAT(adviceOf(one().add(50, "first_request", "/one")), IsEmpty());
-  EXPECT_THAT(adviceOf(one().add(300, "first_request", "/one")), IsEmpty());
+  EXPECT_THAT(adviceOf(one().add(50, "first_request", "/one").add(9000, "x")), IsEmpty());
+  EXPECT_THAT(adviceOf(one().add(300, "first_request", "/one").add(9000, "x")), IsEmpty());
 }
 
 TEST(AnAdvice, IsNotGivenForWhatCallsOthersUnasked) {
-  EXPECT_THAT(adviceOf(one().add(200, "calls", "/one",
-                                 R"("channel":"/two","interface":"I","method":"m","count":1)")),
+  EXPECT_THAT(adviceOf(one()
+                           .add(200, "calls", "/one",
+                                R"("channel":"/two","interface":"I","method":"m","count":1)")
+                           .add(9000, "x")),
               IsEmpty());
+}
+
+TEST(AnAdvice, IsNotGivenForWhatCallsOthersAndIsAskedLate) {
+  EXPECT_THAT(adviceOf(one()
+                           .add(200, "calls", "/one",
+                                R"("channel":"/two","interface":"I","method":"m","count":1)")
+                           .add(60000, "first_request", "/one")),
+              IsEmpty());
+}
+
+TEST(AnAdvice, IsNotGivenWhereEventsAreMissing) {
+  EXPECT_THAT(adviceOf(one().add(60000, "lost", "", "\"events\":1")), IsEmpty());
+}
+
+TEST(AnAdvice, IsNotGivenForATraceThatEndsSoon) {
+  EXPECT_THAT(adviceOf(one().add(599, "x")), IsEmpty());
+  EXPECT_THAT(adviceOf(one().add(600, "x")), SizeIs(1));
+  EXPECT_THAT(adviceOf(one().add(599, "phase", "", R"("phase":"stopping")").add(9000, "x")),
+              IsEmpty());
+}
+
+TEST(AnAdvice, IsNotGivenForAStartThatWasCutOff) {
+  EXPECT_THAT(adviceOf(TraceText().immediate(10, "/one", 20).add(9000, "x")), IsEmpty());
 }
 
 TEST(AnAdvice, IsNotGivenForWhatIsMonitoredOrTheRegistry) {
@@ -59,12 +84,13 @@ TEST(AnAdvice, IsNotGivenForWhatIsMonitoredOrTheRegistry) {
     text.add(1, "service_declared", "/one",
              R"("kind":"immediate","interfaces":")" + std::string(interface) + "\"");
     text.add(2, "init_begins", "/one").add(50, "init_ended", "/one").running(100);
+    text.add(9000, "x");
     EXPECT_THAT(adviceOf(text), IsEmpty()) << interface;
   }
 }
 
 TEST(AnAdvice, IsNotGivenForWhatSavesLittle) {
-  EXPECT_THAT(adviceFor({one().run()}, {.saving = 24_ms}), IsEmpty());
+  EXPECT_THAT(adviceFor({one().add(9000, "x").run()}, {.saving = 24_ms}), IsEmpty());
 }
 
 TEST(AnAdvice, IsToMakeImmediateWhatTheStartWaitsFor) {

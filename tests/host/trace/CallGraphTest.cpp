@@ -14,6 +14,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
@@ -148,6 +149,25 @@ TEST(APictureOfCalls, FitsWhoeverCallsWhom) {
 
 TEST(APictureOfCalls, IsDrawnOfNothing) {
   EXPECT_THAT(drawn(callGraphOf({TraceText().run()}, false)).misfits(), IsEmpty());
+}
+
+TEST(ACallGraph, TellsOfAnInterfaceThatIsCalledAndNotDeclared) {
+  TraceText text;
+  text.add(1, "service_declared", "/two", R"("kind":"immediate","interfaces":"A")").running(5);
+  text.add(9, "calls", "/one", R"("channel":"/two","interface":"B","method":"m","count":1)");
+  const CallGraph sut = callGraphOf({text.run()}, false);
+  ASSERT_THAT(sut.nodes.at(0).interfaces, SizeIs(2));
+  EXPECT_EQ(sut.nodes[0].interfaces[1].name, "B");
+  EXPECT_TRUE(sut.nodes[0].interfaces[1].called);
+  EXPECT_FALSE(sut.nodes[0].interfaces[1].declared);
+  EXPECT_THAT(callGraphSvg(sut), HasSubstr("B (not declared)"));
+}
+
+TEST(ACallGraph, TellsThatEventsAreMissing) {
+  const CallGraph sut =
+      callGraphOf({TraceText().running(5).add(9, "lost", "", R"("events":3)").run()}, false);
+  EXPECT_EQ(sut.lost, 3);
+  EXPECT_THAT(callGraphSvg(sut), HasSubstr("3 events are missing"));
 }
 
 }  // namespace

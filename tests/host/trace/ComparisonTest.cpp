@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "host/trace/Comparison.h"
 #include "tests/host/trace/TraceText.h"
@@ -72,10 +73,50 @@ TEST(AComparisonOfStarts, DoesNotCountALazyServiceThatNobodyAskedFor) {
   EXPECT_FALSE(compareStarts(made.run(), unasked, {}).regressed());
 }
 
-TEST(AComparisonOfStarts, DoesNotCountServicesThatTheOtherFileDoesNotHave) {
+TEST(AComparisonOfStarts, CountsAServiceThatTheSecondFileDoesNotHaveAnyMore) {
   const RunModel empty = TraceText().running(100).run();
-  EXPECT_FALSE(compareStarts(with(20), empty, {}).regressed());
+  const Comparison sut = compareStarts(with(20), empty, {});
+  EXPECT_TRUE(sut.regressed());
+  EXPECT_THAT(comparisonText(sut), HasSubstr("does not come up any more"));
   EXPECT_FALSE(compareStarts(empty, with(20), {}).regressed());
+}
+
+TEST(AComparisonOfStarts, DoesNotJudgeServicesWhoseEventsMayBeMissing) {
+  const RunModel lossy = TraceText()
+                             .add(10, "service_declared", "/one", R"("kind":"immediate")")
+                             .add(20, "lost", "", R"("events":7)")
+                             .running(100)
+                             .run();
+  const RunModel empty = TraceText().add(20, "lost", "", R"("events":7)").running(100).run();
+  for (const RunModel& after : {lossy, empty}) {
+    const Comparison sut = compareStarts(with(20), after, {});
+    EXPECT_FALSE(sut.regressed());
+    EXPECT_THAT(comparisonText(sut), HasSubstr("7 events are missing after"));
+    EXPECT_THAT(comparisonText(sut), HasSubstr("not known"));
+  }
+  EXPECT_THAT(comparisonText(compareStarts(lossy, with(20), {})),
+              HasSubstr("7 events are missing before"));
+}
+
+TEST(AComparisonOfStarts, CountsASecondStartThatWasCutOff) {
+  const RunModel cut = TraceText().immediate(10, "/one", 20).run();
+  const Comparison sut = compareStarts(with(20), cut, {});
+  EXPECT_TRUE(sut.regressed());
+  EXPECT_THAT(comparisonText(sut), HasSubstr("was not over when its trace ended"));
+}
+
+TEST(AComparisonOfStarts, IsNotMadeWithAFirstStartThatWasCutOff) {
+  const RunModel cut = TraceText().immediate(10, "/one", 20).run();
+  EXPECT_THROW(compareStarts(cut, with(20), {}), std::invalid_argument);
+}
+
+TEST(AComparisonOfStarts, ComparesServicesOfTheSameNameInTheirOrder) {
+  const RunModel twice =
+      TraceText().immediate(0, "/one", 2).immediate(20, "/one", 40).running(100).run();
+  EXPECT_FALSE(compareStarts(twice, twice, {}).regressed());
+  const RunModel slower =
+      TraceText().immediate(0, "/one", 9).immediate(20, "/one", 40).running(100).run();
+  EXPECT_TRUE(compareStarts(twice, slower, {}).regressed());
 }
 
 TEST(AComparisonOfStarts, IsTold) {

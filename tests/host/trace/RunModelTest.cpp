@@ -173,5 +173,30 @@ TEST(ARun, OfATraceThatEndsBeforeTheStartHasNone) {
   EXPECT_EQ(run.start.length(), 0);
 }
 
+TEST(ARun, CountsAQuestionAndTheMessageThatCarriesItAsOneWait) {
+  TraceText text;
+  text.add(1, "service_declared", "/one", R"("kind":"immediate")").add(2, "init_begins", "/one");
+  text.add(5, "call", "/one", R"("channel":"/zerva/serviceregistry",)" + duration(2));
+  text.add(6, "question", "/one", R"("text":"who",)" + duration(3));
+  text.add(9, "init_ended", "/one").running(10);
+  const RunModel run = text.run();
+  EXPECT_EQ(run.find("/one")->waits.size(), 1U);
+  EXPECT_EQ(run.find("/one")->waited(), 3_ms);
+}
+
+TEST(ARun, CountsWaitsThatOverlapOnce) {
+  TraceText text;
+  text.add(1, "service_declared", "/one", R"("kind":"immediate")").add(2, "init_begins", "/one");
+  text.add(5, "waited", "/one", R"("for":"semaphore",)" + duration(2));
+  text.addOn(20, 6, "waited", "/one", R"("for":"semaphore",)" + duration(2));
+  text.add(9, "init_ended", "/one").running(10);
+  EXPECT_EQ(text.run().find("/one")->waited(), 3_ms);
+}
+
+TEST(ARun, KnowsWhetherItsStartWasOver) {
+  EXPECT_FALSE(TraceText().immediate(1, "/one", 2).run().running);
+  EXPECT_TRUE(TraceText().immediate(1, "/one", 2).running(9).run().running);
+}
+
 }  // namespace
 }  // namespace zerva

@@ -51,5 +51,14 @@ TEST(ANumberInAPicture, HasOneDecimalAtMost) {
   EXPECT_EQ(Svg::number(-0.01), "0");
 }
 
+TEST(ATextInXml, HasAReplacementForWhatIsACharacterElsewhereOnly) {
+  EXPECT_EQ(escapeXml("a\xEF\xBF\xBE"
+                      "b\xEF\xBF\xBF"
+                      "c\xEF\xBF\xBD\x01"),
+            "a\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD"
+            "c\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
 }  // namespace
 }  // namespace zerva

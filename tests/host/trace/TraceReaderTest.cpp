@@ -94,5 +94,28 @@ TEST(ATraceThatIsRead, IsAFileThatIsThere) {
   EXPECT_THROW(readTraceFile("/none/a.jsonl"), TraceError);
 }
 
+TEST(ATraceThatIsRead, HasTimesThatCanBeReckonedWith) {
+  for (const char* time : {"4611686018427387905", "-4611686018427387905", "18446744073709551615",
+                           "1e300", "1.5", "\"7\"", "null"}) {
+    const std::string field = time;
+    EXPECT_THAT(errorOf(TraceText().add(7, "call", "", "\"duration\":" + field).add(8, "x").text()),
+                HasSubstr("a.jsonl:3: error: this is no line of a trace: 'duration' is no time"))
+        << time;
+    EXPECT_THAT(errorOf(TraceText().text() + R"({"event":"x","t":)" + field +
+                        R"(,"thread":{"id":1,"name":"n"}})" + "\n"),
+                HasSubstr("a.jsonl:3: error: this is no line of a trace: 't' is no time"))
+        << time;
+  }
+}
+
+TEST(ATraceThatIsRead, IsNoDirectory) {
+  try {
+    readTraceFile("/tmp");
+    FAIL();
+  } catch (const TraceError& error) {
+    EXPECT_STREQ(error.what(), "/tmp: error: this is a directory");
+  }
+}
+
 }  // namespace
 }  // namespace zerva
