@@ -73,6 +73,52 @@ void repeatable(CLI::Option* option, const char* type) {
   option->type_name(type)->expected(1)->take_all()->allow_extra_args(false);
 }
 
+/** What others see of a run: the log, the trace, the status. */
+void addWhatIsSeen(CLI::App& run, RunOptions& options) {
+  repeatable(run.add_option_function<std::vector<std::string>>(
+                 "--log",
+                 [&](const std::vector<std::string>& levels) {
+                   for (const std::string& level : levels) {
+                     options.logLevels.push_back(readLogLevel(level));
+                   }
+                 },
+                 "Log level, 0 to 9, of a module or, without MODULE=, of all; repeatable"),
+             "[MODULE=]LEVEL");
+  run.add_option("--log-file", options.logFile, "Write the log to this file too")
+      ->type_name("PATH");
+  run.add_option("--trace", options.trace,
+                 "Write what happens to this file, for timeline, graph, diff and advise; %p in it "
+                 "is the process's id, and then processes that are started write one each, too; "
+                 "default: ZERVA_TRACE of the environment")
+      ->type_name("FILE");
+  run.add_flag("--status", options.status,
+               "Let status and watch see how it is, on the bus, and the hosts that it starts, "
+               "too; default: ZERVA_STATUS of the environment");
+}
+
+/** What is around a run: libraries, and other processes. */
+void addSurroundings(CLI::App& run, RunOptions& options) {
+  repeatable(run.add_option("--lib-dir", options.libraryDirectories,
+                            "Where libraries named without a slash are searched first; repeatable; "
+                            "default: the directory lib beside the executable's own"),
+             "DIR");
+  run.add_option("--bus", options.bus,
+                 "Directory through which processes reach each other's channels; default: that of "
+                 "ZERVA_BUS in the environment, else a new one for this process and those that it "
+                 "starts")
+      ->type_name("DIR");
+  repeatable(run.add_option_function<std::vector<std::string>>(
+                 "--await",
+                 [&](const std::vector<std::string>& channels) {
+                   for (const std::string& channel : channels) {
+                     options.awaited.push_back(readAwaited(channel));
+                   }
+                 },
+                 "Wait before the start until another process serves this channel, at most so "
+                 "long, or 30 seconds; repeatable"),
+             "CHANNEL[=SECONDS]");
+}
+
 /** The verb `run`: its words, and where they go. */
 void addRun(CLI::App& app, RunOptions& options) {
   CLI::App* run = app.add_subcommand("run", "Bring up what a directive file says, until a signal");
@@ -87,45 +133,8 @@ void addRun(CLI::App& app, RunOptions& options) {
          "--for", [&](double value) { options.duration = toMilliseconds(value); },
          "End in order after this time, fractions allowed")
       ->check(seconds());
-  repeatable(run->add_option_function<std::vector<std::string>>(
-                 "--log",
-                 [&](const std::vector<std::string>& levels) {
-                   for (const std::string& level : levels) {
-                     options.logLevels.push_back(readLogLevel(level));
-                   }
-                 },
-                 "Log level, 0 to 9, of a module or, without MODULE=, of all; repeatable"),
-             "[MODULE=]LEVEL");
-  run->add_option("--log-file", options.logFile, "Write the log to this file too")
-      ->type_name("PATH");
-  run->add_option("--trace", options.trace,
-                  "Write what happens to this file, for timeline, graph, diff and advise; %p in it "
-                  "is the process's id, and then processes that are started write one each, too; "
-                  "default: ZERVA_TRACE of the environment")
-      ->type_name("FILE");
-  run->add_flag("--status", options.status,
-                "Let status and watch see how it is, on the bus, and the hosts that it starts, "
-                "too; default: ZERVA_STATUS of the environment");
-  repeatable(
-      run->add_option("--lib-dir", options.libraryDirectories,
-                      "Where libraries named without a slash are searched first; repeatable; "
-                      "default: the directory lib beside the executable's own"),
-      "DIR");
-  run->add_option("--bus", options.bus,
-                  "Directory through which processes reach each other's channels; default: that of "
-                  "ZERVA_BUS in the environment, else a new one for this process and those that it "
-                  "starts")
-      ->type_name("DIR");
-  repeatable(run->add_option_function<std::vector<std::string>>(
-                 "--await",
-                 [&](const std::vector<std::string>& channels) {
-                   for (const std::string& channel : channels) {
-                     options.awaited.push_back(readAwaited(channel));
-                   }
-                 },
-                 "Wait before the start until another process serves this channel, at most so "
-                 "long, or 30 seconds; repeatable"),
-             "CHANNEL[=SECONDS]");
+  addWhatIsSeen(*run, options);
+  addSurroundings(*run, options);
   run->add_flag_callback(
       "--no-check", [&] { options.check = false; }, "Do not look the file over first");
   run->add_option_function<double>(

@@ -202,9 +202,9 @@ ExitCode startAndStop(const RunOptions& options, const sigset_t& signals, HostBu
 
 }  // namespace
 
-ExitCode run(const RunOptions& asked, const sigset_t& signals) {
-  RunOptions options = asked;
-  options.status = statusWanted(asked.status);
+ExitCode run(const RunOptions& options, const sigset_t& signals) {
+  RunOptions wanted = options;
+  wanted.status = statusWanted(options.status);
   const ManagerEnvironment environment = ManagerEnvironment::take();
   if (!setUpLog(options)) return ExitCode::NoLogFile;
   if (!lookOver(options)) return ExitCode::FileRefused;
@@ -219,7 +219,7 @@ ExitCode run(const RunOptions& asked, const sigset_t& signals) {
   MemoryReserve reserve;  // the bus needs it to close
   const auto bus = openBus(options);
   if (bus == nullptr) return ExitCode::NoBus;
-  const ExitCode code = startAndStop(options, signals, *bus, environment, reserve);
+  const ExitCode code = startAndStop(wanted, signals, *bus, environment, reserve);
   writeEverythingOut();
   return code;
 }

@@ -61,7 +61,7 @@ done
   'headers and packages to build services for zerva' ] || fail 'zerva-dev says it is something else'
 
 # The packages of both word sizes side by side, in a system of their own that has nothing else.
-root=$work/root
+root=$work/tree
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$root/etc/alternatives" \
   "$root/var/lib/dpkg/alternatives" "$root/var/log"
 touch "$root/var/lib/dpkg/status" "$root/var/lib/dpkg/available"
