@@ -76,10 +76,10 @@ std::string_view TraceRecord::bytes() {
 TraceHeader headerOf(std::string_view records) { return take<TraceHeader>(records); }
 
 void appendBeginning(std::string& lines, const TraceHeader& header, std::string_view service) {
-  lines += "{\"event\":\"";
+  lines += R"({"event":")";
   lines += nameOf(header.kind);
-  lines += "\",\"t\":" + std::to_string(header.t);
-  lines += ",\"thread\":{\"id\":" + std::to_string(header.thread) + ",\"name\":";
+  lines += R"(","t":)" + std::to_string(header.t);
+  lines += R"(,"thread":{"id":)" + std::to_string(header.thread) + R"(,"name":)";
   const char* name = header.threadName.data();
   appendJsonText(lines, {name, ::strnlen(name, header.threadName.size())});
   lines += '}';

@@ -93,7 +93,7 @@ void writeFirst(const std::string& about) {
   TraceEvent(TraceKind::Trace)
       .with(TraceKey::Version, 1)
       .with(TraceKey::Pid, ::getpid())
-      .with(TraceKey::Bits, static_cast<std::int64_t>(sizeof(void*) * 8))
+      .with(TraceKey::Bits, std::int64_t{sizeof(void*)} * 8)
       .with(TraceKey::Wall, std::chrono::nanoseconds(wall).count())
       .with(TraceKey::File, about)
       .write();
