@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -167,10 +166,20 @@ TEST_F(AHostThatTellsHowItIs, SaysWhatKeepsItsTimersFromEnding) {
       [&] { return status(host).at("waits_for") == "a timer's owner that is being called"; }));
 }
 
+/** @returns the text with something else for each part that is between two others. */
+std::string without(std::string text, const std::string& before, const std::string& after) {
+  for (std::size_t at = text.find(before); at != std::string::npos; at = text.find(before, at)) {
+    at += before.size();
+    const std::size_t end = text.find(after, at);
+    if (end == std::string::npos) break;
+    text.replace(at, end - at, "?");
+  }
+  return text;
+}
+
 /** @returns the lines without what differs from run to run. */
-std::string comparable(const std::string& text, pid_t process) {
-  const std::string alike = std::regex_replace(text, std::regex(std::to_string(process)), "N");
-  return std::regex_replace(alike, std::regex("file[01]|took [0-9]+ ms"), "?");
+std::string comparable(const std::string& text) {
+  return without(without(text, "starts ", "\n"), "init took ", " ms");
 }
 
 TEST_F(AHostThatTellsHowItIs, DoesAndPrintsWhatItWouldWithoutThat) {
@@ -185,7 +194,7 @@ TEST_F(AHostThatTellsHowItIs, DoesAndPrintsWhatItWouldWithoutThat) {
     if (tells) zerva("status");
     host.signal(SIGTERM);
     EXPECT_EQ(host.wait(), 0);
-    printed.push_back(comparable(host.output(), host.id()));
+    printed.push_back(comparable(host.output()));
   }
   EXPECT_EQ(printed[0], printed[1]);
   EXPECT_THAT(printed[0], HasSubstr("deleted"));
