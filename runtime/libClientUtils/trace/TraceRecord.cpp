@@ -63,6 +63,8 @@ void TraceRecord::putText(std::uint8_t key, std::string_view text) {
 }
 
 void TraceRecord::put(const void* data, std::size_t size) {
+  // An empty text may have no place at all, which memcpy must not be given.
+  if (size == 0) return;
   std::memcpy(data_.data() + size_, data, size);
   size_ += size;
 }
