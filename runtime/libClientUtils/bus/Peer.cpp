@@ -180,9 +180,18 @@ void Peer::adopt(std::shared_ptr<Connection> connection) {
   open();
 }
 
-void Peer::end(const std::string& cause) {
+void Peer::end(const std::string& cause) { failAll(giveUp(), cause); }
+
+void Peer::failAll(std::vector<ReplyTicket> tickets, const std::string& cause) {
+  for (ReplyTicket& ticket : tickets) {
+    ticket.fail(cause);
+  }
+}
+
+/** Ends the stream. @returns what is asked still, which the caller lets fail. */
+std::vector<ReplyTicket> Peer::giveUp() {
   if (state_ == State::Ended) {
-    return;
+    return {};
   }
   state_ = State::Ended;
   const auto self = shared_from_this();
@@ -193,10 +202,7 @@ void Peer::end(const std::string& cause) {
   // Known to be over before anybody finds out by trying, who would begin another stream at once.
   ended_(self, otherVersion_);
   outgoing_.end();
-  std::vector<ReplyTicket> unanswered = asked_.end();
-  for (ReplyTicket& ticket : unanswered) {
-    ticket.fail(cause);
-  }
+  return asked_.end();
 }
 
 void Peer::use(std::shared_ptr<Connection> connection, std::size_t limit) {
@@ -220,12 +226,14 @@ void Peer::connectionEnded(const std::string& why) {
     return;
   }
   if (why.empty()) {
+    // Counted when nothing can be asked any more: others ask until then.
+    std::vector<ReplyTicket> unanswered = giveUp();
     // Who asked is told, and may have nobody to tell.
-    if (const std::size_t unanswered = asked_.count(); unanswered > 0) {
+    if (!unanswered.empty()) {
       BUS_LOG(3, "%s ended before it answered what was asked of it: %zu in all",
-              describeProcess(id_).c_str(), unanswered);
+              describeProcess(id_).c_str(), unanswered.size());
     }
-    end(describeProcess(id_) + " ended before it answered");
+    failAll(std::move(unanswered), describeProcess(id_) + " ended before it answered");
     return;
   }
   BUS_LOG(3, "the connection to %s is ended: %s", describeProcess(id_).c_str(), why.c_str());

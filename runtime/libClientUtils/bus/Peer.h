@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "runtime/libClientUtils/Envelope.h"
 #include "runtime/libClientUtils/bus/AskedRequests.h"
@@ -80,6 +81,8 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   void takeEnvelope(Envelope& envelope);
   void open();
   void connectionEnded(const std::string& why);
+  std::vector<ReplyTicket> giveUp();
+  static void failAll(std::vector<ReplyTicket> tickets, const std::string& cause);
   bool sendRequest(Envelope& envelope, const MessageFrame& message);
   bool settle(Envelope& envelope, Outgoing::Result result);
   void sendFailure(std::uint32_t wireId, const std::string& error);

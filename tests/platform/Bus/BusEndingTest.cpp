@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "tests/platform/Bus/BusWorld.h"
+#include "tests/platform/RecordingSink.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
 #include "tests/support/WaitUntil.h"
@@ -51,6 +52,41 @@ TEST_F(AProcessOnTheBus, ThatIsKilled_FailsAllWhoWaitForItAtOnce) {
     EXPECT_EQ(ask("/hold", "x").error, partner.name() + " ended before it answered");
   });
   killer.join();
+}
+
+/** How many requests the log says were left without an answer. */
+std::size_t saidToBeUnanswered(const RecordingSink& log) {
+  const std::string mark = "ended before it answered what was asked of it: ";
+  std::size_t all = 0;
+  for (const std::string& text : log.texts()) {
+    const std::size_t at = text.find(mark);
+    if (at != std::string::npos) all += std::stoul(text.substr(at + mark.size()));
+  }
+  return all;
+}
+
+// Some asked between the count and the end, and of those nobody was told but who asked: a service
+// that takes no answer for "not found" went on without a word in the log.
+TEST_F(AProcessOnTheBus, ThatIsKilledWhileOthersAsk_IsSaidToHaveLeftEachThatItLeft) {
+  for (int round = 0; round < 100; ++round) {
+    const RecordingSink log("Bus", 3);
+    BusPartner partner(path, "/partner");
+    partner.tell("serve echo MT /echo");
+    std::atomic<std::size_t> asked = 0;
+    std::atomic<std::size_t> left = 0;
+    std::thread killer([&] {
+      EXPECT_TRUE(waitUntil([&] { return asked > 20; }));
+      partner.process().signal(SIGKILL);
+    });
+    concurrently(16, [&](std::size_t) {
+      for (Answer answer{true, {}, {}}; answer.ok; ++asked) {
+        answer = ask("/echo", "x");
+        left += answer.error == partner.name() + " ended before it answered" ? 1U : 0U;
+      }
+    });
+    killer.join();
+    EXPECT_EQ(saidToBeUnanswered(log), left);
+  }
 }
 
 TEST_F(AProcessOnTheBus, ThatIsKilled_LeavesNothingBehind) {
