@@ -48,6 +48,11 @@ elseif(NOT ZERVA_BITS EQUAL 64)
   message(FATAL_ERROR "ZERVA_BITS is 32 or 64, not '${ZERVA_BITS}'")
 endif()
 
+# More than this costs the compiler much where all is instrumented, and finds nothing more.
+if(NOT ZERVA_SANITIZE STREQUAL "" AND NOT ZERVA_FUZZ)
+  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1 -DNDEBUG")
+endif()
+
 # What instrumented programs are run with; tests get it from zerva_test.
 set(ZERVA_SANITIZER_ENVIRONMENT "")
 if(ZERVA_SANITIZE STREQUAL "address")
