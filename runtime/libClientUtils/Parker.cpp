@@ -1,6 +1,7 @@
 #include "runtime/libClientUtils/Parker.h"
 
 #include <pthread.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <system_error>
@@ -13,6 +14,9 @@ namespace {
 
 // About what it takes to put a thread to sleep and to wake it on another processor.
 constexpr std::chrono::microseconds kSpinTime{30};
+
+// What comes within this time came sooner than a thread that sleeps could have been woken.
+constexpr std::chrono::microseconds kOfUse{60};
 
 // A look at the clock takes as long as some of these.
 constexpr int kLooksBetweenClocks = 32;
@@ -59,10 +63,12 @@ const std::shared_ptr<Parker>& Parker::ofThisThread() {
   return *own;
 }
 
-bool Parker::park(Clock::time_point deadline) { return takeToken() || spin() || sleep(&deadline); }
+bool Parker::park(Clock::time_point deadline) {
+  return takeToken() || linger() || sleep(&deadline);
+}
 
 void Parker::park() {
-  if (!takeToken() && !spin()) sleep(nullptr);
+  if (!takeToken() && !linger()) sleep(nullptr);
 }
 
 void Parker::unpark() {
@@ -77,27 +83,39 @@ bool Parker::takeToken() {
          state_.compare_exchange_strong(unparked, kAwake, std::memory_order_acquire);
 }
 
-/** Looks whether somebody unparks the thread soon. @returns whether somebody did. */
-bool Parker::spin() {
+/** Gives somebody the time to unpark the thread before it sleeps. @returns whether somebody did. */
+bool Parker::linger() {
   if (leftOut_ > 0) {
     --leftOut_;
     return false;
   }
-  if (mayUseSeveralProcessors()) {
-    const Clock::time_point end = Clock::now() + kSpinTime;
-    do {
-      for (int looks = kLooksBetweenClocks; looks > 0; --looks) {
-        if (takeToken()) {
-          inVain_ = 0;
-          return true;
-        }
-        pauseProcessor();
-      }
-    } while (Clock::now() < end);
+  const Clock::time_point begin = Clock::now();
+  const bool came = mayUseSeveralProcessors() ? spin(begin + kSpinTime) : yield();
+  // One that came late would have come in time to a thread that sleeps: the processor is wanted.
+  if (came && Clock::now() - begin < kOfUse) {
+    inVain_ = 0;
+  } else {
+    inVain_ = std::min(2 * inVain_ + 1, kMostLeftOut);
+    leftOut_ = inVain_;
   }
-  inVain_ = std::min(2 * inVain_ + 1, kMostLeftOut);
-  leftOut_ = inVain_;
+  return came;
+}
+
+/** For whoever runs on another processor. */
+bool Parker::spin(Clock::time_point end) {
+  do {
+    for (int looks = kLooksBetweenClocks; looks > 0; --looks) {
+      if (takeToken()) return true;
+      pauseProcessor();
+    }
+  } while (Clock::now() < end);
   return false;
+}
+
+/** For whoever waits for this processor. */
+bool Parker::yield() {
+  ::sched_yield();
+  return takeToken();
 }
 
 /** @returns whether the thread was unparked; false when the deadline came first. */

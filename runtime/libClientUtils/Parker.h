@@ -16,9 +16,9 @@ using Clock = std::chrono::steady_clock;
  * of the thread's own chain, closing, shutdown - unparks it; the thread then looks for itself what
  * has changed.
  *
- * A thread that was unparked soon the last times looks for the next one for some microseconds
- * before it sleeps, if there is another processor for whoever unparks it: waking a thread that
- * sleeps takes longer than many a call.
+ * A thread that was unparked soon the last times lingers before it sleeps, since to be put to sleep
+ * and woken takes longer than many a call: it looks for some microseconds whether somebody unparks
+ * it if there is another processor for whoever does, and lets others run once if there is not.
  */
 class ZERVA_EXPORT Parker {
  public:
@@ -40,7 +40,9 @@ class ZERVA_EXPORT Parker {
 
  private:
   bool takeToken();
-  bool spin();
+  bool linger();
+  bool spin(Clock::time_point end);
+  bool yield();
   bool sleep(const Clock::time_point* deadline);
 
   /** What `state_` may be. */

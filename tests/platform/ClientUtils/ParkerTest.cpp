@@ -63,8 +63,8 @@ TEST(AThread, HasOneParkerThatGoesWithIt) {
   EXPECT_NE(Parker::ofThisThread(), nullptr);
 }
 
-// Whether the threads look for each other or sleep changes all the time here.
-TEST(AParker, LosesNoUnparkingHoweverItMeetsThePark) {
+/** Two threads that wait for each other, and now and then longer than anybody lingers. */
+void expectNoUnparkingIsLost() {
   constexpr int kRounds = 20000;
   Parker there;
   Parker here;
@@ -73,7 +73,6 @@ TEST(AParker, LosesNoUnparkingHoweverItMeetsThePark) {
   std::thread other([&] {
     for (int round = 1; round <= kRounds; ++round) {
       while (asked < round) there.park();
-      // Now and then later than anybody looks for it.
       if (round % 1000 == 0) std::this_thread::sleep_for(milliseconds(1));
       answered = round;
       here.unpark();
@@ -87,17 +86,33 @@ TEST(AParker, LosesNoUnparkingHoweverItMeetsThePark) {
   other.join();
 }
 
+/** Holds the calling thread, and those that it makes from now on, on one processor. */
+void stayOnOneProcessor() {
+  cpu_set_t before;
+  ASSERT_EQ(sched_getaffinity(0, sizeof(before), &before), 0);
+  EXPECT_EQ(mayUseSeveralProcessors(), CPU_COUNT(&before) > 1);
+  cpu_set_t one;
+  CPU_ZERO(&one);
+  for (std::size_t processor = 0; CPU_COUNT(&one) == 0; ++processor) {
+    if (CPU_ISSET(processor, &before)) CPU_SET(processor, &one);
+  }
+  ASSERT_EQ(sched_setaffinity(0, sizeof(one), &one), 0);
+}
+
+// Whether the threads look for each other or sleep changes all the time here.
+TEST(AParker, LosesNoUnparkingHoweverItMeetsThePark) { expectNoUnparkingIsLost(); }
+
+// There they make room for each other before they sleep.
+TEST(AParker, OnOneProcessor_LosesNoUnparkingHoweverItMeetsThePark) {
+  std::thread([] {
+    stayOnOneProcessor();
+    expectNoUnparkingIsLost();
+  }).join();
+}
+
 TEST(AThread, ThatIsHeldOnOneProcessor_MayNotUseSeveral) {
   std::thread([] {
-    cpu_set_t before;
-    ASSERT_EQ(sched_getaffinity(0, sizeof(before), &before), 0);
-    EXPECT_EQ(mayUseSeveralProcessors(), CPU_COUNT(&before) > 1);
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    for (std::size_t processor = 0; CPU_COUNT(&one) == 0; ++processor) {
-      if (CPU_ISSET(processor, &before)) CPU_SET(processor, &one);
-    }
-    ASSERT_EQ(sched_setaffinity(0, sizeof(one), &one), 0);
+    stayOnOneProcessor();
     EXPECT_FALSE(mayUseSeveralProcessors());
   }).join();
 }
