@@ -54,7 +54,7 @@ bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {
   // Held here too, since the channel may be deleted while this thread waits.
   const std::shared_ptr<Mailbox> mailbox = state_->mailbox;
-  const std::int64_t begin = zerva::Trace::begin();
+  const std::int64_t begin = zerva::Trace::beginOfCall();
   auto outcome = mailbox->awaitReply(static_cast<std::uint32_t>(requestId));
   auto& received = message.state();
   received.error = std::move(outcome.error);

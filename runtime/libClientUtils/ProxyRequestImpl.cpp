@@ -58,7 +58,7 @@ const std::string& ProxyRequestImpl::getQualifier() const { return state_->quali
 
 void ProxyRequestImpl::call(const std::string& method, const Writable& arguments,
                             Readable& result) {
-  const std::int64_t begin = zerva::Trace::begin();
+  const std::int64_t begin = zerva::Trace::beginOfCall();
   const auto fail = [&](const std::string& cause) {
     zerva::Trace::called(*state_->svcChannel, state_->callee->interface, method, begin, cause);
     throw CallException(state_->callee->interface, method, *state_->svcChannel, cause);

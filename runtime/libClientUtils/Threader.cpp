@@ -56,6 +56,7 @@ std::string errorText(int error) { return std::generic_category().message(error)
 
 void traceStart(const Start& start) {
   zerva::Trace::workFor(start.service, false);
+  if (!zerva::Trace::on()) return;
   // What leaves this thread ends the process.
   zerva::Trace::guarded([&] {
     zerva::TraceEvent(zerva::TraceKind::ThreadRunning)
@@ -102,7 +103,7 @@ __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   applyName(start->name);
   applyPriority(start->priority, start->name);
   const InBody inBody(*start->state);
-  if (zerva::Trace::on()) traceStart(*start);
+  if (zerva::Trace::countsCalls()) traceStart(*start);
   try {
     start->body->run();
   } catch (abi::__forced_unwind&) {
@@ -155,7 +156,7 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
   if (body == nullptr) return fail("there is no body");
   const std::shared_ptr<Threadable::State> state = body->threadState();
   auto start = std::make_unique<Start>(Start{body, description, state, name, priority, {}});
-  if (zerva::Trace::on()) {
+  if (zerva::Trace::countsCalls()) {
     zerva::Trace::guarded([&] { start->service = zerva::Trace::servedByThisThread(); });
   }
   const std::size_t bytes =

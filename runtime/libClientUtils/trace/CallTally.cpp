@@ -11,6 +11,11 @@ namespace {
 /** A key with its names, for the time of a visit. */
 using Names = std::array<std::string, 4>;
 
+Names namesOf(const CallKey& key) {
+  return {std::string(key.service), std::string(key.channel), std::string(key.interface),
+          std::string(key.method)};
+}
+
 struct Visited {
   CallFigures figures;
   bool changed = false;
@@ -42,10 +47,10 @@ bool CallTally::add(unsigned which, const CallKey& key, std::int64_t duration,
   return true;
 }
 
-CallTally::Counts* CallTally::findOrMake(Share& share, const CallKey& key) {
+CallTally::Counts* CallTally::findOrMake(Share& share, const CallKey& key) const {
   const auto found = share.find(key);
   if (found != share.end()) return found->second.get();
-  if (share.size() >= kLargestShare) return nullptr;
+  if (share.size() >= largestShare_) return nullptr;
   auto counts = std::make_unique<Counts>();
   for (const std::string_view name : {key.service, key.channel, key.interface, key.method}) {
     counts->names += name;
@@ -64,20 +69,19 @@ CallTally::Counts* CallTally::findOrMake(Share& share, const CallKey& key) {
   return share.emplace(kept, std::move(counts)).first->second.get();
 }
 
-void CallTally::clear() {
+void CallTally::clear() noexcept {
   for (Guarded& guarded : shares_) {
     const std::lock_guard lock(guarded.mutex);
     guarded.share.clear();
   }
 }
 
-void CallTally::visitChanged(const std::function<void(const CallKey&, const CallFigures&)>& visit) {
+void CallTally::visitChanged(const Visit& visit) {
   std::map<Names, Visited> all;
   for (Guarded& guarded : shares_) {
     const std::lock_guard lock(guarded.mutex);
     for (const auto& [key, counts] : guarded.share) {
-      Visited& visited = all[{std::string(key.service), std::string(key.channel),
-                              std::string(key.interface), std::string(key.method)}];
+      Visited& visited = all[namesOf(key)];
       addUp(*counts, visited.figures);
       visited.changed = visited.changed || counts->changed;
       counts->changed = false;
@@ -85,6 +89,17 @@ void CallTally::visitChanged(const std::function<void(const CallKey&, const Call
   }
   for (const auto& [names, visited] : all) {
     if (visited.changed) visit({names[0], names[1], names[2], names[3]}, visited.figures);
+  }
+}
+
+void CallTally::visitAll(const Visit& visit) const {
+  std::map<Names, CallFigures> all;
+  for (const Guarded& guarded : shares_) {
+    const std::lock_guard lock(guarded.mutex);
+    for (const auto& [key, counts] : guarded.share) addUp(*counts, all[namesOf(key)]);
+  }
+  for (const auto& [names, figures] : all) {
+    visit({names[0], names[1], names[2], names[3]}, figures);
   }
 }
 

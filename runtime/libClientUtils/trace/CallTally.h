@@ -43,6 +43,11 @@ struct CallFigures {
  */
 class ZERVA_EXPORT CallTally {
  public:
+  using Visit = std::function<void(const CallKey&, const CallFigures&)>;
+
+  /** @param most how many different calls are told apart for each eighth of the threads. */
+  explicit CallTally(std::size_t most = 1024) : largestShare_(most) {}
+
   /**
    * Counts a call.
    *
@@ -51,21 +56,23 @@ class ZERVA_EXPORT CallTally {
   bool add(unsigned which, const CallKey& key, std::int64_t duration, bool failed) noexcept;
 
   /** Forgets everything. */
-  void clear();
+  void clear() noexcept;
 
   /**
    * Hands over what changed since the last time, each with all that was counted so far. What is
    * handed over lives during the call. After an exception only `changeAll` tells again what was to
    * be handed over.
    */
-  void visitChanged(const std::function<void(const CallKey&, const CallFigures&)>& visit);
+  void visitChanged(const Visit& visit);
+
+  /** Hands over everything that was counted so far; it changes nothing. */
+  void visitAll(const Visit& visit) const;
 
   /** Takes everything for changed. */
   void changeAll() noexcept;
 
  private:
   static constexpr std::size_t kShares = 8;
-  static constexpr std::size_t kLargestShare = 1024;
   // Four steps for each doubling of the duration.
   static constexpr std::size_t kSteps = 160;
 
@@ -86,15 +93,16 @@ class ZERVA_EXPORT CallTally {
   using Share = std::unordered_map<CallKey, std::unique_ptr<Counts>, Hash>;
 
   struct alignas(64) Guarded {
-    std::mutex mutex;
+    mutable std::mutex mutex;
     Share share;  // guarded by mutex
   };
 
   static std::size_t stepOf(std::int64_t duration);
   static std::int64_t lastOf(std::size_t step);
-  static Counts* findOrMake(Share& share, const CallKey& key);
+  Counts* findOrMake(Share& share, const CallKey& key) const;
   static void addUp(const Counts& counts, CallFigures& figures);
 
+  const std::size_t largestShare_;
   std::array<Guarded, kShares> shares_;
 };
 

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "runtime/libClientUtils/ServingThread.h"
+#include "runtime/libClientUtils/trace/SeenCalls.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libClientUtils/trace/TraceWriter.h"
 
@@ -40,15 +41,15 @@ const TracedThread& thisThread() {
 }
 
 /**
- * @returns the same text, which is never destroyed; null for an empty one, while the trace is off,
- *     and when there is no memory for it.
+ * @returns the same text, which is never destroyed; null for an empty one, while no calls are
+ *     counted, and when there is no memory for it.
  */
 const std::string* keep(std::string_view text) {
   struct Kept {
     std::mutex mutex;
     std::set<std::string, std::less<>> texts;  // guarded by mutex
   };
-  if (text.empty() || !Trace::on()) return nullptr;
+  if (text.empty() || !Trace::countsCalls()) return nullptr;
   const std::string* same = nullptr;
   Trace::guarded([&] {
     static auto* const kept = new Kept;
@@ -73,7 +74,7 @@ unsigned numberOfThisThread() { return static_cast<unsigned>(thisThread().id); }
 
 }  // namespace
 
-std::atomic<bool> Trace::on_{false};
+std::atomic<unsigned char> Trace::wanted_{0};
 
 std::string Trace::start(const std::string& path, const std::string& about) {
   return TraceWriter::instance().start(path, about);
@@ -112,7 +113,10 @@ void Trace::called(std::string_view channel, std::string_view interface, std::st
                    std::int64_t begin, const std::string& error) {
   if (begin == 0) return;
   const CallKey key{servedByThisThread(), channel, interface, method};
-  TraceWriter::instance().count(numberOfThisThread(), key, now() - begin, !error.empty());
+  const std::int64_t duration = now() - begin;
+  if (SeenCalls::on()) SeenCalls::add(numberOfThisThread(), key, duration, !error.empty());
+  if (!on()) return;
+  TraceWriter::instance().count(numberOfThisThread(), key, duration, !error.empty());
   const bool announces = interface == "ServiceRegistryIfc" && method == "registerInterface";
   if (!announces && !tracedThread.comingUp) return;
   TraceEvent event(announces ? TraceKind::Announcement : TraceKind::Call);

@@ -20,7 +20,10 @@ namespace zerva {
 class ZERVA_EXPORT Trace {
  public:
   /** @returns whether it is on: one relaxed read, for the points where something happens. */
-  static bool on() { return on_.load(std::memory_order_relaxed); }
+  static bool on() { return (wanted_.load(std::memory_order_relaxed) & kEvents) != 0; }
+
+  /** @returns whether calls are counted: it is on, or `SeenCalls` are; one relaxed read, too. */
+  static bool countsCalls() { return wanted_.load(std::memory_order_relaxed) != 0; }
 
   /**
    * Starts to write, to a new file; one that is there is replaced. Ends what was started before.
@@ -45,12 +48,15 @@ class ZERVA_EXPORT Trace {
   /** @returns `now()` when it is on, else 0, for `TraceEvent::since`. */
   static std::int64_t begin() { return on() ? now() : 0; }
 
+  /** @returns as `begin`, for `called`. */
+  static std::int64_t beginOfCall() { return countsCalls() ? now() : 0; }
+
   /**
    * Says for which service the calling thread, and each that it starts, works from here on, as far
    * as it does not serve a request of another one.
    *
-   * @param service empty for nobody in particular; nobody as well while the trace is off. Kept for
-   *     good, so there should be few.
+   * @param service empty for nobody in particular; nobody as well while no calls are counted. Kept
+   *     for good, so there should be few.
    * @param comingUp whether the service is coming up, so that its calls are written one by one.
    * @param ownCode whether something of the service itself runs on the thread, rather than only
    *     what is done about it.
@@ -75,14 +81,29 @@ class ZERVA_EXPORT Trace {
     if (exceptionOf(work)) lose();
   }
 
-  /** Counts a call; writes it too when it is made for a service that is coming up. */
+  /**
+   * Counts a call; writes it too when it is made for a service that is coming up.
+   *
+   * @param begin what `beginOfCall` gave before it; nothing happens for 0.
+   */
   static void called(std::string_view channel, std::string_view interface, std::string_view method,
                      std::int64_t begin, const std::string& error);
 
  private:
+  friend class SeenCalls;
   friend class TraceEvent;
   friend class TraceWriter;
-  static std::atomic<bool> on_;
+
+  /** What for: bits of `wanted_`. */
+  static constexpr unsigned char kEvents = 1;
+  static constexpr unsigned char kSeenCalls = 2;
+
+  static void want(unsigned char what) { wanted_.fetch_or(what, std::memory_order_relaxed); }
+  static void wantNoMore(unsigned char what) {
+    wanted_.fetch_and(static_cast<unsigned char>(~what), std::memory_order_relaxed);
+  }
+
+  static std::atomic<unsigned char> wanted_;
 };
 
 /**

@@ -138,13 +138,13 @@ std::string TraceWriter::start(const std::string& path, const std::string& about
     file_ = -1;
     return *error;
   }
-  Trace::on_.store(true, std::memory_order_relaxed);
+  Trace::want(Trace::kEvents);
   return {};
 }
 
 void TraceWriter::stop() {
   if (!thread_.joinable()) return;
-  Trace::on_.store(false, std::memory_order_relaxed);
+  Trace::wantNoMore(Trace::kEvents);
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
@@ -279,7 +279,7 @@ void TraceWriter::put(const std::string& lines) {
 
 /** The file cannot be written any more. */
 void TraceWriter::end(int error) {
-  Trace::on_.store(false, std::memory_order_relaxed);
+  Trace::wantNoMore(Trace::kEvents);
   ::close(file_);
   file_ = -1;
   static_cast<void>(exceptionOf([&] {

@@ -88,6 +88,29 @@ TEST_F(ATallyOfCalls, TakesDurationsOfAnyLength) {
   EXPECT_EQ(changed().at(0).figures.count, 2U);
 }
 
+TEST_F(ATallyOfCalls, HandsOverEverythingWithoutTakingItForTold) {
+  sut.add(0, kKey, 5, false);
+  sut.add(1, kKey, 5, true);
+  for (int time = 0; time < 2; ++time) {
+    std::vector<CallFigures> all;
+    sut.visitAll([&](const CallKey& key, const CallFigures& figures) {
+      EXPECT_EQ(key, kKey);
+      all.push_back(figures);
+    });
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_EQ(all[0].count, 2U);
+    EXPECT_EQ(all[0].failures, 1U);
+  }
+  EXPECT_EQ(changed().size(), 1U);
+}
+
+TEST(ATallyOfFewCalls, TakesAsManyKeysAsItWasMadeFor) {
+  CallTally sut(1);
+  EXPECT_TRUE(sut.add(0, kKey, 1, false));
+  EXPECT_TRUE(sut.add(0, kKey, 1, false));
+  EXPECT_FALSE(sut.add(0, {"/other", "/to", "Ifc", "method"}, 1, false));
+}
+
 TEST_F(ATallyOfCalls, TakesNoMoreKeysThanItHasRoomFor) {
   std::size_t refused = 0;
   for (int number = 0; number < 2000; ++number) {
