@@ -15,6 +15,7 @@
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
 #include "host/explain/ExplainCommand.h"
+#include "host/graph/GraphCommand.h"
 #include "host/live/LiveVerbs.h"
 #include "host/skeleton/NewService.h"
 #include "host/trace/TraceVerbs.h"
@@ -92,8 +93,8 @@ void addWhatIsSeen(CLI::App& run, RunOptions& options) {
                  "default: ZERVA_TRACE of the environment")
       ->type_name("FILE");
   run.add_flag("--status", options.status,
-               "Let status and watch see how it is, on the bus, and the hosts that it starts, "
-               "too; default: ZERVA_STATUS of the environment");
+               "Let status, watch and graph --live see how it is, on the bus, and the hosts that it "
+               "starts, too; default: ZERVA_STATUS of the environment");
 }
 
 /** What is around a run: libraries, and other processes. */
@@ -202,6 +203,7 @@ Wanted readCommandLine(int argc, const char* const* argv) {
   addExplain(app, verb);
   addNew(app, newOptions, verb);
   addTraceVerbs(app, verb);
+  addGraph(app, verb);
   addStatus(app, verb);
   addWatch(app, verb);
   addCall(app, verb);

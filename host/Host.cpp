@@ -50,7 +50,7 @@ Host::Host(Report& report)
       askingChannel_(channel_),
       processesBefore_(idsOf(StartedProcesses::list())) {
   invokeInterceptors_.addInterceptor(&counter_);
-  if (Trace::on()) {
+  if (Trace::countsCalls()) {
     recorder_ = std::make_unique<TraceRecorder>();
     repository_.addObserver(*recorder_);
   }

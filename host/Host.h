@@ -108,7 +108,7 @@ class Host {
   ProtocolRepository protocols_;
   CommsChannel channel_;
   TracedChannel askingChannel_;
-  std::unique_ptr<TraceRecorder> recorder_;  // null when nothing is traced
+  std::unique_ptr<TraceRecorder> recorder_;  // null when no calls are counted
   /** Those that were started before this host was made, by another one in this program. */
   const std::set<int> processesBefore_;
   std::size_t processesDown_ = 0;

@@ -28,6 +28,7 @@
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
+#include "runtime/libClientUtils/trace/SeenCalls.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 
 namespace zerva {
@@ -216,6 +217,7 @@ ExitCode run(const RunOptions& options, const sigset_t& signals) {
     complain(trace.error());
     if (!options.trace.empty()) return ExitCode::NoTraceFile;
   }
+  if (wanted.status) SeenCalls::start();
   MemoryReserve reserve;  // the bus needs it to close
   const auto bus = openBus(options);
   if (bus == nullptr) return ExitCode::NoBus;

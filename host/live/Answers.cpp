@@ -19,14 +19,18 @@ namespace {
 
 constexpr const char* kProtocol = "zerva_simple_rmi";
 
-void ask(Answer& answer, ProtocolAdapter& adapter) {
+void ask(Answer& answer, Question question, ProtocolAdapter& adapter) {
   const std::string to = HostStatusIfc::channelOf(answer.process);
   // Each with a channel of its own, since the ids of their requests are the same.
   CommsChannel from("/zerva/live", nullptr);
   ProxyRequestImpl request(&from, to, HostStatusIfc::name, kProtocol, &adapter, "", nullptr);
   HostStatusProxy proxy;
   proxy.initialise(&request);
-  const auto error = exceptionOf([&] { answer.status = readProcessStatus(proxy.status()); });
+  const auto error = exceptionOf([&] {
+    ProcessStatus status = readProcessStatus(proxy.status());
+    if (question == Question::StatusAndCalls) answer.calls = readCallsSoFar(proxy.calls());
+    answer.status = std::move(status);
+  });
   answer.why = error.value_or("");
 }
 
@@ -47,7 +51,7 @@ std::map<ExecutorKey, std::uint64_t> queuedBefore(const std::vector<Answer>& ans
 
 }  // namespace
 
-std::vector<Answer> askAll(const LiveBus& bus) {
+std::vector<Answer> askAll(const LiveBus& bus, Question question) {
   std::vector<Answer> answers;
   for (BusProcess& process : bus.processes()) {
     Answer answer;
@@ -62,7 +66,8 @@ std::vector<Answer> askAll(const LiveBus& bus) {
   ProtocolAdapter& adapter = *protocols.findProtocolAdapter(kProtocol);
   std::vector<std::jthread> asking;
   for (Answer& answer : answers) {
-    if (answer.tells) asking.emplace_back([&answer, &adapter] { ask(answer, adapter); });
+    if (!answer.tells) continue;
+    asking.emplace_back([&answer, &adapter, question] { ask(answer, question, adapter); });
   }
   asking.clear();
   return answers;

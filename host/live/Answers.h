@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/live/CallsSoFar.h"
 #include "host/live/ProcessStatus.h"
 
 namespace zerva {
@@ -16,6 +17,8 @@ struct Answer {
   int process = 0;
   /** What it said; nothing when it said nothing. */
   std::optional<ProcessStatus> status;
+  /** The calls that it made, when it was asked for them. */
+  CallsSoFar calls;
   /** Whether it is one that tells how it is: a host that was asked to. */
   bool tells = false;
   /** Why nothing came, of one that tells. */
@@ -24,11 +27,14 @@ struct Answer {
   std::vector<std::string> channels;
 };
 
+/** What processes are asked for. */
+enum class Question { Status, StatusAndCalls };
+
 /**
- * Asks all processes of the bus at once, and waits for the last one. No more than a request waits
- * for its answer.
+ * Asks all processes of the bus at once, and waits for the last one. No more than requests wait
+ * for their answers.
  */
-std::vector<Answer> askAll(const LiveBus& bus);
+std::vector<Answer> askAll(const LiveBus& bus, Question question = Question::Status);
 
 /** @returns whether any service has something queued, so that a second look tells more. */
 bool somethingIsQueued(const std::vector<Answer>& answers);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/live/CallsSoFar.h"
 #include "host/live/StatusBoard.h"
 #include "runtime/libServiceExecutor/Progress.h"
 
@@ -39,6 +40,8 @@ std::string HostStatus::status() {
   addCounters(status.services, executorProgress());
   return writeProcessStatus(status);
 }
+
+std::string HostStatus::calls() { return writeCallsSoFar(callsOfThisProcess()); }
 
 void addCounters(std::vector<ServiceStatus>& services, std::vector<ExecutorProgress> executors) {
   for (ServiceStatus& service : services) {

@@ -14,8 +14,9 @@ class StatusBoard;
 struct ExecutorProgress;
 
 /**
- * The service that tells how its process is. It looks at what was written down and at the
- * executors' counters; it asks no service, so none is made by it, and it waits for none.
+ * The service that tells how its process is. It looks at what was written down, at the executors'
+ * counters and at those of the calls; it asks no service, so none is made by it, and it waits for
+ * none.
  */
 class HostStatus final : public Service, public HostStatusIfc {
  public:
@@ -27,6 +28,7 @@ class HostStatus final : public Service, public HostStatusIfc {
 
   void init(SvcRTEContext* context) override;
   std::string status() override;
+  std::string calls() override;
 
  private:
   const StatusBoard& board_;

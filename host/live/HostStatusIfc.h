@@ -10,6 +10,9 @@ class HostStatusIfc {
   /** @returns a text that `readProcessStatus` reads. */
   virtual std::string status() = 0;
 
+  /** @returns the calls that the process made so far; a text that `readCallsSoFar` reads. */
+  virtual std::string calls() = 0;
+
   /** @returns the channel on which the host in a process serves it. */
   static std::string channelOf(int process);
 

@@ -11,6 +11,7 @@ namespace zerva {
 class HostStatusProxy final : public rmi::ProxyOf<HostStatusIfc> {
  public:
   std::string status() override { return call(ZERVA_METHOD(HostStatusIfc::status)); }
+  std::string calls() override { return call(ZERVA_METHOD(HostStatusIfc::calls)); }
 };
 
 }  // namespace zerva

@@ -11,8 +11,8 @@ constexpr double kLongest = 1e6;
 
 }  // namespace
 
-void addBusOption(CLI::App& command, std::string& directory) {
-  command
+CLI::Option* addBusOption(CLI::App& command, std::string& directory) {
+  return command
       .add_option("--bus", directory,
                   "Directory of the bus; default: that of ZERVA_BUS in the environment")
       ->type_name("DIR");

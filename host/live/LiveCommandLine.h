@@ -11,7 +11,7 @@ class Option;
 namespace zerva {
 
 /** The option `--bus` of a verb that looks at a bus. */
-void addBusOption(CLI::App& command, std::string& directory);
+CLI::Option* addBusOption(CLI::App& command, std::string& directory);
 
 /**
  * An option that is a time in seconds, fractions allowed.

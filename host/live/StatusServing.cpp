@@ -18,7 +18,8 @@ namespace {
 
 class HostStatusInvoker final : public rmi::InvokerOf<HostStatusIfc> {
  public:
-  HostStatusInvoker() : InvokerOf(ZERVA_METHOD(HostStatusIfc::status)) {}
+  HostStatusInvoker()
+      : InvokerOf(ZERVA_METHOD(HostStatusIfc::status), ZERVA_METHOD(HostStatusIfc::calls)) {}
 };
 
 /** Knows the one invoker, and looks nothing up: the configurator may be busy, or not there. */

@@ -4,6 +4,7 @@
 #include <bit>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 namespace zerva {
@@ -11,7 +12,7 @@ namespace {
 
 constexpr const char* kRegistryChannel = "/zerva/serviceregistry";
 
-std::vector<DeclaredInterface> interfacesOf(const ServiceRun& service) {
+std::vector<DeclaredInterface> interfacesOf(const GraphSource::Service& service) {
   std::vector<DeclaredInterface> interfaces;
   std::istringstream names(service.interfaces);
   for (std::string name; names >> name;) interfaces.push_back({name});
@@ -22,10 +23,15 @@ class Builder {
  public:
   explicit Builder(bool registry) : registry_(registry) {}
 
-  CallGraph build(const std::vector<RunModel>& runs) {
-    for (std::size_t process = 0; process < runs.size(); ++process) declare(runs[process], process);
-    for (std::size_t process = 0; process < runs.size(); ++process) {
-      for (const CallRun& call : runs[process].calls) add(call, process, runs[process].pid);
+  CallGraph build(const std::vector<GraphSource>& sources) {
+    for (std::size_t process = 0; process < sources.size(); ++process) {
+      declare(sources[process], process);
+    }
+    for (std::size_t process = 0; process < sources.size(); ++process) {
+      serve(sources[process], process);
+    }
+    for (std::size_t process = 0; process < sources.size(); ++process) {
+      for (const CallRun& call : sources[process].calls) add(call, process, sources[process].pid);
     }
     return std::move(graph_);
   }
@@ -35,17 +41,27 @@ class Builder {
     return !registry_ && channel == kRegistryChannel;
   }
 
-  void declare(const RunModel& run, std::size_t process) {
-    graph_.lost += run.lost;
-    graph_.processes.push_back(run.file + ", process " + std::to_string(run.pid));
-    for (const ServiceRun& service : run.services) {
+  void declare(const GraphSource& source, std::size_t process) {
+    graph_.lost += source.lost;
+    graph_.others += source.others;
+    graph_.failedOthers += source.failedOthers;
+    graph_.processes.push_back(source.name);
+    for (const GraphSource::Service& service : source.services) {
       if (isLeftOut(service.name)) continue;
       const std::size_t place = graph_.nodes.size();
       // The interfaces that a line names may be more than once in a process, its channel too.
       if (!own_.try_emplace({process, service.name}, place).second) continue;
       graph_.nodes.push_back({service.name, process, true, interfacesOf(service)});
-      // A legacy service has no channel by which others could reach it.
-      if (service.kind != "legacy") channels_.try_emplace(service.name, place);
+      if (service.hasChannel) channels_.try_emplace(service.name, place);
+    }
+  }
+
+  /** What is served and declared nowhere is there if it is called, or all that is known. */
+  void serve(const GraphSource& source, std::size_t process) {
+    for (const std::string& channel : source.channels) {
+      if (isLeftOut(channel) || channels_.contains(channel)) continue;
+      served_.try_emplace(channel, std::pair{process, source.lookedAt});
+      if (!source.lookedAt) callee(channel);
     }
   }
 
@@ -58,7 +74,12 @@ class Builder {
 
   std::size_t callee(const std::string& channel) {
     const auto [known, isNew] = channels_.try_emplace(channel, graph_.nodes.size());
-    if (isNew) graph_.nodes.push_back({channel, std::nullopt, false, {}});
+    if (!isNew) return known->second;
+    GraphNode node{channel, std::nullopt, false, {}, false};
+    if (const auto server = served_.find(channel); server != served_.end()) {
+      std::tie(node.process, node.lookedAt) = server->second;
+    }
+    graph_.nodes.push_back(std::move(node));
     return known->second;
   }
 
@@ -88,13 +109,18 @@ class Builder {
   CallGraph graph_;
   std::map<std::pair<std::size_t, std::string>, std::size_t> own_;
   std::map<std::string, std::size_t> channels_;
+  std::map<std::string, std::pair<std::size_t, bool>>
+      served_;  // by which process, looked at or not
   std::map<std::pair<std::size_t, std::size_t>, std::size_t> arrows_;
 };
 
 using Json = nlohmann::ordered_json;
 
 Json nodeJson(const CallGraph& graph, const GraphNode& node) {
-  Json json = {{"name", node.name}, {"declared", node.declared}, {"interfaces", Json::array()}};
+  Json json = {{"name", node.name},
+               {"declared", node.declared},
+               {"looked_at", node.lookedAt},
+               {"interfaces", Json::array()}};
   if (node.process) json["process"] = graph.processes[*node.process];
   for (const DeclaredInterface& declared : node.interfaces) {
     json["interfaces"].push_back(
@@ -157,18 +183,27 @@ std::int64_t medianOf(const std::map<std::int64_t, std::uint64_t>& times) {
   return 0;
 }
 
+CallGraph callGraphOf(const std::vector<GraphSource>& sources, bool registry) {
+  return Builder(registry).build(sources);
+}
+
 CallGraph callGraphOf(const std::vector<RunModel>& runs, bool registry) {
-  return Builder(registry).build(runs);
+  std::vector<GraphSource> sources;
+  for (const RunModel& run : runs) sources.push_back(graphSourceOf(run));
+  return callGraphOf(sources, registry);
 }
 
 std::string callGraphJson(const CallGraph& graph) {
   Json json = {{"processes", graph.processes},
+               {"live", graph.live},
                {"lost", graph.lost},
+               {"others", graph.others},
+               {"failed_others", graph.failedOthers},
                {"nodes", Json::array()},
                {"calls", Json::array()}};
   for (const GraphNode& node : graph.nodes) json["nodes"].push_back(nodeJson(graph, node));
   for (const GraphArrow& arrow : graph.arrows) json["calls"].push_back(arrowJson(graph, arrow));
-  return json.dump(2) + "\n";
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace zerva

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/trace/GraphSource.h"
 #include "host/trace/RunModel.h"
 
 namespace zerva {
@@ -24,11 +25,13 @@ struct DeclaredInterface {
 struct GraphNode {
   /** Its channel, the first interface of a legacy service, or what stands for a host. */
   std::string name;
-  /** The process, by its place among the traces; nothing for one that is in none of them. */
+  /** The process, by its place among those that are known; nothing for one that is in none. */
   std::optional<std::size_t> process;
   /** Whether a line of a directive file made it. */
   bool declared = false;
   std::vector<DeclaredInterface> interfaces;
+  /** Whether its own calls would be known. */
+  bool lookedAt = true;
 };
 
 /** The calls of one method. A message that is no call has neither interface nor method. */
@@ -60,12 +63,20 @@ struct CallGraph {
   std::vector<GraphArrow> arrows;
   /** How many events are missing, so that there may be more calls. */
   std::int64_t lost = 0;
+  /** How many calls more there were of those that cannot be told apart, and how many failed. */
+  std::uint64_t others = 0;
+  std::uint64_t failedOthers = 0;
+  /** Whether it tells of processes that run, and no traces. */
+  bool live = false;
 };
 
 /**
- * @param runs one for each process. @param registry whether with the service registry and its
- * calls.
+ * @param sources one for each process. @param registry whether with the service registry and its
+ *     calls.
  */
+CallGraph callGraphOf(const std::vector<GraphSource>& sources, bool registry);
+
+/** As above, of traces. */
 CallGraph callGraphOf(const std::vector<RunModel>& runs, bool registry);
 
 /** @returns the middle of so many durations; see `calls` in docs/trace.md. */

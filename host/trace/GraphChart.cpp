@@ -117,12 +117,17 @@ class Chart {
     return {shortened(declared.name, kSmall, kWidestName), "count", kSmall};
   }
 
+  const char* whyUnknown(const GraphNode& node) const {
+    if (node.process) return "not looked at";
+    return graph_.live ? "not on the bus" : "in none of these traces";
+  }
+
   std::vector<BoxLine> linesOf(const GraphNode& node) const {
     std::vector<BoxLine> lines{{shortened(node.name, kBold, kWidestName), "head", kBold}};
     for (const DeclaredInterface& declared : node.interfaces) {
       lines.push_back(lineOf(declared));
     }
-    if (!node.process) lines.push_back({"in none of these traces", "bad", kSmall});
+    if (!node.lookedAt) lines.push_back({whyUnknown(node), "bad", kSmall});
     const auto place = static_cast<std::size_t>(&node - graph_.nodes.data());
     for (const GraphArrow& arrow : graph_.arrows) {
       if (arrow.from != place || arrow.to != place) continue;
@@ -149,15 +154,27 @@ class Chart {
       svg_.text(kMargin + 18, y, graph_.processes[process], "process");
       widest = std::max(widest, textWidth(graph_.processes[process], kText));
     }
-    if (graph_.lost > 0) {
+    for (const std::string& text : remarks()) {
       y += 17;
-      const std::string text =
-          std::to_string(graph_.lost) + " events are missing: there may be more calls";
       svg_.text(kMargin, y, text, "bad");
       widest = std::max(widest, textWidth(text, kSmall));
     }
     top_ = y + 26;
     return widest + 18 + 2 * kMargin;
+  }
+
+  /** @returns what is missing in the picture. */
+  std::vector<std::string> remarks() const {
+    std::vector<std::string> texts;
+    if (graph_.lost > 0) {
+      texts.push_back(std::to_string(graph_.lost) + " events are missing: there may be more calls");
+    }
+    if (graph_.others > 0) {
+      texts.push_back(amount(graph_.others, "call") + " more, " +
+                      std::to_string(graph_.failedOthers) +
+                      " of them failed, of others, too many to be told apart");
+    }
+    return texts;
   }
 
   static std::string classOf(std::size_t process) {
@@ -171,7 +188,7 @@ class Chart {
     const LayoutBox& box = layout_.boxes[place];
     const LayoutPoint corner = moved({box.x, box.y});
     svg_.beginGroup("node", node.name);
-    svg_.rectangle(corner.x, corner.y, box.width, box.height, node.process ? "box" : "unknown", "",
+    svg_.rectangle(corner.x, corner.y, box.width, box.height, node.lookedAt ? "box" : "unknown", "",
                    4);
     if (node.process) {
       svg_.rectangle(corner.x, corner.y, 6, box.height, classOf(*node.process), "", 3);

@@ -9,7 +9,7 @@ class App;
 namespace zerva {
 
 /**
- * The verbs that read traces: timeline, graph, diff and advise.
+ * The verbs that read nothing but traces: timeline, diff and advise.
  *
  * @param chosen becomes what is to be done when one of them is asked for.
  */

@@ -7,6 +7,7 @@
 #include "framework/CommsChannelIfc.h"
 #include "framework/ProxyRequest.h"
 #include "framework/Service.h"
+#include "host/tracing/WorkOfThreads.h"
 #include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
@@ -24,19 +25,10 @@ constexpr std::size_t kMostLookups = 10000;
 
 /** When the `init` that runs on this thread began. */
 thread_local std::int64_t initBegan = 0;
-/** Whether the thread makes a lazy service, whose requests it serves. */
-thread_local bool makesLazy = false;
-
-std::string nameOfLegacy(const ConfiguratorEvent& event) {
-  const std::string first = event.interfaces.substr(0, event.interfaces.find(' '));
-  return first.empty() ? event.creator : first;
-}
 
 void plain(TraceKind kind) { TraceEvent(kind).write(); }
 
-void lineBegins(const ConfiguratorEvent& event, const std::string& service, const char* kind) {
-  // Nothing of a lazy service runs while its line is read.
-  Trace::workFor(service, true, event.kind != Kind::LazyLine);
+void lineBegins(const ConfiguratorEvent& event, const char* kind) {
   TraceEvent(TraceKind::ServiceDeclared)
       .with(TraceKey::Library, event.library)
       .with(TraceKey::Creator, event.creator)
@@ -47,7 +39,6 @@ void lineBegins(const ConfiguratorEvent& event, const std::string& service, cons
 }
 
 void recordDeclared(const ConfiguratorEvent& event) {
-  Trace::workFor({}, true, false);
   TraceEvent(TraceKind::RecordDeclared)
       .with(TraceKey::Kind, event.role)
       .with(TraceKey::Library, event.library)
@@ -55,19 +46,6 @@ void recordDeclared(const ConfiguratorEvent& event) {
       .with(TraceKey::Interface, event.interfaces)
       .with(TraceKey::Protocol, event.protocol)
       .write();
-}
-
-/** A lazy service is made on the thread of its executor, which serves the service's channel. */
-void creationBegins() {
-  Trace::workFor(Trace::servedByThisThread(), true);
-  makesLazy = true;
-  plain(TraceKind::CreationBegins);
-}
-
-/** A thread that makes lazy services stays with them; that of the file goes on to the next line. */
-void upIsOver() {
-  if (makesLazy) return Trace::workFor(Trace::servedByThisThread(), false);
-  Trace::workFor({}, false, false);
 }
 
 void initBegins() {
@@ -80,17 +58,10 @@ void initEnded(const ConfiguratorEvent& event) {
       .since(initBegan)
       .with(TraceKey::Interfaces, event.interfaces)
       .write();
-  upIsOver();
 }
 
 void failed(const char* what, std::string_view error) {
   TraceEvent(TraceKind::Failed).with(TraceKey::What, what).with(TraceKey::Error, error).write();
-}
-
-/** A line that is none of a service. */
-void lineFailed(const char* what, std::string_view error) {
-  Trace::workFor({}, false, false);
-  failed(what, error);
 }
 
 }  // namespace
@@ -110,32 +81,36 @@ void TraceRecorder::phaseBegins(const char* phase) {
 void TraceRecorder::startEnds() { Trace::workFor({}, false); }
 
 void TraceRecorder::write(const LogRecord& record) {
-  if (Trace::on()) Trace::guarded([&] { takeLine(record); });
+  if (Trace::countsCalls()) Trace::guarded([&] { takeLine(record); });
 }
 
 void TraceRecorder::takeLine(const LogRecord& record) {
   if (record.module == kConfiguratorModule) {
-    take(readConfiguratorLine(record.level, record.text));
-    return;
+    const ConfiguratorEvent event = readConfiguratorLine(record.level, record.text);
+    workBegins(event);
+    if (Trace::on()) take(event);
+    return workEnds(event);
   }
   const std::size_t at = record.text.find(kThrownByLazy);
   if (at == std::string::npos) return;
-  failed("service", std::string_view(record.text).substr(at + kThrownByLazy.size()));
+  if (Trace::on()) {
+    failed("service", std::string_view(record.text).substr(at + kThrownByLazy.size()));
+  }
   upIsOver();
 }
 
 void TraceRecorder::take(const ConfiguratorEvent& event) {
   switch (event.kind) {
     case Kind::ServiceLine:
-      return lineBegins(event, event.channel, "immediate");
+      return lineBegins(event, "immediate");
     case Kind::LazyLine:
-      return lineBegins(event, event.channel, "lazy");
+      return lineBegins(event, "lazy");
     case Kind::LegacyLine:
-      return lineBegins(event, nameOfLegacy(event), "legacy");
+      return lineBegins(event, "legacy");
     case Kind::Record:
       return recordDeclared(event);
     case Kind::LazyCreation:
-      return creationBegins();
+      return plain(TraceKind::CreationBegins);
     case Kind::CallingCreator:
       return plain(TraceKind::CreatorCalled);
     case Kind::CallingInit:
@@ -143,15 +118,14 @@ void TraceRecorder::take(const ConfiguratorEvent& event) {
     case Kind::InitTook:
       return initEnded(event);
     case Kind::CreationFailed:
-      failed("service", event.text);
-      return upIsOver();
+      return failed("service", event.text);
     case Kind::IncompleteLine:
     case Kind::InvalidLine:
-      return lineFailed("line", event.text);
+      return failed("line", event.text);
     case Kind::ProcessFailed:
-      return lineFailed("process", event.text);
+      return failed("process", event.text);
     case Kind::FileNotOpened:
-      return lineFailed("file", event.text);
+      return failed("file", event.text);
     case Kind::Lookup:
       return lookup(event);
     case Kind::Opening:

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/live/Answers.h"
+#include "host/trace/CallGraph.h"
+
+namespace zerva {
+
+/**
+ * @returns why nothing is known of what a process calls, for people; empty for one that answered.
+ */
+std::string whyNotLookedAt(const Answer& answer);
+
+/** @returns what a process told, or, when it told nothing, which channels it serves. */
+GraphSource graphSourceOf(const Answer& answer);
+
+/**
+ * @returns who called whom so far, with a box besides for each channel of a process that told
+ *     nothing. @param registry whether with the service registry and its calls.
+ */
+CallGraph liveCallGraph(const std::vector<Answer>& answers, bool registry);
+
+}  // namespace zerva
