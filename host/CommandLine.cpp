@@ -92,9 +92,10 @@ void addWhatIsSeen(CLI::App& run, RunOptions& options) {
                  "is the process's id, and then processes that are started write one each, too; "
                  "default: ZERVA_TRACE of the environment")
       ->type_name("FILE");
-  run.add_flag("--status", options.status,
-               "Let status, watch and graph --live see how it is, on the bus, and the hosts that it "
-               "starts, too; default: ZERVA_STATUS of the environment");
+  run.add_flag(
+      "--status", options.status,
+      "Let status, watch and graph --live see how it is, on the bus, and the hosts that it "
+      "starts, too; default: ZERVA_STATUS of the environment");
 }
 
 /** What is around a run: libraries, and other processes. */
