@@ -98,13 +98,15 @@ TEST_F(TheSeenCalls, AreNotCountedUntilThatIsStarted) {
   EXPECT_THAT(seen(), IsEmpty());
 }
 
-TEST_F(TheSeenCalls, CostATraceThatIsOffNoEvents) {
+TEST_F(TheSeenCalls, AreNotCountedForATraceThatHasEndedToo) {
   SeenCalls::start();
-  Trace::workFor("/one", true);
   call("/two");
-  EXPECT_FALSE(Trace::on());
   start();
-  EXPECT_THAT(lines(), SizeIs(1)) << "only that the trace begins";
+  lines();
+  letAllocationFail(1);
+  call("/two");
+  EXPECT_TRUE(allocationIsToFail()) << "the trace would need some for a call that is new to it";
+  letAllocationFail(0);
 }
 
 TEST_F(TheSeenCalls, AreInATraceToo) {
@@ -196,8 +198,9 @@ TEST_F(TheSeenCalls, OfAThreadAreThoseOfTheServiceThatStartedIt) {
   Body body;
   Threader().spawn(nullptr, &body, "a name", THREAD_PRIORITY_NORMAL, 0);
   body.waitForThreadCompletion();
-  ASSERT_THAT(seen(), SizeIs(1));
-  EXPECT_EQ(seen()[0].who, "/one>/two Ifc.method");
+  const auto sut = seen();
+  ASSERT_THAT(sut, SizeIs(1));
+  EXPECT_EQ(sut[0].who, "/one>/two Ifc.method");
 }
 
 /** An interface that nobody serves. */
@@ -235,8 +238,9 @@ TEST_F(TheSeenCalls, HaveMessagesThatWereToBeAnsweredAmongThem) {
   message.setRequestId(1);
   channel.send(message);
   channel.receiveReply(message, 1);
-  ASSERT_THAT(seen(), SizeIs(1));
-  EXPECT_EQ(seen()[0].who, ">/none .");
+  const auto sut = seen();
+  ASSERT_THAT(sut, SizeIs(1));
+  EXPECT_EQ(sut[0].who, ">/none .");
 }
 
 }  // namespace
