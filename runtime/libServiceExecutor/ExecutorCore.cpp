@@ -111,7 +111,7 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
 }
 
 void ExecutorCore::shutdown() {
-  std::deque<Envelope> refused;
+  Queue refused;
   std::vector<std::shared_ptr<Parker>> woken;
   bool first = false;
   {
@@ -169,7 +169,7 @@ ExecutorProgress ExecutorCore::progress() const {
 }
 
 /** Takes a message out of the queue, to be served. Called under the lock. */
-Envelope ExecutorCore::take(std::deque<Envelope>::iterator which) {
+Envelope ExecutorCore::take(Queue::iterator which) {
   Envelope taken = std::move(*which);
   queue_.erase(which);
   ++begun_;
@@ -454,7 +454,7 @@ void ExecutorCore::handToPool(std::size_t requests) {
     if (taken) {
       continue;
     }
-    std::deque<Envelope> refused;
+    Queue refused;
     {
       const std::lock_guard lock(mutex_);
       if (!queue_.empty()) {
@@ -472,7 +472,7 @@ void ExecutorCore::handToPool(std::size_t requests) {
   }
 }
 
-void ExecutorCore::refuse(std::deque<Envelope>& requests, const std::string& error) {
+void ExecutorCore::refuse(Queue& requests, const std::string& error) {
   for (Envelope& request : requests) {
     mailbox_->answer(request, nullptr, error);
   }

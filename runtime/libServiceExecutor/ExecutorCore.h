@@ -3,8 +3,8 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -100,6 +100,9 @@ class ExecutorCore final : public RequestReceiver,
   std::string_view channelName() const override { return channelName_; }
 
  private:
+  /** A list, since an executor that has nothing to do should take no memory for it. */
+  using Queue = std::list<Envelope>;
+
   /** The body of the executor's own thread. */
   class OwnThread : public Threadable {
    public:
@@ -146,8 +149,8 @@ class ExecutorCore final : public RequestReceiver,
   void fire(Expiry& expiry, const Executable& service);
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void handToPool(std::size_t requests);
-  Envelope take(std::deque<Envelope>::iterator which);
-  void refuse(std::deque<Envelope>& requests, const std::string& error);
+  Envelope take(Queue::iterator which);
+  void refuse(Queue& requests, const std::string& error);
   void trace(TraceKind kind) const;
   void traceFirst(const Envelope& envelope);
 
@@ -174,7 +177,7 @@ class ExecutorCore final : public RequestReceiver,
   bool started_ = false;
   Executable* service_;
   std::optional<Description> what_;  // the service, as soon as there is one
-  std::deque<Envelope> queue_;
+  Queue queue_;
   std::uint64_t begun_ = 0;  // how many messages and makings of the service were begun
   unsigned underWay_ = 0;
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply

@@ -73,7 +73,7 @@ void ExecutorCore::settle(const Made& made) {
   if (made.service != nullptr) {
     what.emplace(made.service);
   }
-  std::deque<Envelope> refused;
+  Queue refused;
   std::size_t forPool = 0;
   std::vector<std::shared_ptr<Parker>> woken;
   {
