@@ -90,11 +90,18 @@ void applyPriority(ThreadPriority priority, const std::string& name) {
             errorText(error).c_str());
 }
 
+/** Says less when there is no memory for all of it; an exception of its own would end the process.
+ */
 void reportException(const Start& start) {
-  const std::string text = zerva::currentExceptionText();
-  logAppUni(kModule, kSource, kError, __LINE__,
-            "An exception ended the thread '%s' with the body %s: %s", start.name.c_str(),
-            start.description.text().c_str(), text.c_str());
+  const auto noWords = zerva::exceptionOf([&] {
+    const std::string text = zerva::currentExceptionText();
+    logAppUni(kModule, kSource, kError, __LINE__,
+              "An exception ended the thread '%s' with the body %s: %s", start.name.c_str(),
+              start.description.text().c_str(), text.c_str());
+  });
+  if (!noWords) return;
+  logAppUni(kModule, kSource, kError, __LINE__, "An exception ended the thread '%s'",
+            start.name.c_str());
 }
 
 // A forced unwinding is caught without an object, which the reference that names it is bound to.
