@@ -1,23 +1,27 @@
 #include "src/ServiceConfigurator/LineNormaliser.h"
 
 #include <cstddef>
-#include <sstream>
+#include <locale>
 #include <vector>
 
 namespace zerva {
 
 namespace {
 
+/** As a stream reads them, at a fraction of what it takes to make one. */
 std::vector<std::string> wordsOf(const std::string& text) {
-  std::istringstream stream(text);
-  // Without it, memory that is missing for a word would end the line before that word.
-  stream.exceptions(std::ios::badbit);
+  const std::locale global;
+  const auto& characters = std::use_facet<std::ctype<char>>(global);
+  const char* const end = text.data() + text.size();
   std::vector<std::string> words;
-  std::string word;
-  while (stream >> word) {
-    words.push_back(word);
+  for (const char* next = text.data();;) {
+    const char* const word = characters.scan_not(std::ctype_base::space, next, end);
+    if (word == end) {
+      return words;
+    }
+    next = characters.scan_is(std::ctype_base::space, word, end);
+    words.emplace_back(word, next);
   }
-  return words;
 }
 
 /** A keyword is glued to its first field. One with an earlier colon is no keyword of that kind. */
