@@ -1,7 +1,9 @@
 #include "registry/ServiceRegistry.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <optional>
-#include <sstream>
+#include <string_view>
 
 #include "framework/CommsChannelDataContainerMessage.h"
 #include "framework/Logging.h"
@@ -21,11 +23,11 @@ std::string codeReply(const std::string& word, const std::optional<CodeRecord>& 
   return record ? word + ":" + record->lib + "," + record->creator : "unknown:";
 }
 
-void refuseCommas(const char* what, std::initializer_list<std::string> fields) {
-  for (const std::string& field : fields) {
-    if (field.find(',') != std::string::npos) {
-      throw ZervaException(std::string("the record of ") + what + " has a comma in '" + field +
-                           "'");
+void refuseCommas(const char* what, std::initializer_list<std::string_view> fields) {
+  for (const std::string_view field : fields) {
+    if (field.find(',') != std::string_view::npos) {
+      throw ZervaException(std::string("the record of ") + what + " has a comma in '" +
+                           std::string(field) + "'");
     }
   }
 }
@@ -33,13 +35,12 @@ void refuseCommas(const char* what, std::initializer_list<std::string> fields) {
 /** Calls a function for each name of a list that has single blanks between them. */
 template <typename Function>
 void forEachName(const std::string& list, const Function& function) {
-  std::istringstream names(list);
-  // Without it, memory that is missing for a name would end the list before that name.
-  names.exceptions(std::ios::badbit);
-  for (std::string name; std::getline(names, name, ' ');) {
-    if (!name.empty()) {
-      function(name);
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t end = std::min(list.find(' ', begin), list.size());
+    if (end > begin) {
+      function(list.substr(begin, end - begin));
     }
+    begin = end + 1;
   }
 }
 
