@@ -23,38 +23,32 @@ std::uint64_t newId() {
 
 }  // namespace
 
-/** One message, and the one that waits for it. */
+/** A message that waits for another one, and the one that waits for it. */
 struct CallChain::Link {
-  std::uint64_t id;
+  std::uint64_t message;
   std::shared_ptr<const Link> waiting;
-  unsigned length;
 };
 
-CallChain::CallChain(std::uint64_t id, std::shared_ptr<const Link> last)
-    : id_(id), last_(std::move(last)) {}
+CallChain::CallChain(std::uint64_t id, unsigned length, std::shared_ptr<const Link> waiting)
+    : id_(id), message_(newId()), length_(length), waiting_(std::move(waiting)) {}
 
-CallChain CallChain::begin() {
-  return {newId(), std::make_shared<const Link>(Link{newId(), nullptr, 1})};
-}
+CallChain CallChain::begin() { return {newId(), 1, nullptr}; }
 
 CallChain CallChain::ofRequest() const {
   return id_ == 0
              ? begin()
-             : CallChain(id_, std::make_shared<const Link>(Link{newId(), last_, length() + 1}));
+             : CallChain(id_, length_ + 1, std::make_shared<const Link>(Link{message_, waiting_}));
 }
 
-CallChain CallChain::ofMessage() const {
-  return id_ == 0 ? begin()
-                  : CallChain(id_, std::make_shared<const Link>(Link{newId(), nullptr, 1}));
-}
+CallChain CallChain::ofMessage() const { return id_ == 0 ? begin() : CallChain(id_, 1, nullptr); }
 
 bool CallChain::isAwaitedBy(const CallChain& other) const {
-  if (last_ == nullptr) {
+  if (other.message_ == 0) {
     return false;
   }
-  for (const Link* link = last_->waiting.get(); link != nullptr; link = link->waiting.get()) {
+  for (const Link* link = waiting_.get(); link != nullptr; link = link->waiting.get()) {
     // By their ids: what came back from another process is the same message, but another object.
-    if (other.last_ != nullptr && link->id == other.last_->id) {
+    if (link->message == other.message_) {
       return true;
     }
   }
@@ -62,23 +56,28 @@ bool CallChain::isAwaitedBy(const CallChain& other) const {
 }
 
 CallChain CallChain::ofOtherProcess(std::uint64_t id, const std::vector<std::uint64_t>& links) {
-  std::shared_ptr<const Link> last;
-  unsigned length = 0;
+  CallChain chain;
+  chain.id_ = id;
   for (const std::uint64_t link : links) {
-    last = std::make_shared<const Link>(Link{link, std::move(last), ++length});
+    if (chain.length_ > 0) {
+      chain.waiting_ =
+          std::make_shared<const Link>(Link{chain.message_, std::move(chain.waiting_)});
+    }
+    chain.message_ = link;
+    ++chain.length_;
   }
-  return {id, std::move(last)};
+  return chain;
 }
 
 std::vector<std::uint64_t> CallChain::links() const {
-  std::vector<std::uint64_t> links(length());
-  std::size_t place = links.size();
-  for (const Link* link = last_.get(); link != nullptr; link = link->waiting.get()) {
-    links[--place] = link->id;
+  std::vector<std::uint64_t> links(length_);
+  if (length_ == 0) return links;
+  std::size_t place = length_ - 1;
+  links[place] = message_;
+  for (const Link* link = waiting_.get(); link != nullptr; link = link->waiting.get()) {
+    links[--place] = link->message;
   }
   return links;
 }
-
-unsigned CallChain::length() const { return last_ != nullptr ? last_->length : 0; }
 
 }  // namespace zerva

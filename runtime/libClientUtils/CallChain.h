@@ -52,15 +52,17 @@ class ZERVA_EXPORT CallChain {
   bool isAwaitedBy(const CallChain& other) const;
 
   /** @returns how many requests wait for one another here. */
-  unsigned length() const;
+  unsigned length() const { return length_; }
 
  private:
   struct Link;
 
-  CallChain(std::uint64_t id, std::shared_ptr<const Link> last);
+  CallChain(std::uint64_t id, unsigned length, std::shared_ptr<const Link> waiting);
 
   std::uint64_t id_ = 0;
-  std::shared_ptr<const Link> last_;
+  std::uint64_t message_ = 0;  // the newest one; 0 for none
+  unsigned length_ = 0;
+  std::shared_ptr<const Link> waiting_;  // those that wait for it; most messages have none
 };
 
 /** Most requests of one chain that may wait for one another; more is taken for a runaway. */

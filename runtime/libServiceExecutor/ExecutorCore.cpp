@@ -168,10 +168,24 @@ ExecutorProgress ExecutorCore::progress() const {
   return progress;
 }
 
+/** Puts a message into the queue. Called under the lock. */
+void ExecutorCore::append(Envelope& envelope) {
+  if (spare_.empty()) {
+    queue_.push_back(std::move(envelope));
+  } else {
+    spare_.front() = std::move(envelope);
+    queue_.splice(queue_.end(), spare_);
+  }
+}
+
 /** Takes a message out of the queue, to be served. Called under the lock. */
 Envelope ExecutorCore::take(Queue::iterator which) {
   Envelope taken = std::move(*which);
-  queue_.erase(which);
+  if (spare_.empty()) {
+    spare_.splice(spare_.begin(), queue_, which);
+  } else {
+    queue_.erase(which);
+  }
   ++begun_;
   return taken;
 }
@@ -202,7 +216,7 @@ bool ExecutorCore::receive(Envelope& envelope) {
       if (service_ == nullptr && envelope.expiry == nullptr) {
         wish(envelope.chain);
       }
-      queue_.push_back(std::move(envelope));
+      append(envelope);
     }
   }
   if (!error.empty()) {
