@@ -21,10 +21,14 @@ constexpr std::chrono::microseconds kOfUse{60};
 // A look at the clock takes as long as some of these.
 constexpr int kLooksBetweenClocks = 32;
 
+// What is asked of the system is asked again after so many times; a thread that was confined to one
+// processor meanwhile looks in vain, which it soon leaves out anyway.
+constexpr unsigned kLingersBetweenAsking = 64;
+
 // After looking in vain it is left out once, then three times, seven, and so on up to this.
 constexpr unsigned kMostLeftOut = 127;
 
-/** The calling thread's; a thread that still waits while it ends gets another one. */
+/** The calling thread's; null when it has none yet, or is about to end. */
 thread_local const std::shared_ptr<Parker>* own = nullptr;
 
 /** Gives back a thread's place when the thread ends. */
@@ -63,6 +67,11 @@ const std::shared_ptr<Parker>& Parker::ofThisThread() {
   return *own;
 }
 
+Parker::Given::Given(const std::shared_ptr<Parker>& parker) { own = &parker; }
+
+// One that still waits while the thread ends gets another one.
+Parker::Given::~Given() { own = nullptr; }
+
 bool Parker::park(Clock::time_point deadline) {
   return takeToken() || linger() || sleep(&deadline);
 }
@@ -89,8 +98,13 @@ bool Parker::linger() {
     --leftOut_;
     return false;
   }
+  if (untilAsked_ == 0) {
+    several_ = mayUseSeveralProcessors();
+    untilAsked_ = kLingersBetweenAsking;
+  }
+  --untilAsked_;
   const Clock::time_point begin = Clock::now();
-  const bool came = mayUseSeveralProcessors() ? spin(begin + kSpinTime) : yield();
+  const bool came = several_ ? spin(begin + kSpinTime) : yield();
   // One that came late would have come in time to a thread that sleeps: the processor is wanted.
   if (came && Clock::now() - begin < kOfUse) {
     inVain_ = 0;

@@ -26,6 +26,19 @@ class ZERVA_EXPORT Parker {
   static const std::shared_ptr<Parker>& ofThisThread();
 
   /**
+   * While it lives, the calling thread has the place that whoever made the thread got for it, so
+   * that a thread that only waits needs no memory of its own.
+   */
+  class ZERVA_EXPORT Given {
+   public:
+    /** @param parker not copied. */
+    explicit Given(const std::shared_ptr<Parker>& parker);
+    ~Given();
+    Given(const Given&) = delete;
+    Given& operator=(const Given&) = delete;
+  };
+
+  /**
    * Waits until somebody unparks the thread, which may have happened before. The thread's own.
    *
    * @returns false when the deadline came first.
@@ -50,9 +63,12 @@ class ZERVA_EXPORT Parker {
   std::atomic<std::uint32_t> state_{kAwake};
 
   // Of the thread that parks: how often looking was in vain since it last was not, and how many
-  // times it is left out yet.
+  // times it is left out yet. Most threads that are made have nothing to do at first.
   unsigned inVain_ = 0;
-  unsigned leftOut_ = 0;
+  unsigned leftOut_ = 1;
+  // Whether there is another processor, and how many times that is believed yet.
+  bool several_ = false;
+  unsigned untilAsked_ = 0;
 };
 
 }  // namespace zerva

@@ -14,6 +14,7 @@
 #include "runtime/libClientUtils/Description.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/Futex.h"
+#include "runtime/libClientUtils/Parker.h"
 #include "runtime/libClientUtils/ThreadSettings.h"
 #include "runtime/libClientUtils/ThreadState.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
@@ -33,6 +34,10 @@ struct Start {
   std::shared_ptr<Threadable::State> state;
   std::string name;
   ThreadPriority priority;
+  /** Whether the thread that made it is the process's first, so that it starts with the usual one.
+   */
+  bool ofFirstThread;
+  std::shared_ptr<zerva::Parker> parker;
   /** Who it works for: the one who started it. */
   std::string service;
 };
@@ -70,7 +75,16 @@ void applyName(const std::string& name) {
   pthread_setname_np(pthread_self(), name.substr(0, kLongest).c_str());
 }
 
-void applyPriority(ThreadPriority priority, const std::string& name) {
+/** @returns whether the calling thread is the one that the process began with. */
+bool isFirstThread() {
+  // A thread that forks is the first of the child; one that has asked before is only asked more
+  // then.
+  thread_local const bool first = ::gettid() == ::getpid();
+  return first;
+}
+
+void applyPriority(ThreadPriority priority, const std::string& name, bool ofFirstThread) {
+  if (ofFirstThread && priority == THREAD_PRIORITY_NORMAL) return;
   // A thread starts with what the thread that made it has, which may be anything.
   int policy = SCHED_IDLE;
   sched_param parameters{};
@@ -107,8 +121,9 @@ void reportException(const Start& start) {
 // A forced unwinding is caught without an object, which the reference that names it is bound to.
 __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   const std::unique_ptr<Start> start(static_cast<Start*>(argument));
+  const zerva::Parker::Given parker(start->parker);
   applyName(start->name);
-  applyPriority(start->priority, start->name);
+  applyPriority(start->priority, start->name, start->ofFirstThread);
   const InBody inBody(*start->state);
   if (zerva::Trace::countsCalls()) traceStart(*start);
   try {
@@ -123,8 +138,11 @@ __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   return nullptr;
 }
 
-/** @returns 0 or the error. */
-int makeThread(pthread_t& thread, std::unique_ptr<Start> start, std::size_t stackSize) {
+/**
+ * @param start given to the thread when there is one.
+ * @returns 0 or the error.
+ */
+int makeThread(pthread_t& thread, std::unique_ptr<Start>& start, std::size_t stackSize) {
   pthread_attr_t attributes;
   int error = pthread_attr_init(&attributes);
   if (error != 0) return error;
@@ -153,16 +171,17 @@ Threader::~Threader() = default;
 bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name,
                      ThreadPriority priority, int stackSize) {
   if (threadId != nullptr) *threadId = 0;
-  const zerva::Description description(body);
+  auto start = std::make_unique<Start>(Start{
+      body, zerva::Description(body), {}, std::move(name), priority, isFirstThread(), {}, {}});
   const auto fail = [&](const std::string& cause) {
     logAppUni(kModule, kSource, kError, __LINE__,
-              "The thread '%s' with the body %s cannot be made: %s", name.c_str(),
-              description.text().c_str(), cause.c_str());
+              "The thread '%s' with the body %s cannot be made: %s", start->name.c_str(),
+              start->description.text().c_str(), cause.c_str());
     return false;
   };
   if (body == nullptr) return fail("there is no body");
-  const std::shared_ptr<Threadable::State> state = body->threadState();
-  auto start = std::make_unique<Start>(Start{body, description, state, name, priority, {}});
+  start->state = body->threadState();
+  start->parker = std::make_shared<zerva::Parker>();
   if (zerva::Trace::countsCalls()) {
     zerva::Trace::guarded([&] { start->service = zerva::Trace::servedByThisThread(); });
   }
@@ -170,6 +189,8 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
       zerva::ThreadSettings::stackSize(static_cast<std::size_t>(std::max(0, stackSize)));
   static const bool prepared = (zerva::prepareForManySleepers(), true);
   static_cast<void>(prepared);
+  // The thread may have ended, and its start with it, before it is noted.
+  const std::shared_ptr<Threadable::State> state = start->state;
   int error = 0;
   {
     std::unique_lock lock(state->mutex);
@@ -177,7 +198,7 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
       lock.unlock();
       return fail("the body runs already");
     }
-    error = makeThread(state->thread, std::move(start), bytes);
+    error = makeThread(state->thread, start, bytes);
     if (error == 0) {
       state->phase = Threadable::State::Phase::kThere;
       state->bodyLeft = false;
