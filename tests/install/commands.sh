@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs what README.md, the document about installing and the manual pages show.
+# Runs what README.md, the document about installing and the manual pages show. What is in files that
+# they show is theirs; only what they name without showing it comes from here.
 #
 # usage: commands.sh BUILD BITS SOURCE
 . "$(dirname "$0")/common.sh"
@@ -34,8 +35,7 @@ show() {
     ln -s "$source/examples" examples
     grep createServiceRegistry examples/demo.directives >registry.directives
     grep WindSensor examples/demo.directives >sensors.directives
-    cat registry.directives sensors.directives >wind.directives
-    cp "$here/consumer/TideService.cpp" "$here/consumer/Tide.h" .
+    [[ $1 != *installing.md ]] || cp "$here/consumer/TideService.cpp" "$here/consumer/Tide.h" .
     mkdir -m 700 plant
     PYTHONDONTWRITEBYTECODE=1 python3 "$here/commands.py" "$@" /tmp/plant "$directory/plant" \
       /run/user/1000/plant "$directory/plant"
@@ -49,8 +49,25 @@ for page in zerva.1 zerva.3 zerva-directives.5; do
   show "$source/docs/man/$page" /usr/share/doc/zerva "$prefix/share/doc/zerva"
 done
 
-# That it can fail.
-printf '<!-- runs -->\n\n    zerva run nothing.directives\n' >"$work/wrong.md"
-if (show "$work/wrong.md") >/dev/null 2>&1; then fail 'a command that fails is not noticed'; fi
-printf '\n    zerva run nothing.directives\n' >"$work/wrong.md"
-if (show "$work/wrong.md") >/dev/null 2>&1; then fail 'a command that is not run is not noticed'; fi
+# That it can fail: wrong WHAT COMPLAINT BLOCK... is a document with these blocks, beside one that is right.
+wrong() {
+  local what=$1 complaint=$2
+  shift 2
+  printf '%s\n' '<!-- runs -->' '' '    zerva --version' '' 'text' '' "$@" >"$work/wrong.md"
+  if (show "$work/wrong.md") >"$work/said" 2>&1; then fail "$what is not noticed"; fi
+  expect_line "$work/said" "$complaint"
+}
+wrong 'a command that fails' 'ended with 4' '<!-- runs -->' '' '    zerva run nothing.directives'
+for command in 'zerva run nothing.directives' './nothing.sh' 'cmake --preset linux32' 'PATH=. ctest --preset linux32' \
+  'scripts/nothing.sh' 'comment:
+    service_info: ST libA.so createA /a AIfc'; do
+  wrong "'$command' without a mark" 'shown and not run' "    $command"
+done
+wrong 'a directive file with an error' 'ended with 1' '<!-- file a.directives -->' '' '    service_info: ST libA.so'
+for command in './nothing.sh' './bench.sh nothing' './README.md' 'cmake --preset linux33' 'ctest --preset fuzz' \
+  'cmake --preset linux32 && ./nothing.sh' 'zerva nothing'; do
+  wrong "'$command', which is not there," 'there is no: ' '<!-- runs elsewhere -->' '' "    $command"
+done
+printf '<!-- runs elsewhere -->\n\n    %s\n' './bench.sh list' >"$work/wrong.md"
+if (show "$work/wrong.md") >"$work/said" 2>&1; then fail 'a document without a command is not noticed'; fi
+expect_line "$work/said" 'no command was run'
