@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "host/check/NearMiss.h"
 
@@ -41,17 +42,30 @@ void commaInField(const CheckSubject& subject, Findings& findings) {
   });
 }
 
+/** Whether it is the same code for another protocol: the registry has one record for all of them. */
+bool isSameProxy(const ParsedLine& line, const ParsedLine& other) {
+  return line.keyword() == Keyword::ProxyInfo && line.library().text == other.library().text &&
+         line.creator().text == other.creator().text &&
+         line.protocol().text != other.protocol().text;
+}
+
 void recordTwice(const CheckSubject& subject, Findings& findings) {
-  std::map<std::string, std::string> first;
+  struct Place {
+    const CheckedFile* file;
+    const ParsedLine* line;
+  };
+  std::map<std::string, Place> latest;
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isRecord() || line.field(2).empty()) return;
     const bool isProxy = line.keyword() == Keyword::ProxyInfo;
     const std::string key = isProxy ? "proxy " + line.field(2).text
                                     : "invoker " + line.field(2).text + " " + line.protocol().text;
-    const auto [at, isNew] = first.try_emplace(key, placeOf(file, line, file));
-    if (isNew) return;
+    const auto [at, isNew] = latest.try_emplace(key, Place{&file, &line});
+    const Place before = std::exchange(at->second, Place{&file, &line});
+    if (isNew || isSameProxy(line, *before.line)) return;
     findings.add(file, line, line.field(2),
-                 "this takes the place of the record of " + at->second + " for the same " +
+                 "this takes the place of the record of " +
+                     placeOf(*before.file, *before.line, file) + " for the same " +
                      (isProxy ? "interface." : "interface and protocol."));
   });
 }

@@ -26,6 +26,12 @@ expect_elf "$bits" build/libTideGauge.so build/libTideGaugeAccess.so
 cmake --install build --prefix "$work/own" >/dev/null
 [ -e "$work/own/share/TideGauge/TideGauge.directives" ] || fail 'does not install'
 
+"$prefix/bin/zerva" check --strict --lib-dir build TideGauge.directives >"$work/checked" || {
+  cat "$work/checked" >&2
+  fail 'its directives are not right'
+}
+expect_line "$work/checked" '^[0-9] notes?$'
+
 # The tests can fail: with a service that answers something else they do.
 sed -i 's/, this is/, that is/' TideGaugeService.cpp
 cmake --build build >/dev/null
