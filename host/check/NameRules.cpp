@@ -1,5 +1,6 @@
 #include "host/check/NameRules.h"
 
+#include <functional>
 #include <map>
 #include <set>
 
@@ -98,51 +99,45 @@ void differsInCase(const CheckSubject& subject, Findings& findings) {
   });
 }
 
-std::set<std::string> interfacesOf(const CheckSubject& subject, bool (ParsedLine::*kind)() const) {
+std::set<std::string> interfacesOf(const CheckSubject& subject,
+                                   const std::function<bool(const ParsedLine&)>& isMeant) {
   std::set<std::string> names;
   subject.forEachLine([&](const CheckedFile&, const ParsedLine& line) {
-    if (!(line.*kind)()) return;
+    if (!isMeant(line)) return;
     for (const Word& word : line.interfaces()) names.insert(word.text);
   });
   return names;
 }
 
-/** The name without what nearly all of them end in, and which so says nothing of their likeness. */
-std::string stem(const std::string& name) {
-  constexpr char ending[] = "Ifc";
-  const std::size_t length = sizeof ending - 1;
-  const bool has = name.size() > length && name.compare(name.size() - length, length, ending) == 0;
-  return has ? name.substr(0, name.size() - length) : name;
-}
-
-/** Two letters off at most: names of one family are often alike. */
-constexpr std::size_t farthestInterface = 2;
-
-void unknownInterface(const CheckSubject& subject, Findings& findings) {
-  const std::set<std::string> announced = interfacesOf(subject, &ParsedLine::isChannelService);
-  const std::set<std::string> recorded = interfacesOf(subject, &ParsedLine::isRecord);
-  std::map<std::string, std::string> unrecorded;
-  std::vector<std::string> stems;
+/** Records of one kind for interfaces that nobody has, next to ones that have none of that kind. */
+void unknownInterfaceOf(Keyword kind, const CheckSubject& subject, Findings& findings) {
+  const auto isOfKind = [kind](const ParsedLine& line) { return line.keyword() == kind; };
+  const std::set<std::string> announced =
+      interfacesOf(subject, [](const ParsedLine& line) { return line.isChannelService(); });
+  const std::set<std::string> recorded = interfacesOf(subject, isOfKind);
+  std::vector<std::string> unrecorded;
   for (const std::string& name : announced) {
-    if (recorded.contains(name)) continue;
-    unrecorded.emplace(stem(name), name);
-    stems.push_back(stem(name));
+    if (!recorded.contains(name)) unrecorded.push_back(name);
   }
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
-    if (!line.isRecord()) return;
+    if (!isOfKind(line)) return;
     for (const Word& word : line.interfaces()) {
       if (announced.contains(word.text) || word.text == registryInterface) continue;
-      const std::string near = nearMiss(stem(word.text), stems);
-      if (near.empty() || editDistance(stem(word.text), near) > farthestInterface) continue;
-      const std::string& meant = unrecorded[near];
+      const std::string meant = nearInterface(word.text, unrecorded);
       // A matter of capital letters only is told by the rule for those.
-      if (lowered(meant) == lowered(word.text)) continue;
+      if (meant.empty() || lowered(meant) == lowered(word.text)) continue;
       findings.add(file, line, word,
                    "no service here has the interface " + quoted(word.text) + ", and " +
-                       quoted(meant) + " has no record.",
+                       quoted(meant) + " has no " +
+                       (kind == Keyword::ProxyInfo ? "proxy" : "invoker") + " record.",
                    meant);
     }
   });
+}
+
+void unknownInterface(const CheckSubject& subject, Findings& findings) {
+  unknownInterfaceOf(Keyword::ProxyInfo, subject, findings);
+  unknownInterfaceOf(Keyword::InvokerInfo, subject, findings);
 }
 
 }  // namespace
@@ -158,7 +153,7 @@ const std::vector<Rule>& nameRules() {
       {"differs-in-case", Severity::Warning,
        "a name that differs from another one only in capital letters", differsInCase},
       {"unknown-interface", Severity::Warning,
-       "a record for an interface that nobody has, next to one that has no record",
+       "a record for an interface that nobody has, next to one without such a record",
        unknownInterface},
   };
   return rules;

@@ -11,6 +11,16 @@ constexpr std::size_t longestCompared = 512;
 /** How far off a name of this length may be, so that short ones are not guessed wildly. */
 std::size_t farthest(std::size_t length) { return std::min<std::size_t>(length / 4, 3); }
 
+/** The name without what nearly all of them end in. */
+std::string stem(const std::string& name) {
+  constexpr char ending[] = "Ifc";
+  const std::size_t length = sizeof ending - 1;
+  return name.size() > length && name.ends_with(ending) ? name.substr(0, name.size() - length)
+                                                        : name;
+}
+
+constexpr std::size_t farthestInterface = 2;
+
 }  // namespace
 
 std::string lowered(const std::string& text) {
@@ -57,6 +67,15 @@ std::string nearMiss(const std::string& text, const std::vector<std::string>& na
     nearest = name;
   }
   return nearest;
+}
+
+std::string nearInterface(const std::string& text, const std::vector<std::string>& names) {
+  std::vector<std::string> stems;
+  for (const std::string& name : names) stems.push_back(stem(name));
+  const std::string near = nearMiss(stem(text), stems);
+  if (near.empty() || editDistance(stem(text), near) > farthestInterface) return {};
+  const auto at = std::find(stems.begin(), stems.end(), near) - stems.begin();
+  return names[static_cast<std::size_t>(at)];
 }
 
 }  // namespace zerva

@@ -19,6 +19,12 @@ std::size_t editDistance(const std::string& left, const std::string& right);
  */
 std::string nearMiss(const std::string& text, const std::vector<std::string>& names);
 
+/**
+ * The same for the names of interfaces, of which families are often alike: without the "Ifc" that
+ * nearly all of them end in and that so says nothing, and two letters off at most.
+ */
+std::string nearInterface(const std::string& text, const std::vector<std::string>& names);
+
 /** @returns the text with small letters only. */
 std::string lowered(const std::string& text);
 

@@ -1,6 +1,9 @@
 #include "host/check/RegistryRules.h"
 
 #include <map>
+#include <optional>
+
+#include "host/check/NearMiss.h"
 
 namespace zerva {
 namespace {
@@ -82,6 +85,15 @@ bool servesRegistry(const ParsedLine& line) {
   return false;
 }
 
+/** @returns what is probably meant to be the registry's interface, on its channel. */
+std::optional<Word> misspeltRegistry(const ParsedLine& line) {
+  if (servesRegistry(line) || line.channel().text != registryChannelName) return std::nullopt;
+  for (const Word& word : line.interfaces()) {
+    if (!nearInterface(word.text, {registryInterface}).empty()) return word;
+  }
+  return std::nullopt;
+}
+
 void registryChannel(const CheckSubject& subject, Findings& findings) {
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isService()) return;
@@ -90,6 +102,11 @@ void registryChannel(const CheckSubject& subject, Findings& findings) {
       if (!servesRegistry(line)) return;
       findings.add(file, line, line.words()[0],
                    "a legacy service has no channel, and the registry is asked on " + name + ".");
+    } else if (const auto word = misspeltRegistry(line)) {
+      findings.add(
+          file, line, *word,
+          "this channel is the registry's, and " + quoted(word->text) + " is not its interface.",
+          registryInterface);
     } else if (servesRegistry(line) != (line.channel().text == registryChannelName) &&
                !line.channel().empty()) {
       findings.add(
