@@ -9,6 +9,7 @@
 #include "host/live/StatusBoard.h"
 #include "runtime/libClientUtils/StartedProcesses.h"
 #include "runtime/libClientUtils/Waiting.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 
 namespace zerva {
@@ -150,7 +151,10 @@ void BringUp::lazyCreationBegins() {
   failStep(notFinished);
   Step step;
   step.lazy = true;
+  // It is made on the thread of its executor, which serves the service's channel.
+  step.service.channel = Trace::servedByThisThread();
   const std::lock_guard lock(mutex_);
+  step.row = board_.lazyBegins(step.service.channel);
   steps_[std::this_thread::get_id()] = std::move(step);
 }
 
@@ -169,7 +173,6 @@ void BringUp::advance(const ConfiguratorEvent& event) {
     advanceTo(step, "the opening of library " + event.library);
   } else if (event.kind == Kind::Resolving) {
     step.creator = event.library;
-    if (step.lazy && !step.row) step.row = board_.lazyBegins(step.service.library, step.creator);
   } else if (event.kind == Kind::CallingCreator) {
     advanceTo(step, "creator " + step.creator + " of " + step.service.library);
   }
@@ -218,7 +221,7 @@ void BringUp::fail(const Step& step, const std::string& why) {
   if (step.row) {
     board_.failed(*step.row, why);
   } else if (step.lazy) {
-    board_.lazyFailed(step.service.library, step.creator, why);
+    board_.lazyFailed(statusOf(step), why);
   }
   if (step.lazy) {
     const std::lock_guard lock(mutex_);
@@ -247,10 +250,7 @@ std::string BringUp::nameOf(const Step& step) const {
   // A lazy service that was never recorded; its line in the file knows its interfaces.
   const std::lock_guard lock(mutex_);
   for (const Step& line : lazyLines_) {
-    if (line.service.library == step.service.library &&
-        (step.creator.empty() || line.creator == step.creator)) {
-      return line.service.interfaces;
-    }
+    if (line.service.channel == step.service.channel) return line.service.interfaces;
   }
   return step.creator + " of " + step.service.library;
 }

@@ -52,6 +52,8 @@ void addCounters(std::vector<ServiceStatus>& services, std::vector<ExecutorProgr
         ExecutorStatus{found->id, found->begun, found->queued, found->serving, found->failed};
     if (found->making && service.state == ServiceState::Lazy) {
       service.state = ServiceState::Initialising;
+      // The board is told in a moment, so it has only just begun.
+      service.stateSeconds = 0;
     }
     // Of two that are alike the second has the second's.
     executors.erase(found);

@@ -108,12 +108,10 @@ void StatusBoard::isLazy(const ServiceStatus& service) {
   become(placeOf(service), ServiceState::Lazy);
 }
 
-std::optional<StatusBoard::Place> StatusBoard::lazyBegins(const std::string& library,
-                                                          const std::string& creator) {
+std::optional<StatusBoard::Place> StatusBoard::lazyBegins(const std::string& channel) {
   const std::lock_guard lock(mutex_);
   const auto fits = [&](const Row& row) {
-    return isLazyOne(row.service) && isNotMade(row.service) && row.service.library == library &&
-           row.service.creator == creator;
+    return isLazyOne(row.service) && isNotMade(row.service) && row.service.channel == channel;
   };
   const auto found = std::find_if(rows_.begin(), rows_.end(), fits);
   if (found == rows_.end() || std::any_of(found + 1, rows_.end(), fits)) return std::nullopt;
@@ -157,12 +155,12 @@ void StatusBoard::failed(Place place, const std::string& why) {
   rows_[place].service.why = why;
 }
 
-void StatusBoard::lazyFailed(const std::string& library, const std::string& creator,
-                             const std::string& why) {
+void StatusBoard::lazyFailed(const ServiceStatus& known, const std::string& why) {
   const std::lock_guard lock(mutex_);
   const auto place = find([&](const ServiceStatus& service) {
-    return isLazyOne(service) && isNotMade(service) && service.library == library &&
-           (creator.empty() || service.creator == creator);
+    return isLazyOne(service) && isNotMade(service) && service.channel == known.channel &&
+           (known.library.empty() || service.library == known.library) &&
+           (known.creator.empty() || service.creator == known.creator);
   });
   if (!place) return;
   become(*place, ServiceState::Failed);

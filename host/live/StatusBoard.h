@@ -40,11 +40,11 @@ class StatusBoard {
   void isLazy(const ServiceStatus& service);
 
   /**
-   * A lazy service is being made.
+   * The lazy service of a channel is being made.
    *
-   * @returns its row, or nothing when several have this library and creator.
+   * @returns its row, or nothing when several have this channel.
    */
-  std::optional<Place> lazyBegins(const std::string& library, const std::string& creator);
+  std::optional<Place> lazyBegins(const std::string& channel);
 
   /** A lazy service is made and recorded. @returns its row, or nothing when none fits. */
   std::optional<Place> lazyRecorded(const std::string& channel, const std::string& interfaces);
@@ -58,8 +58,12 @@ class StatusBoard {
   void isUp(Place place, std::chrono::milliseconds init);
   void failed(Place place, const std::string& why);
 
-  /** A lazy service failed before it was known which one it is: the first one that fits. */
-  void lazyFailed(const std::string& library, const std::string& creator, const std::string& why);
+  /**
+   * A lazy service failed before it was known which one it is: the first one that fits.
+   *
+   * @param known its channel, library and creator, as far as they are known.
+   */
+  void lazyFailed(const ServiceStatus& known, const std::string& why);
 
   /** The file is through: what still waits for its line did not come up. */
   void startEnds();

@@ -54,10 +54,12 @@ TEST(AServiceWithoutAChannel, HasNoCounters) {
 TEST(ALazyService, WhoseExecutorIsMakingIt_IsInitialising) {
   std::vector<ServiceStatus> sut{service("/a", "AIfc")};
   sut[0].state = ServiceState::Lazy;
+  sut[0].stateSeconds = 100;
   ExecutorProgress making = executor(1, "/a", "AIfc");
   making.making = true;
   addCounters(sut, {making});
   EXPECT_EQ(sut[0].state, ServiceState::Initialising);
+  EXPECT_EQ(sut[0].stateSeconds, 0) << "as long as its line is there";
 }
 
 TEST(AHostStatus, TellsWhatTheBoardAndTheCountersSay) {

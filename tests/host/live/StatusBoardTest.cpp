@@ -110,21 +110,29 @@ TEST_F(AStatusBoard, TellsWhyAServiceFailed) {
   EXPECT_EQ(service().why, "there is no library");
 }
 
-TEST_F(AStatusBoard, FindsTheLazyServiceThatIsBeingMadeByLibraryAndCreator) {
+/** A lazy one beside `line("One")`, with its library and creator. */
+ServiceStatus another() {
+  ServiceStatus other = line("One", "ST, lazy");
+  other.channel = "/other";
+  other.interfaces = "OtherIfc";
+  return other;
+}
+
+TEST_F(AStatusBoard, FindsTheLazyServiceThatIsBeingMadeByItsChannel) {
   sut.isLazy(line("One", "ST, lazy"));
-  sut.isLazy(line("Two", "ST, lazy"));
-  EXPECT_EQ(sut.lazyBegins("libTwo.so", "createTwo"), 1U);
+  sut.isLazy(another());
+  EXPECT_EQ(sut.lazyBegins("/other"), 1U);
   EXPECT_EQ(service(1).state, ServiceState::Initialising);
   EXPECT_EQ(service(0).state, ServiceState::Lazy);
 }
 
-TEST_F(AStatusBoard, DoesNotGuessWhichOfTwoLazyServicesIsBeingMade) {
-  ServiceStatus other = line("One", "ST, lazy");
-  other.channel = "/other";
+TEST_F(AStatusBoard, DoesNotGuessWhichOfTwoLazyServicesOfAChannelIsBeingMade) {
+  ServiceStatus other = another();
+  other.channel = "/One";
   sut.isLazy(line("One", "ST, lazy"));
   sut.isLazy(other);
-  EXPECT_FALSE(sut.lazyBegins("libOne.so", "createOne"));
-  EXPECT_EQ(sut.lazyRecorded("/other", "OneIfc "), 1U);
+  EXPECT_FALSE(sut.lazyBegins("/One"));
+  EXPECT_EQ(sut.lazyRecorded("/One", "OtherIfc "), 1U);
   EXPECT_EQ(service(0).state, ServiceState::Lazy);
   EXPECT_EQ(service(1).state, ServiceState::Initialising);
 }
@@ -132,17 +140,27 @@ TEST_F(AStatusBoard, DoesNotGuessWhichOfTwoLazyServicesIsBeingMade) {
 TEST_F(AStatusBoard, TakesNoServiceForALazyOneThatIsNone) {
   const auto place = sut.begins(line("One"));
   sut.failed(place, "no");
-  EXPECT_FALSE(sut.lazyBegins("libOne.so", "createOne"));
+  EXPECT_FALSE(sut.lazyBegins("/One"));
   EXPECT_FALSE(sut.lazyRecorded("/One", "OneIfc"));
 }
 
 TEST_F(AStatusBoard, ForgetsWhyALazyServiceFailedWhenItIsTriedAgain) {
   sut.isLazy(line("One", "ST, lazy"));
-  sut.lazyFailed("libOne.so", "", "no library");
+  sut.lazyFailed(line("One"), "no library");
   EXPECT_EQ(service().state, ServiceState::Failed);
   EXPECT_EQ(service().why, "no library");
-  EXPECT_EQ(sut.lazyBegins("libOne.so", "createOne"), 0U);
+  EXPECT_EQ(sut.lazyBegins("/One"), 0U);
   EXPECT_EQ(service().why, "");
+}
+
+TEST_F(AStatusBoard, HoldsALazyServiceForFailedOfWhichNoMoreIsKnownThanItsChannel) {
+  sut.isLazy(line("One", "ST, lazy"));
+  sut.isLazy(another());
+  ServiceStatus known;
+  known.channel = "/other";
+  sut.lazyFailed(known, "no library");
+  EXPECT_EQ(service(0).state, ServiceState::Lazy);
+  EXPECT_EQ(service(1).why, "no library");
 }
 
 TEST_F(AStatusBoard, HoldsWhatStillWaitsWhenTheStartEndsForFailed) {

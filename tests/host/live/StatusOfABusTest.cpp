@@ -107,6 +107,17 @@ TEST_F(AHostThatTellsHowItIs, ShowsALazyServiceWhoseInitThrows) {
   EXPECT_EQ(service(host, "LazyIfc").at("why"), "init does not work here");
 }
 
+TEST_F(AHostThatTellsHowItIs, ShowsWhichOfTwoLazyServicesOfAMissingLibraryFailed) {
+  const ChildProcess& host = startAll(
+      "service_info: ST libMissing.so createIt /test/lazy LazyIfc\n"
+      "service_info: ST libMissing.so createIt /test/asked AskedIfc\n"
+      "service_instance: ST libAsking.so createAsking /test/asking AskingIfc\n");
+  ASSERT_TRUE(waitForService(host, "AskedIfc", "state", "failed"));
+  EXPECT_EQ(service(host, "LazyIfc").at("state"), "lazy");
+  EXPECT_THAT(host.output(), HasSubstr("failed   AskedIfc"));
+  EXPECT_THAT(host.output(), Not(HasSubstr("failed   LazyIfc")));
+}
+
 TEST_F(AHostThatTellsHowItIs, ShowsWhyAServiceFailed) {
   const ChildProcess& host = startAll(
       "service_instance: ST libMissing.so createMissing /test/missing MissingIfc\n" + kPlainLine);
