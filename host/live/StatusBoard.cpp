@@ -36,6 +36,8 @@ std::optional<ServiceStatus> serviceOf(const Tokens& tokens) {
   ServiceStatus service;
   service.library = at(tokens, place++);
   service.creator = at(tokens, place++);
+  // Those of a legacy one are counted without the mode, and so its creator may be among them.
+  place = legacy ? 3 : place;
   if (!legacy) service.channel = at(tokens, place++);
   for (; place < tokens.size(); ++place) {
     if (!service.interfaces.empty()) service.interfaces += ' ';

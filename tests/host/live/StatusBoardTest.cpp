@@ -103,6 +103,15 @@ TEST_F(AStatusBoard, FollowsAServiceUntilItRuns) {
   EXPECT_EQ(service().initSeconds, 1.25);
 }
 
+TEST_F(AStatusBoard, HasTheInterfacesOfALegacyServiceThatTheConfiguratorReads) {
+  sut.expect(directory.write("file",
+                             "service_legacy: libOne.so createOne OneIfc OtherIfc\n"
+                             "service_legacy: ST libTwo.so createTwo TwoIfc OtherIfc\n"));
+  EXPECT_EQ(service(0).interfaces, "OneIfc OtherIfc");
+  EXPECT_EQ(service(1).interfaces, "createTwo TwoIfc OtherIfc");
+  EXPECT_EQ(service(1).creator, "createTwo");
+}
+
 TEST_F(AStatusBoard, TellsWhyAServiceFailed) {
   const auto place = sut.begins(line("One"));
   sut.failed(place, "there is no library");
