@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/check/NearMiss.h"
+#include "host/check/Registries.h"
 
 namespace zerva {
 namespace {
@@ -42,7 +43,8 @@ void commaInField(const CheckSubject& subject, Findings& findings) {
   });
 }
 
-/** Whether it is the same code for another protocol: the registry has one record for all of them. */
+/** Whether it is the same code for another protocol: the registry has one record for all of them.
+ */
 bool isSameProxy(const ParsedLine& line, const ParsedLine& other) {
   return line.keyword() == Keyword::ProxyInfo && line.library().text == other.library().text &&
          line.creator().text == other.creator().text &&
@@ -54,9 +56,12 @@ void recordTwice(const CheckSubject& subject, Findings& findings) {
     const CheckedFile* file;
     const ParsedLine* line;
   };
+  const Registries registries(subject);
   std::map<std::string, Place> latest;
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
     if (!line.isRecord() || line.field(2).empty()) return;
+    // What is lost takes nothing's place.
+    if (registries.behind(file, line) != nullptr) return;
     const bool isProxy = line.keyword() == Keyword::ProxyInfo;
     const std::string key = isProxy ? "proxy " + line.field(2).text
                                     : "invoker " + line.field(2).text + " " + line.protocol().text;
@@ -91,9 +96,10 @@ void proxyProtocolIgnored(const CheckSubject& subject, Findings& findings) {
 
 /** The interfaces of records of one kind; of invokers only those that proxies can call. */
 std::set<std::string> recorded(const CheckSubject& subject, Keyword keyword) {
+  const Registries registries(subject);
   std::set<std::string> names;
-  subject.forEachLine([&](const CheckedFile&, const ParsedLine& line) {
-    if (line.keyword() != keyword) return;
+  subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+    if (line.keyword() != keyword || registries.behind(file, line) != nullptr) return;
     if (keyword == Keyword::InvokerInfo && line.protocol().text != proxyProtocol) return;
     names.insert(line.field(2).text);
   });

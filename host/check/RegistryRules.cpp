@@ -1,32 +1,12 @@
 #include "host/check/RegistryRules.h"
 
-#include <map>
 #include <optional>
 
 #include "host/check/NearMiss.h"
+#include "host/check/Registries.h"
 
 namespace zerva {
 namespace {
-
-/** Which line of each file brings up the registry. */
-class Registries {
- public:
-  explicit Registries(const CheckSubject& subject) {
-    subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
-      if (isRegistry(line)) first_.try_emplace(&file, &line);
-    });
-  }
-
-  /** @returns the registry of a file, when it comes up behind a line of it; null otherwise. */
-  const ParsedLine* behind(const CheckedFile& file, const ParsedLine& line) const {
-    const auto found = first_.find(&file);
-    const bool later = found != first_.end() && found->second->number() > line.number();
-    return later ? found->second : nullptr;
-  }
-
- private:
-  std::map<const CheckedFile*, const ParsedLine*> first_;
-};
 
 std::string lineOf(const ParsedLine& line) { return "line " + std::to_string(line.number()); }
 
