@@ -16,6 +16,7 @@
 #include "host/check/ReadFile.h"
 #include "host/check/RuleTable.h"
 #include "host/check/TargetPlaces.h"
+#include "host/trace/TraceReader.h"
 
 namespace zerva {
 namespace {
@@ -52,17 +53,28 @@ struct Surroundings {
   std::optional<std::set<std::string>> lookedUp;
 };
 
-/** @returns whether all of it could be read; if not, it was told what could not. */
-bool prepare(const CheckOptions& options, Surroundings& surroundings) {
+/** @returns whether the traces could be read; if not, it was told which one could not. */
+bool readTraces(const CheckOptions& options, Surroundings& surroundings) {
   for (const std::string& trace : options.traces) {
-    const auto names = readLookedUp(trace);
-    if (!names) {
-      complain("the trace " + trace + " cannot be read: " + std::strerror(errno));
+    try {
+      const LookedUp run = readLookedUp(trace);
+      if (run.lost > 0) {
+        complain(trace + ": " + std::to_string(run.lost) +
+                 " events are missing: what nobody seems to have looked up may have been");
+      }
+      if (!surroundings.lookedUp) surroundings.lookedUp.emplace();
+      surroundings.lookedUp->insert(run.interfaces.begin(), run.interfaces.end());
+    } catch (const TraceError& error) {
+      complain(error.what());
       return false;
     }
-    if (!surroundings.lookedUp) surroundings.lookedUp.emplace();
-    surroundings.lookedUp->insert(names->begin(), names->end());
   }
+  return true;
+}
+
+/** @returns whether all of it could be read; if not, it was told what could not. */
+bool prepare(const CheckOptions& options, Surroundings& surroundings) {
+  if (!readTraces(options, surroundings)) return false;
   if (!options.libraries) return true;
   surroundings.tree.emplace(targetPlaces(options));
   surroundings.programs.emplace(surroundings.tree->places().root, programPath(options));

@@ -1,24 +1,16 @@
 #include "host/check/LookedUp.h"
 
-#include <fstream>
-#include <nlohmann/json.hpp>
+#include "host/trace/TraceReader.h"
 
 namespace zerva {
 
-std::optional<std::set<std::string>> readLookedUp(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) return std::nullopt;
-  std::set<std::string> names;
-  for (std::string line; std::getline(file, line);) {
-    // Most lines are others, and reading each of them whole takes its time.
-    if (line.find("lookup") == std::string::npos) continue;
-    const auto event = nlohmann::json::parse(line, nullptr, false);
-    if (!event.is_object() || event.value("event", nlohmann::json()) != "lookup") continue;
-    const auto name = event.find("interface");
-    if (name != event.end() && name->is_string()) names.insert(name->get<std::string>());
+LookedUp readLookedUp(const std::string& path) {
+  LookedUp result;
+  for (const TraceLine& line : readTraceFile(path)) {
+    if (line.event == "lookup") result.interfaces.insert(line.text("interface"));
+    if (line.event == "lost") result.lost += line.number("events");
   }
-  if (file.bad()) return std::nullopt;
-  return names;
+  return result;
 }
 
 }  // namespace zerva

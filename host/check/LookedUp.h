@@ -1,17 +1,20 @@
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <set>
 #include <string>
 
 namespace zerva {
 
-/**
- * Reads from the trace of a run which interfaces somebody looked up. Lines that are no such event,
- * or cut off, are passed over.
- *
- * @returns their names; nothing when the file cannot be read.
- */
-std::optional<std::set<std::string>> readLookedUp(const std::string& path);
+/** What the trace of a run tells of lookups. */
+struct LookedUp {
+  /** The interfaces that somebody looked up. */
+  std::set<std::string> interfaces;
+  /** How many events are missing; lookups may be among them. */
+  std::int64_t lost = 0;
+};
+
+/** Reads a trace. @throws TraceError as `readTraceFile`. */
+LookedUp readLookedUp(const std::string& path);
 
 }  // namespace zerva

@@ -87,7 +87,22 @@ TEST_F(TheVerbCheck, EndsWith2WhenAFileIsMissing_AndLooksAtTheOthers) {
 
 TEST_F(TheVerbCheck, EndsWith2WhenATraceIsMissing) {
   EXPECT_EQ(sutOf(withNote, {"--trace", "missing"}), 2);
-  EXPECT_THAT(errors, HasSubstr("the trace missing cannot be read"));
+  EXPECT_EQ(errors, "zerva: missing: error: cannot be opened: No such file or directory\n");
+}
+
+TEST_F(TheVerbCheck, EndsWith2WhenWhatIsGivenForATraceIsNone) {
+  const std::string text = directory.write("notes", "somebody did a lookup of AIfc\n");
+  EXPECT_EQ(sutOf(withNote, {"--trace", text}), 2);
+  EXPECT_THAT(errors, HasSubstr("notes:1: error: this is no line of a trace"));
+  EXPECT_EQ(output, "");
+}
+
+TEST_F(TheVerbCheck, SaysSoWhenATraceIsNotComplete) {
+  const std::string thread = R"("thread":{"id":1,"name":"main"})";
+  directory.write("run.trace", R"({"event":"trace","version":1,"t":1,)" + thread + "}\n" +
+                                   R"({"event":"lost","t":2,"events":3,)" + thread + "}\n");
+  EXPECT_EQ(sutOf(withNote, {"--trace", "run.trace"}), 0);
+  EXPECT_THAT(errors, HasSubstr("run.trace: 3 events are missing"));
 }
 
 TEST_F(TheVerbCheck, EndsWith2ForACodeThatIsNone) {
