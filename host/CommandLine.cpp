@@ -1,16 +1,14 @@
 #include "host/CommandLine.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <iostream>
 #include <map>
 #include <sstream>
-#include <system_error>
 
 #include "framework/ZervaVersion.h"
 #include "host/Complaint.h"
+#include "host/Printing.h"
 #include "host/check/CheckCommand.h"
 #include "host/completion/Completion.h"
 #include "host/completion/DescribeCommand.h"
@@ -178,11 +176,7 @@ void addCompletion(CLI::App& app, std::string& shell, Verb& verb) {
       ->required()
       ->check(CLI::IsMember(writers));
   completion->callback([&] {
-    verb = [text = writers.at(shell)(describeCommand(app))] {
-      if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0) return 0;
-      complain("cannot print it: " + std::generic_category().message(errno));
-      return 1;
-    };
+    verb = [text = writers.at(shell)(describeCommand(app))] { return print(text) ? 0 : 1; };
   });
 }
 

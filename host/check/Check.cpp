@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "host/Printing.h"
 #include "host/check/CheckReport.h"
 #include "host/check/LibraryLoad.h"
 #include "host/check/LibraryTree.h"
@@ -138,13 +139,13 @@ const char* describeCheckExits() {
   return "Exit codes:\n"
          "  0  no error was found, and with --strict no warning\n"
          "  1  errors were found, or with --strict warnings\n"
-         "  2  the command line was not understood, or a file could not be read\n";
+         "  2  the command line was not understood, a file could not be read, what was found\n"
+         "     could not be printed, or an unexpected error\n";
 }
 
 CheckExit check(const CheckOptions& options) {
   if (options.listCodes) {
-    std::fputs(describeRules().c_str(), stdout);
-    return CheckExit::Good;
+    return print(describeRules()) ? CheckExit::Good : CheckExit::NotDone;
   }
   Surroundings surroundings;
   if (!prepare(options, surroundings)) return CheckExit::NotDone;
@@ -156,7 +157,7 @@ CheckExit check(const CheckOptions& options) {
       options.json
           ? reportAsJson(findings)
           : reportAsText(findings, style.carets ? linesOf(subjects) : SourceLines(), style);
-  std::fwrite(report.data(), 1, report.size(), stdout);
+  if (!print(report)) return CheckExit::NotDone;
   if (!complete) return CheckExit::NotDone;
   const bool bad = count(findings, Severity::Error) > 0 ||
                    (options.strict && count(findings, Severity::Warning) > 0);

@@ -10,7 +10,7 @@ enum class CheckExit : int {
   Good = 0,
   /** Errors were found, or warnings where those fail too. */
   Bad = 1,
-  /** The command line was not understood, or a file could not be read. */
+  /** It was not looked over, or not all of it, or what was found could not be told. */
   NotDone = 2,
 };
 

@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <exception>
 #include <memory>
 
+#include "host/Complaint.h"
 #include "host/check/Check.h"
 #include "host/check/LibraryLoad.h"
 #include "host/check/RuleTable.h"
@@ -70,7 +72,15 @@ void addCheck(CLI::App& app, Verb& verb) {
       command->add_flag("--codes", options->listCodes, "List all that can be found, and end");
   command->callback([files, list, options, &verb] {
     if (files->count() == 0 && list->count() == 0) throw CLI::RequiredError("FILE");
-    verb = [options] { return static_cast<int>(check(*options)); };
+    verb = [options] {
+      try {
+        return static_cast<int>(check(*options));
+      } catch (const std::exception& error) {
+        // The code of the program for that is the one for files that are not right.
+        complain(error.what());
+      }
+      return static_cast<int>(CheckExit::NotDone);
+    };
   });
 }
 

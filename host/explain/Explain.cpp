@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/Printing.h"
 #include "host/check/LibraryUse.h"
 #include "host/check/ProgramSearch.h"
 #include "host/check/ReadFile.h"
@@ -29,7 +30,7 @@ ExplainExit explainSubject(const CheckSubject& subject, const ExplainOptions& op
   const auto& lines = std::get<std::vector<LineExplanation>>(selected);
   const std::string report =
       options.json ? explanationAsJson(file, lines) : explanationAsText(file, lines);
-  std::fwrite(report.data(), 1, report.size(), stdout);
+  if (!print(report)) return ExplainExit::NotDone;
   return sumOf(lines).isGood() ? ExplainExit::Good : ExplainExit::Bad;
 }
 
@@ -40,7 +41,8 @@ const char* describeExplainExits() {
          "  0  each line that was explained does what it asks for\n"
          "  1  one of them does not: it fails, is skipped, or is not read\n"
          "  2  nothing was explained: the command line was not understood, the file could not be\n"
-         "     read, or nothing in it has that number or name\n";
+         "     read, nothing in it has that number or name, it could not be printed, or an\n"
+         "     unexpected error\n";
 }
 
 ExplainExit explain(const ExplainOptions& options) {

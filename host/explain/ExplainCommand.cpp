@@ -1,8 +1,10 @@
 #include "host/explain/ExplainCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <memory>
 
+#include "host/Complaint.h"
 #include "host/check/TargetOptions.h"
 #include "host/explain/Explain.h"
 
@@ -19,8 +21,17 @@ void addExplain(CLI::App& app, Verb& verb) {
                       "creator or program");
   command->add_flag("--json", options->json, "Write it as JSON");
   addTargetOptions(*command, options->target);
-  command->callback(
-      [options, &verb] { verb = [options] { return static_cast<int>(explain(*options)); }; });
+  command->callback([options, &verb] {
+    verb = [options] {
+      try {
+        return static_cast<int>(explain(*options));
+      } catch (const std::exception& error) {
+        // The code of the program for that is the one for lines that do not do what they ask for.
+        complain(error.what());
+      }
+      return static_cast<int>(ExplainExit::NotDone);
+    };
+  });
 }
 
 }  // namespace zerva

@@ -105,6 +105,38 @@ TEST_F(TheVerbCheck, SaysSoWhenATraceIsNotComplete) {
   EXPECT_THAT(errors, HasSubstr("run.trace: 3 events are missing"));
 }
 
+/** `zerva` with standard output on a device that takes nothing. */
+int withoutRoom(const std::string& words, const TempDirectory& directory, std::string& errors) {
+  ChildProcess program("/bin/sh",
+                       {"-c", (build / "bin/zerva").string() + " " + words + " >/dev/full"}, {},
+                       directory.path());
+  const int code = program.wait().value_or(-1);
+  errors = program.errors();
+  return code;
+}
+
+TEST_F(TheVerbCheck, EndsWith2WhenWhatItFoundCannotBePrinted) {
+  directory.write("a.directives", withNote);
+  EXPECT_EQ(withoutRoom("check a.directives --no-libraries", directory, errors), 2);
+  EXPECT_EQ(errors, "zerva: cannot print it: No space left on device\n");
+  EXPECT_EQ(withoutRoom("check --codes", directory, errors), 2);
+}
+
+// Address space is what sanitizers need much of.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST_F(TheVerbCheck, EndsWith2ForAnUnexpectedError) {
+  std::string lines;
+  for (int count = 0; count < 400'000; ++count) lines += "word: a b c d e f g\n";
+  directory.write("a.directives", lines);
+  ChildProcess program("/bin/sh",
+                       {"-c", "ulimit -v 200000; exec " + (build / "bin/zerva").string() +
+                                  " check a.directives --no-libraries"},
+                       {}, directory.path());
+  EXPECT_EQ(program.wait().value_or(-1), 2) << "as for a file with errors";
+  EXPECT_THAT(program.errors(), HasSubstr("bad_alloc"));
+}
+#endif
+
 TEST_F(TheVerbCheck, EndsWith2ForACodeThatIsNone) {
   EXPECT_EQ(sutOf(withNote, {"--ignore", "nothing-at-all"}), 2);
 }

@@ -52,6 +52,16 @@ TEST_F(TheVerbExplain, EndsWith0WhenEachLineDoesWhatItAsksFor) {
   EXPECT_EQ(errors, "");
 }
 
+TEST_F(TheVerbExplain, EndsWith2WhenItCannotBePrinted) {
+  directory.write("a.directives", good);
+  ChildProcess program(
+      "/bin/sh",
+      {"-c", (build / "bin/zerva").string() + " explain a.directives --no-libraries >/dev/full"},
+      {}, directory.path());
+  EXPECT_EQ(program.wait().value_or(-1), 2);
+  EXPECT_EQ(program.errors(), "zerva: cannot print it: No space left on device\n");
+}
+
 TEST_F(TheVerbExplain, EndsWith1WhenALineDoesNot) {
   EXPECT_EQ(sutOf(good + "servce_info: a\n"), 1);
 }
