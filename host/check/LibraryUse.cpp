@@ -157,10 +157,10 @@ bool othersMayReplace(const struct stat& status) {
          !(S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0);
 }
 
-std::string writableByOthers(const LibraryUse& use, const LibraryTree& tree) {
+std::string writableByOthers(const std::string& path, const LibraryTree& tree) {
   const std::string root = tree.places().root;
   std::error_code error;
-  std::filesystem::path at = std::filesystem::canonical(tree.realPath(use.path), error);
+  std::filesystem::path at = std::filesystem::canonical(tree.realPath(path), error);
   while (!error && !at.empty() && at.string().size() > root.size()) {
     struct stat status {};
     if (stat(at.c_str(), &status) == 0 && othersMayReplace(status)) return at.string();
@@ -178,9 +178,13 @@ LibraryUse lookIntoLibrary(const CheckedFile& file, const ParsedLine& line,
   use.file = &file;
   use.line = &line;
   const FoundLibrary* library = openItself(use, tree);
-  if (!use.path.empty()) use.writable = writableByOthers(use, tree);
+  if (!use.path.empty()) use.writable = writableByOthers(use.path, tree);
   if (library == nullptr) return use;
   const std::vector<const FoundLibrary*> opened = openNeeded(use, *library, tree);
+  for (const FoundLibrary* needed : opened) {
+    if (!use.writable.empty()) break;
+    use.writable = writableByOthers(needed->path, tree);
+  }
   // What is not there might have what is looked for.
   if (!use.missing.empty()) return use;
   lookForCreator(use, opened);

@@ -51,7 +51,10 @@ struct LibraryUse {
   std::string creatorSuggestion;
   /** Whether the function is there under the name that C++ gave it. */
   bool mangled = false;
-  /** What others can write to: the library itself or a directory above it; empty for nothing. */
+  /**
+   * What others can write to: the library itself, one that it needs and the host has not loaded
+   * yet, or a directory above one of them; empty for nothing.
+   */
   std::string writable;
   /** Why it could not be opened for real; empty also when nobody tried. */
   std::string loadFault;

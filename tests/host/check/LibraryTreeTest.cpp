@@ -208,6 +208,18 @@ TEST_F(ATreeOfLibraries, KnowsWhatAProgramIsStartedWith) {
               testing::ElementsAre("/usr/bin/host", "/usr/bin/hidden/libHidden.so"));
 }
 
+TEST_F(ATreeOfLibraries, TellsWhatEverybodyMayWriteToOfWhatIsNeeded) {
+  put(libraries / "libFindsHidden.so", "/opt/libFindsHidden.so");
+  put(libraries / "hidden/libHidden.so", "/opt/hidden/libHidden.so");
+  LibraryPlaces wanted = places();
+  wanted.hostDirectories = {"/opt"};
+  wanted.loaded = ofEveryBuild();
+  EXPECT_EQ(look("libFindsHidden.so", wanted, "createNeeding").writable, "");
+  fs::permissions(root + "/opt/hidden/libHidden.so", fs::perms::all);
+  EXPECT_EQ(look("libFindsHidden.so", wanted, "createNeeding").writable,
+            root + "/opt/hidden/libHidden.so");
+}
+
 TEST_F(ATreeOfLibraries, TellsWhatEverybodyMayWriteTo) {
   put("/opt/open/libA.so");
   LibraryPlaces wanted = places();
