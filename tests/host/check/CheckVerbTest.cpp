@@ -173,6 +173,20 @@ TEST_F(TheVerbCheck, WritesWhatTheDocumentShows) {
               HasSubstr("\n    $ zerva check plant.directives\n" + indented(output) + "\n"));
 }
 
+TEST_F(TheVerbCheck, LooksForWhatIsNeededWhereTheEnvironmentSays) {
+  const fs::path libraries = build / "check-libraries";
+  directory.write("a.directives", "service_instance: ST " +
+                                      (libraries / "libNeedsHidden.so").string() +
+                                      " createNeeding /a AIfc\n");
+  const auto codeWith = [&](const std::string& path) {
+    ChildProcess program(build / "bin/zerva", {"check", "a.directives"},
+                         {{"LD_LIBRARY_PATH", path}}, directory.path());
+    return program.wait().value_or(-1);
+  };
+  EXPECT_EQ(codeWith(libraries), 1);
+  EXPECT_EQ(codeWith(libraries / "hidden"), 0);
+}
+
 TEST_F(TheVerbCheck, ListsItsCodesWithoutAFile) {
   EXPECT_EQ(sut({"--codes"}), 0);
   EXPECT_THAT(output, HasSubstr("error    line-too-long "));

@@ -141,6 +141,51 @@ TEST_F(ATreeOfLibraries, FindsWhatALibraryNeedsWhereTheLibrarySays) {
   EXPECT_EQ(look("libFindsHidden.so", wanted, "createNeeding").missing.size(), 0U);
 }
 
+/** Puts a program with a path of its own there, with what it needs in that path's directory. */
+class AProgramsTree : public ATreeOfLibraries {
+ protected:
+  void putProgram(const std::string& library) const {
+    put(libraries / library, "/usr/bin/host");
+    put(libraries / "hidden/libBetween.so", "/usr/bin/hidden/libBetween.so");
+    put(libraries / "hidden/libHidden.so", "/usr/bin/hidden/libHidden.so");
+  }
+
+  std::vector<std::string> started(const std::vector<std::string>& environment = {}) const {
+    LibraryPlaces wanted = places();
+    wanted.loaded = ofEveryBuild();
+    wanted.environment = environment;
+    return programAndLibraries("/usr/bin/host", LibraryTree(wanted));
+  }
+};
+
+TEST_F(AProgramsTree, IsSearchedForAllThatIsNeededWhereAPathOfTheOlderKindSays) {
+  putProgram("libOlderPath.so");
+  EXPECT_THAT(started(), testing::ElementsAre("/usr/bin/host", "/usr/bin/hidden/libBetween.so",
+                                              "/usr/bin/hidden/libHidden.so"));
+}
+
+TEST_F(AProgramsTree, IsSearchedForWhatIsNeededDirectlyWhereAPathOfTheNewerKindSays) {
+  putProgram("libNewerPath.so");
+  EXPECT_THAT(started(), testing::IsEmpty()) << "the library between does not say";
+  put(libraries / "hidden/libHidden.so", "/usr/lib/libHidden.so");
+  EXPECT_THAT(started(), testing::ElementsAre("/usr/bin/host", "/usr/bin/hidden/libBetween.so",
+                                              "/usr/lib/libHidden.so"));
+}
+
+TEST_F(AProgramsTree, IsSearchedInTheEnvironmentsDirectoriesAfterAPathOfTheOlderKind) {
+  putProgram("libOlderPath.so");
+  put(libraries / "hidden/libBetween.so", "/env/libBetween.so");
+  EXPECT_THAT(started({"/env"}), testing::Contains("/usr/bin/hidden/libBetween.so"));
+}
+
+TEST_F(AProgramsTree, IsSearchedInTheEnvironmentsDirectoriesBeforeAPathOfTheNewerKind) {
+  putProgram("libNewerPath.so");
+  put(libraries / "hidden/libBetween.so", "/env/libBetween.so");
+  put(libraries / "hidden/libHidden.so", "/env/libHidden.so");
+  EXPECT_THAT(started({"/env"}),
+              testing::ElementsAre("/usr/bin/host", "/env/libBetween.so", "/env/libHidden.so"));
+}
+
 TEST_F(ATreeOfLibraries, DoesNotSearchTheHostsDirectoriesForWhatALibraryNeeds) {
   put(libraries / "libNeedsHidden.so", "/opt/libNeedsHidden.so");
   put(libraries / "hidden/libHidden.so", "/opt/libHidden.so");
