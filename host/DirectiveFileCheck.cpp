@@ -23,7 +23,7 @@ std::vector<Finding> checkDirectiveFile(const std::string& path) {
 
 std::string formatFinding(const Finding& finding) {
   return finding.file + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
-         ": " + severityName(finding.severity) + ": " + finding.text;
+         ": " + severityName(finding.severity) + ": " + finding.text + " [" + finding.code + "]";
 }
 
 }  // namespace zerva

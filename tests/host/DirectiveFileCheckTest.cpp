@@ -145,8 +145,9 @@ TEST_F(TheLookOverOfAFile, RefusesAFileThatCannotBeReadThoughItOpens) {
 }
 
 TEST(AFinding, IsWrittenAsCompilersWriteTheirs) {
-  EXPECT_EQ(formatFinding({"a.directives", 3, 19, "something is wrong."}),
-            "a.directives:3:19: error: something is wrong.");
+  EXPECT_EQ(
+      formatFinding({"a.directives", 3, 19, "something is wrong.", 1, Severity::Error, "code"}),
+      "a.directives:3:19: error: something is wrong. [code]");
 }
 
 }  // namespace
