@@ -87,13 +87,18 @@ class Spellings {
 
 void differsInCase(const CheckSubject& subject, Findings& findings) {
   Spellings libraries("library", findings);
-  Spellings creators("creator", findings);
+  // Two libraries may have what they like.
+  std::map<std::string, Spellings> creators;
   Spellings channels("channel", findings);
   Spellings interfaces("interface", findings);
+  Spellings programs("program", findings);
   subject.forEachLine([&](const CheckedFile& file, const ParsedLine& line) {
+    const bool starts = line.keyword() == Keyword::StartProcess && line.words().size() > 1;
+    if (starts) programs.look(file, line, line.words()[1]);
     if (!line.isService() && !line.isRecord()) return;
     libraries.look(file, line, line.library());
-    creators.look(file, line, line.creator());
+    creators.try_emplace(line.library().text, "creator", findings)
+        .first->second.look(file, line, line.creator());
     if (line.isChannelService()) channels.look(file, line, line.channel());
     for (const Word& word : line.interfaces()) interfaces.look(file, line, word);
   });
