@@ -1,12 +1,8 @@
 // `zerva check` as a whole: its words, its exit codes, and the trees of other machines.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -16,6 +12,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileText.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/Terminal.h"
 
 namespace zerva {
 namespace {
@@ -284,29 +281,12 @@ TEST_F(TheVerbCheck, BelievesWhatItIsToldOfTheMachine) {
   EXPECT_THAT(output, HasSubstr("and the host for 64-bit ARM. [library-wrong-machine]"));
 }
 
-/** @returns what the verb writes to a terminal, which is made for it. */
-std::string onATerminal(const std::string& file) {
-  const int master = posix_openpt(O_RDWR | O_NOCTTY);
-  EXPECT_EQ(grantpt(master), 0);
-  EXPECT_EQ(unlockpt(master), 0);
-  const std::string name = ptsname(master);
-  const std::string command =
-      "exec '" + (build / "bin/zerva").string() + "' check '" + file + "' --no-libraries >" + name;
-  ChildProcess program("/bin/sh", {"-c", command});
-  std::string text;
-  std::array<char, 4096> piece;
-  for (ssize_t length; (length = read(master, piece.data(), piece.size())) > 0;) {
-    text.append(piece.data(), static_cast<std::size_t>(length));
-    if (text.find("1 error\r\n") != std::string::npos) break;
-  }
-  close(master);
-  program.wait();
-  return text;
-}
-
 TEST_F(TheVerbCheck, ShowsTheLineAndAMarkOnATerminal) {
-  EXPECT_THAT(onATerminal(directory.write("a.directives", withError)),
-              HasSubstr("\r\n    servce_info: x\r\n    \033[31m^~~~~~~~~~~\033[0m\r\n"));
+  const std::string file = directory.write("a.directives", withError);
+  const Shown sut =
+      runOnATerminal((build / "bin/zerva").string() + " check " + file + " --no-libraries");
+  EXPECT_EQ(sut.code, 1);
+  EXPECT_THAT(sut.text, HasSubstr("\r\n    servce_info: x\r\n    \033[31m^~~~~~~~~~~\033[0m\r\n"));
 }
 
 TEST_F(TheVerbCheck, ShowsNoLineElsewhere) {

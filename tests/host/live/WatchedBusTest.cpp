@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "tests/host/live/HostsOnABus.h"
+#include "tests/support/Terminal.h"
 #include "tests/support/WaitUntil.h"
 
 namespace zerva {
@@ -27,6 +28,22 @@ TEST_F(AWatch, ShowsTheBusAsOftenAsItWasAskedTo) {
   EXPECT_EQ(sut.code, 0) << sut.errors;
   EXPECT_EQ(tables(sut.output), 3U);
   EXPECT_THAT(sut.output, Not(HasSubstr("\x1b"))) << "it is no terminal";
+}
+
+TEST_F(AWatch, OnATerminal_ShowsEachLookInThePlaceOfTheOneBefore) {
+  startAll(kPlainLine);
+  const Shown sut =
+      runOnATerminal(build + "/bin/zerva watch --bus " + bus + " --every 0.01 --count 3");
+  EXPECT_EQ(sut.code, 0);
+  EXPECT_EQ(tables(sut.text), 3U);
+  std::size_t cleared = 0;
+  const std::string homeAndClear = "\x1b[H\x1b[2J\x1b[3J";
+  for (std::size_t at = 0; (at = sut.text.find(homeAndClear, at)) != std::string::npos; ++at) {
+    ++cleared;
+    EXPECT_EQ(sut.text.compare(at + homeAndClear.size(), 8, "process "), 0);
+  }
+  EXPECT_EQ(cleared, 3U);
+  EXPECT_EQ(sut.text.find(homeAndClear), 0U);
 }
 
 TEST_F(AWatch, GoesOnUntilASignalAndEndsInOrder) {
