@@ -36,6 +36,16 @@ for file in "$directory/$tree"/bin/zerva "$directory/$tree"/lib/*.so; do
   path=$(readelf -d "$file" | sed -nE 's/.*RUNPATH.*\[(.*)\]$/\1/p')
   [ "$path" = '$ORIGIN/../lib:$ORIGIN' ] || fail "$file has RUNPATH '$path'"
 done
+# Nothing is linked but what is here, and the C and C++ libraries.
+for file in "$directory/$tree"/bin/zerva "$directory/$tree"/lib/*.so; do
+  for needed in $(readelf -d "$file" | sed -nE 's/.*\(NEEDED\).*\[(.*)\]$/\1/p'); do
+    case $needed in
+      libc.so.6 | libm.so.6 | libgcc_s.so.1 | libstdc++.so.6 | ld-linux*.so.2) ;;
+      *) [ -e "$directory/$tree/lib/$needed" ] || fail "${file##*/} needs $needed" ;;
+    esac
+  done
+done
+readelf -d "$directory/$tree/bin/zerva" | grep -q 'NEEDED.*libstdc++' || fail 'the program needs nothing'
 if found=$(grep -rlF --exclude='*.pc' -e "$work" -e "$build" "$directory"); then fail "has paths of this machine: $found"; fi
 
 "$directory/bin/zerva" --version >"$work/version"
