@@ -105,7 +105,9 @@ void ServiceManager::watch() {
     const Phase phase = phase_;
     lock.unlock();
     const auto failed = exceptionOf([&] {
-      // What starts or stops may wait for long, and what it waits for is the status then.
+      // What starts or stops may wait for long, and what it waits for is the status then. Signs of
+      // life are sent meanwhile, whatever the executors do: how long it may take is for the
+      // manager's time-outs of start and stop to say.
       const bool judged = watchdog_ && phase == Phase::Running;
       const auto stuck =
           judged ? executors.look(executorProgress(), Clock::now()) : std::vector<std::string>();
