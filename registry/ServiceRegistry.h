@@ -31,6 +31,8 @@ class ServiceRegistry final : public Service, public ServiceRegistryIfc {
   void messageReceived(const CommsChannelDataContainerMessage& message,
                        CommsChannelDataContainerMessage& reply) override;
 
+  /** @throws ZervaException when a name or the channel holds a comma, which no reply could carry.
+   */
   void registerInterface(const std::string& ifc, const std::string& channel) override;
   void unregisterInterface(const std::string& ifc, const std::string& channel) override;
 
