@@ -10,6 +10,7 @@
 #include "host/trace/RunModelBuilder.h"
 #include "host/trace/TraceReader.h"
 #include "tests/host/trace/SvgPicture.h"
+#include "tests/host/trace/TraceText.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileText.h"
 #include "tests/support/TempDirectory.h"
@@ -250,6 +251,41 @@ TEST_F(ATracedRun, ThatBecameSlowerIsToldByTheExitCode) {
   const std::string files = ZERVA_SOURCE_DIRECTORY "/tests/host/trace/files/";
   EXPECT_EQ(zerva({"diff", files + "harbour.jsonl", files + "weather.jsonl"}), 1);
   EXPECT_THAT(output, HasSubstr("Something became slower"));
+}
+
+TEST_F(ATracedRun, MayBecomeAsMuchSlowerAsIsSaid) {
+  const std::string before =
+      directory.write("before.jsonl", TraceText().immediate(10, "/one", 20).running(100).text());
+  const std::string after =
+      directory.write("after.jsonl", TraceText().immediate(10, "/one", 30).running(100).text());
+  // From 24 to 34 ms.
+  EXPECT_EQ(zerva({"diff", before, after}), 1);
+  EXPECT_EQ(zerva({"diff", before, after, "--max-regress", "50%"}), 0) << output;
+  EXPECT_EQ(zerva({"diff", before, after, "--max-regress", "40%"}), 1) << output;
+  EXPECT_EQ(zerva({"diff", before, after, "--max-regress", "50"}), 0) << output;
+  EXPECT_EQ(zerva({"diff", before, after, "--noise", "10.5"}), 0) << output;
+  EXPECT_EQ(zerva({"diff", before, after, "--noise", "9.5"}), 1) << output;
+  EXPECT_EQ(zerva({"diff", before, after, "--max-regress", "much"}), 2) << output;
+}
+
+TEST_F(ATracedRun, IsAdvisedOnByTheLimitsThatAreSaid) {
+  // Making it lazy saves 23 ms; it is asked for 200 ms after the start.
+  const std::string trace = directory.write("a.jsonl", TraceText()
+                                                           .immediate(10, "/one", 20)
+                                                           .running(100)
+                                                           .add(300, "first_request", "/one")
+                                                           .add(60000, "lost", "", "\"events\":0")
+                                                           .text());
+  const auto advised = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), {"advise", trace});
+    EXPECT_EQ(zerva(words), 0) << errors;
+    return output.find("/one") != std::string::npos;
+  };
+  EXPECT_FALSE(advised({}));
+  EXPECT_TRUE(advised({"--soon", "100"}));
+  EXPECT_FALSE(advised({"--soon", "300"}));
+  EXPECT_TRUE(advised({"--soon", "100", "--at-least", "22.5"}));
+  EXPECT_FALSE(advised({"--soon", "100", "--at-least", "23.5"}));
 }
 
 TEST_F(ATracedRun, WhoseTraceCannotBeReadIsToldByTheExitCode) {
