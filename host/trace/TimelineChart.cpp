@@ -240,7 +240,8 @@ class Chart {
     if (up.length() <= 0 || !panel.shows(up)) return;
     const std::string text = durationText(up.length());
     const double width = textWidth(text, kSmall);
-    const double end = panel.place(up.end) + 5;
+    // Behind the cross of one that failed.
+    const double end = panel.place(up.end) + (service.error.empty() ? 5 : 9);
     if (end + width <= panel.x + panel.width) {
       svg_.text(end, y + 16, text, "small");
     } else if (panel.place(up.begin) - 5 - width >= panel.x) {
