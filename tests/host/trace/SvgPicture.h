@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zerva {
@@ -13,13 +14,16 @@ struct SvgPicture {
     double y = 0;
     double width = 0;
     double height = 0;
+    /** The class of the group that it is in. */
+    std::string group = {};
   };
   struct Text {
     std::string text;
     std::string cssClass;
-    double size = 0;
     /** What it covers, as wide as it may be in any letters. */
     Box box;
+    /** Where its letters stand. */
+    double baseline = 0;
     /** The class of the group that it is in. */
     std::string group;
   };
@@ -35,8 +39,17 @@ struct SvgPicture {
   /** @returns the texts of one class. */
   std::vector<std::string> textsOf(const std::string& cssClass) const;
 
-  /** @returns what does not fit: texts beyond the edge, and texts that lie on others. */
+  /**
+   * @returns what does not fit: texts beyond the edge or the box in which they begin, and texts
+   * that lie on others.
+   */
   std::vector<std::string> misfits() const;
 };
+
+/**
+ * @returns how many pixels a text is wide in the letters that charts are written in, DejaVu Sans,
+ * by the widths that are in its files.
+ */
+double widthOfLetters(std::string_view text, double size, bool bold);
 
 }  // namespace zerva

@@ -15,6 +15,17 @@ TEST(ATextInXml, HasAReplacementForWhatXmlHasNoSignFor) {
   EXPECT_EQ(escapeXml("\xC3\xA4"), "\xC3\xA4");
 }
 
+TEST(ATextsWidth, IsNoLessThanThatOfTheLettersOfNames) {
+  std::string letters = " !\"$%&'()*+,-./:;<=>?@[\\]_`{|}~";
+  for (char letter = '0'; letter <= '9'; ++letter) letters += letter;
+  for (char letter = 'A'; letter <= 'Z'; ++letter) letters += letter;
+  for (char letter = 'a'; letter <= 'z'; ++letter) letters += letter;
+  for (const char letter : letters) {
+    const std::string text(1, letter);
+    EXPECT_GE(textWidth(text, 10), widthOfLetters(text, 10, false)) << letter;
+  }
+}
+
 TEST(AShortenedText, IsTheTextWhenThatFits) { EXPECT_EQ(shortened("short", 10, 100), "short"); }
 
 TEST(AShortenedText, KeepsBeginningAndEndAndFits) {
@@ -31,6 +42,27 @@ TEST(AShortenedText, CutsNoCharacterInTwo) {
 }
 
 TEST(AShortenedText, IsEmptyWhereNothingFits) { EXPECT_EQ(shortened("text", 10, 1), ""); }
+
+constexpr char kRules[] = ".head{font-weight:bold}.small{font-size:10px}";
+
+/** A picture of a text and of a box that is as wide as said. */
+SvgPicture boxed(const std::string& text, const std::string& cssClass, double width) {
+  Svg svg;
+  svg.rectangle(10, 10, width, 20, "box");
+  svg.text(12, 25, text, cssClass);
+  return SvgPicture::read(svg.document(500, 100, "", kRules, ""));
+}
+
+TEST(AnSvgPicture, TellsOfATextThatIsWiderThanItsBox) {
+  EXPECT_TRUE(boxed("nodes", "head", 60).misfits().empty());
+  EXPECT_EQ(boxed("nodes", "head", 30).misfits(),
+            std::vector<std::string>{"beyond its box: nodes"});
+  // Bold letters are wider than others, and smaller ones narrower.
+  const double width = 2 + textWidth("nnnnnnnnnn", 12);
+  EXPECT_TRUE(boxed("nnnnnnnnnn", "name", width).misfits().empty());
+  EXPECT_FALSE(boxed("nnnnnnnnnn", "head", width).misfits().empty());
+  EXPECT_TRUE(boxed("nnnnnnnnnn", "small", width - 10).misfits().empty());
+}
 
 TEST(AnSvgPicture, IsWellFormedWhateverItsTexts) {
   Svg sut;

@@ -13,6 +13,7 @@
 #include "host/trace/TraceReader.h"
 #include "tests/host/trace/SvgPicture.h"
 #include "tests/host/trace/TraceText.h"
+#include "tests/support/FileText.h"
 
 namespace zerva {
 namespace {
@@ -107,6 +108,35 @@ TEST(ATimeline, IsDrawnOfATraceWithNothingInIt) {
   const SvgPicture sut = drawn(TraceText().run());
   EXPECT_THAT(rowsOf(sut), ElementsAre("the host"));
   EXPECT_THAT(sut.misfits(), IsEmpty());
+}
+
+/** The names that the services of a directive file have in the rows. */
+std::vector<std::string> servicesOf(const std::string& directives) {
+  std::vector<std::string> services{"the host"};
+  std::istringstream lines(directives);
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream fields(line);
+    std::string keyword;
+    std::string field;
+    if (!(fields >> keyword) || !keyword.starts_with("service_")) continue;
+    fields >> field;
+    if (field == "MT" || field == "ST") fields >> field;
+    // Behind the library and the creator: the channel, or the interface of one that has none.
+    fields >> field >> field;
+    services.push_back(field);
+  }
+  return services;
+}
+
+TEST(ThePictureOfTheReadme, ShowsTheServicesOfTheDemo) {
+  const std::string source = ZERVA_SOURCE_DIRECTORY;
+  const SvgPicture sut = SvgPicture::read(readFile(source + "/docs/pictures/startup.svg"));
+  const auto expected = servicesOf(readFile(source + "/examples/demo.directives"));
+  ASSERT_THAT(expected, SizeIs(7));
+  EXPECT_EQ(rowsOf(sut), expected);
+  EXPECT_THAT(sut.misfits(), IsEmpty());
+  EXPECT_GT(boxesOf(sut, "critical"), 1U);
+  EXPECT_GT(boxesOf(sut, "init"), 1U);
 }
 
 TEST(ATimelinesPanels, LeaveTheTimeOutInWhichNothingComesUp) {
