@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "host/trace/CriticalPath.h"
 #include "host/trace/Panels.h"
 #include "host/trace/RunModelBuilder.h"
 #include "host/trace/Svg.h"
@@ -39,6 +41,18 @@ std::size_t boxesOf(const SvgPicture& picture, const std::string& cssClass) {
   return static_cast<std::size_t>(
       std::count_if(picture.boxes.begin(), picture.boxes.end(),
                     [&](const auto& box) { return box.cssClass == cssClass; }));
+}
+
+/** The name of the row that a height is in. */
+std::string rowAt(const SvgPicture& picture, double y) {
+  std::string name;
+  for (const auto& text : picture.texts) {
+    // A row begins that much above its name.
+    constexpr double above = 16;
+    const bool begins = text.group == "row" && text.cssClass == "name";
+    if (begins && text.baseline - above <= y) name = text.text;
+  }
+  return name;
 }
 
 TraceText aThousandServices() {
@@ -90,6 +104,55 @@ TEST(ATimeline, NamesTheTenSlowestTheSlowestFirst) {
   const auto sut = slowestOf(run, 10);
   ASSERT_THAT(sut, SizeIs(10));
   for (const ServiceRun* service : sut) EXPECT_EQ(service->total(Stage::Init), 7_ms);
+}
+
+TEST(ATimeline, ListsTheTenSlowestBesideTheRows) {
+  const RunModel run = aThousandServices().run();
+  const SvgPicture picture = drawn(run);
+  std::vector<std::string> sut;
+  for (const auto& text : picture.texts) {
+    if (text.group == "slowest" && text.cssClass == "name") sut.push_back(text.text);
+  }
+  EXPECT_THAT(sut, SizeIs(10));
+  EXPECT_THAT(nlohmann::json::parse(timelineJson(run)).at("slowest"), SizeIs(10));
+}
+
+/** How long the marks of the critical path are in each row, in pixels. */
+std::map<std::string, double> marksOf(const SvgPicture& picture) {
+  std::map<std::string, double> marks;
+  for (const auto& box : picture.boxes) {
+    if (box.cssClass == "critical" && box.group == "row") marks[rowAt(picture, box.y)] += box.width;
+  }
+  return marks;
+}
+
+/** A start with a service that nobody waits for, on a thread of its own. */
+RunModel withOneBeside() {
+  TraceText text;
+  text.immediate(1, "/one", 30).add(2, "service_declared", "/beside", R"("kind":"lazy")");
+  text.addOn(20, 10, "creation_begins", "/beside").addOn(20, 11, "init_begins", "/beside");
+  text.addOn(20, 20, "init_ended", "/beside");
+  return text.running(50).run();
+}
+
+TEST(ATimeline, MarksTheCriticalPathInTheRowsThatHaveIt) {
+  for (const RunModel& run : {readRun(traceFile("weather.jsonl")), withOneBeside()}) {
+    std::map<std::string, double> expected;
+    for (const PathShare& share : sharesOf(criticalPath(run))) {
+      const std::string name = share.service ? run.services[*share.service].name : "the host";
+      const double part = static_cast<double>(share.time) / static_cast<double>(run.start.length());
+      expected[name] += 620 * part;
+    }
+    const auto sut = marksOf(drawn(run));
+    EXPECT_EQ(sut.size(), expected.size());
+    for (const auto& [name, width] : sut) EXPECT_NEAR(width, expected[name], 3) << name;
+  }
+}
+
+TEST(ATimeline, MarksNothingOfAServiceThatNobodyWaitedFor) {
+  const auto sut = marksOf(drawn(withOneBeside()));
+  EXPECT_TRUE(sut.contains("/one"));
+  EXPECT_FALSE(sut.contains("/beside"));
 }
 
 TEST(ATimeline, TellsOfServicesThatFailedAndOfEventsThatAreMissing) {
