@@ -19,8 +19,8 @@ enum class ExitCode : int {
   /** An exception ended the start; what had come up was taken down in order. */
   StartFailed = 5,
   /**
-   * Some line of the file brought nothing up, or a program that failed by itself; the rest came up
-   * and went down in order.
+   * Some line of the file brought nothing up, or a started program failed, by itself too; the rest
+   * came up and went down in order.
    */
   Incomplete = 6,
   /** Requests were still under way at the end of the wait for them; nothing was deleted. */
