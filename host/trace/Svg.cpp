@@ -24,7 +24,9 @@ std::vector<std::size_t> charactersOf(std::string_view text) {
 double widthOf(char first) {
   constexpr std::string_view narrow = " !'(),./:;I[]fijlrt|-";
   constexpr std::string_view wide = "mwMW%@&+<=>~";
-  if (static_cast<unsigned char>(first) >= 0x80) return 1.0;
+  const auto byte = static_cast<unsigned char>(first);
+  // What XML has no sign for is shown as the character that stands for such.
+  if (byte >= 0x80 || byte < 0x20) return 1.0;
   if (narrow.find(first) != std::string_view::npos) return 0.43;
   if (wide.find(first) != std::string_view::npos) return 1.0;
   if (first >= 'A' && first <= 'Z') return 0.79;
@@ -75,17 +77,23 @@ double textWidth(std::string_view text, double size) {
 }
 
 std::string shortened(const std::string& text, double size, double width) {
-  if (textWidth(text, size) <= width) return text;
-  const std::vector<std::size_t> starts = charactersOf(text);
-  const std::size_t count = starts.size() - 1;
-  for (std::size_t left = count; left-- > 0;) {
-    const std::size_t begin = (left + 1) / 2;
-    const std::size_t end = left / 2;
-    std::string cut =
-        text.substr(0, starts[begin]) + "\xE2\x80\xA6" + text.substr(starts[count - end]);
-    if (textWidth(cut, size) <= width) return cut;
+  const std::string valid = validUtf8(text);
+  if (textWidth(valid, size) <= width) return valid;
+  constexpr std::string_view between = "\xE2\x80\xA6";
+  double left = width / size - widthOf(between.front());
+  if (left < 0) return {};
+  // Characters of the beginning and of the end, in turn, as long as there is room.
+  const std::vector<std::size_t> starts = charactersOf(valid);
+  std::size_t begin = 0;
+  std::size_t end = starts.size() - 1;
+  for (bool atBegin = true; begin < end; atBegin = !atBegin) {
+    left -= widthOf(valid[starts[atBegin ? begin : end - 1]]);
+    if (left < 0) break;
+    atBegin ? ++begin : --end;
   }
-  return {};
+  std::string cut = valid.substr(0, starts[begin]);
+  cut += between;
+  return cut.append(valid, starts[end]);
 }
 
 void Svg::beginGroup(std::string_view cssClass, std::string_view tip) {

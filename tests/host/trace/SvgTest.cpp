@@ -41,6 +41,21 @@ TEST(AShortenedText, CutsNoCharacterInTwo) {
   EXPECT_EQ(text, "\xC3\xA4\xE2\x80\xA6\xC3\xA4");
 }
 
+TEST(AShortenedText, IsFoundSoonHoweverLongTheTextIs) {
+  const std::string text = shortened(std::string(4'000'000, 'a') + "z", 10, 80);
+  EXPECT_EQ(text,
+            "aaaaa\xE2\x80\xA6"
+            "aaaaz");
+}
+
+TEST(AShortenedText, IsNoWiderForBytesThatAreNoText) {
+  for (const char byte : {'\x80', '\xFF', '\x01'}) {
+    const std::string text = shortened(std::string(1000, byte), 10, 80);
+    EXPECT_LE(textWidth(text, 10), 80);
+    EXPECT_LT(text.size(), 30U);
+  }
+}
+
 TEST(AShortenedText, IsEmptyWhereNothingFits) { EXPECT_EQ(shortened("text", 10, 1), ""); }
 
 constexpr char kRules[] = ".head{font-weight:bold}.small{font-size:10px}";
