@@ -1,10 +1,9 @@
 #include "host/trace/CallGraph.h"
 
-#include <algorithm>
 #include <bit>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
-#include <tuple>
 #include <utility>
 
 namespace zerva {
@@ -12,105 +11,109 @@ namespace {
 
 constexpr const char* kRegistryChannel = "/zerva/serviceregistry";
 
-std::vector<DeclaredInterface> interfacesOf(const GraphSource::Service& service) {
-  std::vector<DeclaredInterface> interfaces;
-  std::istringstream names(service.interfaces);
-  for (std::string name; names >> name;) interfaces.push_back({name});
-  return interfaces;
-}
-
 class Builder {
  public:
-  explicit Builder(bool registry) : registry_(registry) {}
+  Builder(const std::vector<GraphSource>& sources, bool registry)
+      : sources_(sources), registry_(registry) {}
 
-  CallGraph build(const std::vector<GraphSource>& sources) {
-    for (std::size_t process = 0; process < sources.size(); ++process) {
-      declare(sources[process], process);
-    }
-    for (std::size_t process = 0; process < sources.size(); ++process) {
-      serve(sources[process], process);
-    }
-    for (std::size_t process = 0; process < sources.size(); ++process) {
-      for (const CallRun& call : sources[process].calls) add(call, process, sources[process].pid);
+  CallGraph build() {
+    for (std::size_t process = 0; process < sources_.size(); ++process) declare(process);
+    for (std::size_t process = 0; process < sources_.size(); ++process) showUnknown(process);
+    for (std::size_t process = 0; process < sources_.size(); ++process) {
+      for (const CallRun& call : sources_[process].calls) add(call, process);
     }
     return std::move(graph_);
   }
 
  private:
+  using Processes = std::map<std::string, std::set<std::size_t>>;
+
   bool isLeftOut(const std::string& channel) const {
     return !registry_ && channel == kRegistryChannel;
   }
 
-  void declare(const GraphSource& source, std::size_t process) {
+  void declare(std::size_t process) {
+    const GraphSource& source = sources_[process];
     graph_.lost += source.lost;
     graph_.others += source.others;
     graph_.failedOthers += source.failedOthers;
     graph_.processes.push_back(source.name);
     for (const GraphSource::Service& service : source.services) {
       if (isLeftOut(service.name)) continue;
-      const std::size_t place = graph_.nodes.size();
-      // The interfaces that a line names may be more than once in a process, its channel too.
-      if (!own_.try_emplace({process, service.name}, place).second) continue;
-      graph_.nodes.push_back({service.name, process, true, interfacesOf(service)});
-      if (service.hasChannel) channels_.try_emplace(service.name, place);
+      const std::size_t place = nodeOf(process, service.name);
+      graph_.nodes[place].declared = true;
+      std::istringstream names(service.interfaces);
+      for (std::string name; names >> name;) interfaceOf(place, name, true);
+      if (service.hasChannel) known_[service.name].insert(process);
+    }
+    for (const std::string& channel : source.channels) serving_[channel].insert(process);
+    for (const CallRun& call : source.calls) {
+      // Who calls and is declared nowhere is known by the channel that it serves.
+      if (call.caller.empty() || places_.contains({process, call.caller})) continue;
+      known_[call.caller].insert(process);
     }
   }
 
-  /** What is served and declared nowhere is there if it is called, or all that is known. */
-  void serve(const GraphSource& source, std::size_t process) {
-    for (const std::string& channel : source.channels) {
-      if (isLeftOut(channel) || channels_.contains(channel)) continue;
-      served_.try_emplace(channel, std::pair{process, source.lookedAt});
-      if (!source.lookedAt) callee(channel);
+  /** Of a process that tells nothing the channels are all that is known, called or not. */
+  void showUnknown(std::size_t process) {
+    if (sources_[process].lookedAt) return;
+    for (const std::string& channel : sources_[process].channels) {
+      if (!isLeftOut(channel)) nodeOf(process, channel);
     }
   }
 
-  std::size_t caller(const std::string& name, std::size_t process, std::int64_t pid) {
-    const std::string shown = name.empty() ? "host " + std::to_string(pid) : name;
-    const auto [known, isNew] = own_.try_emplace({process, shown}, graph_.nodes.size());
-    if (isNew) graph_.nodes.push_back({shown, process, false, {}});
+  std::size_t nodeOf(std::optional<std::size_t> process, const std::string& name) {
+    const auto [known, isNew] = places_.try_emplace({process, name}, graph_.nodes.size());
+    if (isNew) {
+      const bool lookedAt = process && sources_[*process].lookedAt;
+      graph_.nodes.push_back({name, process, false, {}, lookedAt});
+    }
     return known->second;
   }
 
-  std::size_t callee(const std::string& channel) {
-    const auto [known, isNew] = channels_.try_emplace(channel, graph_.nodes.size());
-    if (!isNew) return known->second;
-    GraphNode node{channel, std::nullopt, false, {}, false};
-    if (const auto server = served_.find(channel); server != served_.end()) {
-      std::tie(node.process, node.lookedAt) = server->second;
-    }
-    graph_.nodes.push_back(std::move(node));
-    return known->second;
+  /** @returns one of a node. @param declared whether the line names it, where it is a new one. */
+  DeclaredInterface& interfaceOf(std::size_t place, const std::string& name, bool declared) {
+    std::vector<DeclaredInterface>& all = graph_.nodes[place].interfaces;
+    const auto [known, isNew] = interfaces_.try_emplace({place, name}, all.size());
+    if (isNew) all.push_back({name, false, declared});
+    return all[known->second];
   }
 
-  static void noteInterface(GraphNode& node, const std::string& interface) {
-    bool known = false;
-    for (DeclaredInterface& declared : node.interfaces) {
-      if (declared.name != interface) continue;
-      declared.called = true;
-      known = true;
+  /**
+   * @returns whom a process reaches by the name of a channel. Who serves it comes before who only
+   *     should or did, and the process itself before others.
+   */
+  std::optional<std::size_t> serverOf(const std::string& channel, std::size_t process) const {
+    for (const Processes* const candidates : {&serving_, &known_}) {
+      const auto found = candidates->find(channel);
+      if (found == candidates->end()) continue;
+      return found->second.contains(process) ? process : *found->second.begin();
     }
-    if (known || !node.declared || interface.empty()) return;
-    node.interfaces.push_back({interface, true, false});
+    return std::nullopt;
   }
 
-  void add(const CallRun& call, std::size_t process, std::int64_t pid) {
+  void add(const CallRun& call, std::size_t process) {
     if (isLeftOut(call.channel) || isLeftOut(call.caller)) return;
-    const std::size_t from = caller(call.caller, process, pid);
-    const std::size_t to = callee(call.channel);
-    noteInterface(graph_.nodes[to], call.interface);
+    const std::string host = "host " + std::to_string(sources_[process].pid);
+    const std::size_t from = nodeOf(process, call.caller.empty() ? host : call.caller);
+    const std::size_t to = nodeOf(serverOf(call.channel, process), call.channel);
+    if (graph_.nodes[to].declared && !call.interface.empty()) {
+      interfaceOf(to, call.interface, false).called = true;
+    }
     const auto [known, isNew] = arrows_.try_emplace({from, to}, graph_.arrows.size());
     if (isNew) graph_.arrows.push_back({from, to, {}});
     graph_.arrows[known->second].methods.push_back(
         {call.interface, call.method, call.count, call.failures, call.times});
   }
 
+  const std::vector<GraphSource>& sources_;
   const bool registry_;
   CallGraph graph_;
-  std::map<std::pair<std::size_t, std::string>, std::size_t> own_;
-  std::map<std::string, std::size_t> channels_;
-  std::map<std::string, std::pair<std::size_t, bool>>
-      served_;  // by which process, looked at or not
+  Processes serving_;
+  Processes known_;  // declared, or heard of as callers
+  // Places in the graph: of nodes by process and name, of interfaces in their nodes, of arrows.
+  std::map<std::pair<std::optional<std::size_t>, std::string>, std::size_t> places_;
+  std::map<std::pair<std::size_t, std::string>, std::size_t> interfaces_;
   std::map<std::pair<std::size_t, std::size_t>, std::size_t> arrows_;
 };
 
@@ -184,7 +187,7 @@ std::int64_t medianOf(const std::map<std::int64_t, std::uint64_t>& times) {
 }
 
 CallGraph callGraphOf(const std::vector<GraphSource>& sources, bool registry) {
-  return Builder(registry).build(sources);
+  return Builder(sources, registry).build();
 }
 
 CallGraph callGraphOf(const std::vector<RunModel>& runs, bool registry) {

@@ -9,7 +9,9 @@ GraphSource graphSourceOf(const RunModel& run) {
   source.calls = run.calls;
   source.lost = run.lost;
   for (const ServiceRun& service : run.services) {
-    source.services.push_back({service.name, service.interfaces, service.kind != "legacy"});
+    const bool hasChannel = service.kind != "legacy";
+    source.services.push_back({service.name, service.interfaces, hasChannel});
+    if (hasChannel && service.error.empty()) source.channels.push_back(service.name);
   }
   return source;
 }

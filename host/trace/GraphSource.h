@@ -26,7 +26,7 @@ struct GraphSource {
   /** Whether anything is known of it but the channels. */
   bool lookedAt = true;
   std::vector<Service> services;
-  /** What it serves, declared or not; empty where that is not known. */
+  /** What it serves, as far as that is known, declared or not. */
   std::vector<std::string> channels;
   std::vector<CallRun> calls;
   /** How many events are missing. */

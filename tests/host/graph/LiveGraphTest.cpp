@@ -132,6 +132,81 @@ TEST(AGraphOfABus, KnowsWhoServesAChannelThatNoLineDeclares) {
   EXPECT_FALSE(node(sut, "/made/by/itself")->declared);
 }
 
+/** A process that declares a service. @param serves whether it serves its channel, too. */
+Answer with(Answer answer, const ServiceStatus& service, bool serves = true) {
+  if (serves) answer.channels.push_back(service.channel);
+  answer.status->services.push_back(service);
+  return answer;
+}
+
+/** @returns each arrow with the processes between which it goes. */
+std::vector<std::string> waysOf(const CallGraph& graph) {
+  const auto nameOf = [&](std::size_t place) {
+    const GraphNode& node = graph.nodes.at(place);
+    return node.name + (node.process ? "@" + std::to_string(*node.process) : "");
+  };
+  std::vector<std::string> ways;
+  for (const GraphArrow& arrow : graph.arrows) {
+    ways.push_back(nameOf(arrow.from) + ">" + nameOf(arrow.to));
+  }
+  return ways;
+}
+
+TEST(AGraphOfABus, LeadsToTheServiceInTheSameProcessWhereOthersHaveOneOfItsName) {
+  const ServiceStatus log = service("/log", "Ifc");
+  const CallGraph sut = liveCallGraph(
+      {with(answered(1, {calls("/1/a", "/log", 1)}), log),
+       with(answered(2, {calls("/2/a", "/log", 1)}), log), answered(3, {calls("/3/a", "/log", 1)})},
+      false);
+  EXPECT_THAT(waysOf(sut), ElementsAre("/1/a@0>/log@0", "/2/a@1>/log@1", "/3/a@2>/log@0"));
+  for (const GraphNode& node : sut.nodes) {
+    EXPECT_EQ(node.interfaces.at(0).called, node.name == "/log") << node.name;
+  }
+}
+
+TEST(AGraphOfABus, LeadsToTheProcessThatServesRatherThanToOneThatShould) {
+  const ServiceStatus log = service("/log", "Ifc");
+  const Answer shouldServe = with(answered(1, {calls("/1/a", "/log", 1)}), log, false);
+  const CallGraph sut = liveCallGraph(
+      {shouldServe, with(answered(2, {}), log), answered(3, {calls("/3/a", "/log", 1)})}, false);
+  EXPECT_THAT(waysOf(sut), ElementsAre("/1/a@0>/log@1", "/3/a@2>/log@1"));
+}
+
+TEST(AGraphOfABus, LeadsToAProcessThatDoesNotTellButServes) {
+  const Answer shouldServe = with(answered(1, {}), service("/log", "Ifc"), false);
+  const CallGraph sut = liveCallGraph(
+      {shouldServe, notTelling(2, {"/log"}), answered(3, {calls("/3/a", "/log", 1)})}, false);
+  EXPECT_THAT(waysOf(sut), ElementsAre("/3/a@2>/log@1"));
+}
+
+TEST(AGraphOfABus, LeadsToWhoShouldServeWhenNobodyDoes) {
+  const CallGraph sut = liveCallGraph({answered(1, {calls("/1/a", "/log", 1)}),
+                                       with(answered(2, {}), service("/log", "Ifc"), false)},
+                                      false);
+  EXPECT_THAT(waysOf(sut), ElementsAre("/1/a@0>/log@1"));
+}
+
+TEST(AGraphOfABus, HasOneBoxForAServiceThatNoLineDeclares) {
+  Answer answer = answered(1, {calls("/1/a", "/extra", 1), calls("/extra", "/1/b", 1)});
+  answer.channels.emplace_back("/extra");
+  EXPECT_THAT(arrowsOf(liveCallGraph({answer}, false)),
+              ElementsAre("/1/a>/extra 1/0", "/extra>/1/b 1/0"));
+  EXPECT_THAT(liveCallGraph({answer}, false).nodes, testing::SizeIs(3));
+}
+
+TEST(AGraphOfABus, HasTheInterfacesOfAllLinesOfAChannel) {
+  Answer answer = with(answered(1, {calls("/2/a", "/1/a", 1)}), service("/1/a", "Ifc OtherIfc"));
+  answer.status->services[0].interfaces = "FirstIfc";
+  const CallGraph sut = liveCallGraph({answer}, false);
+  std::vector<std::string> interfaces;
+  for (const DeclaredInterface& declared : node(sut, "/1/a")->interfaces) {
+    interfaces.push_back(declared.name);
+    EXPECT_TRUE(declared.declared);
+    EXPECT_EQ(declared.called, declared.name == "Ifc");
+  }
+  EXPECT_THAT(interfaces, ElementsAre("FirstIfc", "Ifc", "OtherIfc"));
+}
+
 TEST(AGraphOfABus, HasNoBoxForTheServiceThatTells) {
   EXPECT_EQ(node(liveCallGraph({answered(1, {})}, false), HostStatusIfc::channelOf(1)), nullptr);
 }

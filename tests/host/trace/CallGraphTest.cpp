@@ -96,6 +96,28 @@ TEST(ACallGraph, HasWhatIsCalledAndDeclaredNowhere) {
   EXPECT_FALSE(sut.nodes[found->to].declared);
 }
 
+TEST(ACallGraph, HasOneBoxForWhatCallsAndIsCalledAndDeclaredNowhere) {
+  const RunModel run = TraceText()
+                           .add(1, "calls", "/one", calls("/two", "a", 3))
+                           .add(1, "calls", "/two", calls("/three", "b", 4))
+                           .run();
+  const CallGraph sut = callGraphOf({run}, false);
+  EXPECT_THAT(namesOf(sut), ElementsAre("/one", "/two", "/three"));
+  EXPECT_NE(arrow(sut, "/two", "/three"), nullptr);
+}
+
+TEST(ACallGraph, LeadsToWhatCameUpRatherThanToWhatFailed) {
+  const std::string declared = R"("kind":"immediate","interfaces":"Ifc")";
+  TraceText failed;
+  failed.add(1, "service_declared", "/two", declared);
+  failed.add(2, "failed", "/two", R"("what":"service","error":"no library")");
+  failed.add(9, "calls", "/one", calls("/two", "a", 3));
+  const RunModel up = TraceText().add(1, "service_declared", "/two", declared).run();
+  const CallGraph sut = callGraphOf({failed.run(), up}, false);
+  ASSERT_NE(arrow(sut, "/one", "/two"), nullptr);
+  EXPECT_EQ(sut.nodes[arrow(sut, "/one", "/two")->to].process, 1U);
+}
+
 TEST(TheMedianOfDurations, IsInTheMiddleOfItsStep) {
   EXPECT_EQ(medianOf({{1023, 1}, {2047, 5}, {4095, 1}}), (1792 + 2047) / 2 + 1);
   EXPECT_EQ(medianOf({{3, 1}}), 3);
