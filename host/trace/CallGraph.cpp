@@ -135,6 +135,8 @@ Json nodeJson(const CallGraph& graph, const GraphNode& node) {
 Json arrowJson(const CallGraph& graph, const GraphArrow& arrow) {
   Json json = {{"from", graph.nodes[arrow.from].name},
                {"to", graph.nodes[arrow.to].name},
+               {"from_node", arrow.from},
+               {"to_node", arrow.to},
                {"count", arrow.count()},
                {"failures", arrow.failures()},
                {"median", arrow.median()},

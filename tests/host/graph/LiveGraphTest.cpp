@@ -246,6 +246,17 @@ TEST(APictureOfABus, TellsWhatItIsWithout) {
   EXPECT_THAT(sut.misfits(), IsEmpty());
 }
 
+TEST(AGraphOfABusAsJson, TellsBetweenWhichNodesCallsGo) {
+  const ServiceStatus log = service("/log", "Ifc");
+  const auto json = nlohmann::json::parse(callGraphJson(liveCallGraph(
+      {with(answered(1, {}), log), with(answered(2, {calls("/2/a", "/log", 1)}), log)}, false)));
+  const auto& call = json.at("calls").at(0);
+  EXPECT_EQ(json.at("nodes").at(call.at("from_node").get<std::size_t>()).at("name"), "/2/a");
+  const auto& to = json.at("nodes").at(call.at("to_node").get<std::size_t>());
+  EXPECT_EQ(to.at("name"), "/log");
+  EXPECT_EQ(to.at("process"), "file2, process 2");
+}
+
 TEST(AGraphOfABusAsJson, TellsWhoWasNotLookedAt) {
   const auto json = nlohmann::json::parse(
       callGraphJson(liveCallGraph({answered(1, {}), notTelling(2, {"/pl\xff"})}, false)));
