@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 namespace zerva {
 namespace {
@@ -11,6 +10,7 @@ constexpr double kAbove = 18;
 constexpr double kBetweenColumns = 30;
 constexpr int kSweeps = 8;
 constexpr double kLoosestRow = 900;
+constexpr std::size_t kLongestWay = 60;
 
 /** A box, a label, or the place where a line passes through a column. */
 struct Spot {
@@ -21,50 +21,102 @@ struct Spot {
   double y = 0;
   std::vector<std::size_t> left;
   std::vector<std::size_t> right;
+  // Of none that is a box: where its line leaves the box before it, and reaches the one after it.
+  double leftPort = 0;
+  double rightPort = 0;
 };
 
 class Placing {
+  /** For each box the others to which lines lead, or from which. */
+  using Neighbours = std::vector<std::vector<std::size_t>>;
+
  public:
   explicit Placing(Layout& layout) : layout_(layout), spotOf_(layout.boxes.size()) {}
 
   void place() {
-    turnRound();
+    findNeighbours();
+    findOrder();
     findLayers();
     makeSpots();
     order();
     findHeights();
     findColumns();
+    findPorts();
     drawLines();
     placeLonely();
   }
 
  private:
-  /** Turns the lines round that would close a circle. */
-  void turnRound() {
-    turned_.assign(layout_.lines.size(), false);
-    enum class State { New, OnTheWay, Done };
-    std::vector<State> states(layout_.boxes.size(), State::New);
-    const auto visit = [&](const auto& self, std::size_t box) -> void {
-      states[box] = State::OnTheWay;
-      for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-        if (layout_.lines[line].from != box) continue;
-        const std::size_t to = layout_.lines[line].to;
-        if (states[to] == State::OnTheWay) turned_[line] = true;
-        if (states[to] == State::New) self(self, to);
-      }
-      states[box] = State::Done;
-    };
-    for (std::size_t box = 0; box < states.size(); ++box) {
-      if (states[box] == State::New) visit(visit, box);
+  void findNeighbours() {
+    callees_.resize(layout_.boxes.size());
+    callers_.resize(layout_.boxes.size());
+    for (const LayoutLine& line : layout_.lines) {
+      callees_[line.from].push_back(line.to);
+      callers_[line.to].push_back(line.from);
     }
   }
 
-  std::size_t beginOf(std::size_t line) const {
-    return turned_[line] ? layout_.lines[line].to : layout_.lines[line].from;
+  /**
+   * Orders the boxes so that lines lead from the first to the last but in circles. In a circle the
+   * one that is found first begins, and the others come by how many lines away they are, so that
+   * few columns are enough for many of them.
+   */
+  void findOrder() {
+    // Backwards from the one that a search in depth leaves last is only its own circle.
+    std::vector<std::size_t> left = leftInDepth();
+    std::vector<int> states(left.size(), 0);
+    for (auto box = left.rbegin(); box != left.rend(); ++box) {
+      if (states[*box] > 0) continue;
+      reached(*box, callers_, states, 0);
+      for (const std::size_t next : reached(*box, callees_, states, 1)) order_.push_back(next);
+    }
+    places_.resize(order_.size());
+    for (std::size_t place = 0; place < order_.size(); ++place) places_[order_[place]] = place;
   }
-  std::size_t endOf(std::size_t line) const {
-    return turned_[line] ? layout_.lines[line].from : layout_.lines[line].to;
+
+  /** @returns the boxes in the order in which a search that goes on from the last one leaves them.
+   */
+  std::vector<std::size_t> leftInDepth() const {
+    std::vector<std::size_t> left;
+    std::vector<std::size_t> begun(callees_.size(), 0);
+    std::vector<bool> seen(callees_.size(), false);
+    for (std::size_t first = 0; first < callees_.size(); ++first) {
+      if (seen[first]) continue;
+      seen[first] = true;
+      for (std::vector<std::size_t> way{first}; !way.empty();) {
+        const std::size_t box = way.back();
+        if (begun[box] == callees_[box].size()) {
+          left.push_back(box);
+          way.pop_back();
+          continue;
+        }
+        const std::size_t next = callees_[box][begun[box]++];
+        if (!seen[next]) way.push_back(next);
+        seen[next] = true;
+      }
+    }
+    return left;
   }
+
+  /** @returns those in a state that lead on from one of them, the next first; it is raised. */
+  static std::vector<std::size_t> reached(std::size_t first, const Neighbours& neighbours,
+                                          std::vector<int>& states, int state) {
+    std::vector<std::size_t> all{first};
+    ++states[first];
+    for (std::size_t place = 0; place < all.size(); ++place) {
+      for (const std::size_t next : neighbours[all[place]]) {
+        if (states[next] != state) continue;
+        ++states[next];
+        all.push_back(next);
+      }
+    }
+    return all;
+  }
+
+  bool isTurned(const LayoutLine& line) const { return places_[line.from] > places_[line.to]; }
+  std::size_t beginOf(const LayoutLine& line) const { return isTurned(line) ? line.to : line.from; }
+  std::size_t endOf(const LayoutLine& line) const { return isTurned(line) ? line.from : line.to; }
+  bool isLonely(std::size_t box) const { return callees_[box].empty() && callers_[box].empty(); }
 
   /**
    * Each box comes after the last one of those that lead to it; between two columns of boxes is one
@@ -72,24 +124,19 @@ class Placing {
    */
   void findLayers() {
     layers_.assign(layout_.boxes.size(), 0);
-    lonely_.assign(layout_.boxes.size(), true);
-    for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-      lonely_[beginOf(line)] = lonely_[endOf(line)] = false;
-    }
-    bool moved = true;
-    while (moved) {
-      moved = false;
-      for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-        if (layers_[endOf(line)] > layers_[beginOf(line)]) continue;
-        layers_[endOf(line)] = layers_[beginOf(line)] + 2;
-        moved = true;
+    for (const std::size_t box : order_) {
+      for (const Neighbours* const neighbours : {&callees_, &callers_}) {
+        for (const std::size_t next : (*neighbours)[box]) {
+          if (places_[next] > places_[box])
+            layers_[next] = std::max(layers_[next], layers_[box] + 2);
+        }
       }
     }
   }
 
   std::size_t addSpot(std::size_t layer, double width, double height,
                       std::optional<std::size_t> box = std::nullopt) {
-    spots_.push_back({box, layer, width, height, 0, {}, {}});
+    spots_.push_back({box, layer, width, height, 0, {}, {}, 0, 0});
     if (columns_.size() <= layer) columns_.resize(layer + 1);
     columns_[layer].push_back(spots_.size() - 1);
     return spots_.size() - 1;
@@ -98,14 +145,16 @@ class Placing {
   void makeSpots() {
     for (std::size_t box = 0; box < layout_.boxes.size(); ++box) {
       const LayoutBox& placed = layout_.boxes[box];
-      if (!lonely_[box]) spotOf_[box] = addSpot(layers_[box], placed.width, placed.height, box);
+      if (!isLonely(box)) spotOf_[box] = addSpot(layers_[box], placed.width, placed.height, box);
     }
-    for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-      const LayoutLine& drawn = layout_.lines[line];
+    for (const LayoutLine& line : layout_.lines) {
       std::size_t layer = layers_[beginOf(line)] + 1;
       std::vector<std::size_t> way{spotOf_[beginOf(line)],
-                                   addSpot(layer, drawn.labelWidth, drawn.labelHeight)};
-      while (++layer < layers_[endOf(line)]) way.push_back(addSpot(layer, 0, 4));
+                                   addSpot(layer, line.labelWidth, line.labelHeight)};
+      const std::size_t end = layers_[endOf(line)];
+      // A longer one goes straight on behind what is in its way.
+      const std::size_t around = std::min(end, layer + kLongestWay);
+      while (++layer < around) way.push_back(addSpot(layer, 0, 4));
       way.push_back(spotOf_[endOf(line)]);
       for (std::size_t step = 1; step < way.size(); ++step) {
         spots_[way[step - 1]].right.push_back(way[step]);
@@ -222,30 +271,37 @@ class Placing {
     }
   }
 
-  /** @returns where a line leaves or reaches a spot: several of a side share its height. */
-  double portOf(std::size_t spot, bool rightSide, std::size_t neighbour) {
-    std::vector<std::size_t> all = rightSide ? spots_[spot].right : spots_[spot].left;
-    std::stable_sort(all.begin(), all.end(), [this](std::size_t one, std::size_t other) {
-      return spots_[one].y < spots_[other].y;
-    });
-    const auto place =
-        static_cast<double>(std::find(all.begin(), all.end(), neighbour) - all.begin());
-    const double share = (place + 1) / (static_cast<double>(all.size()) + 1);
-    return spots_[spot].y - spots_[spot].height / 2 + spots_[spot].height * share;
+  /** Where the lines leave or reach a box: those of a side share its height. */
+  void findPorts() {
+    for (const Spot& spot : spots_) {
+      if (!spot.box) continue;
+      for (const bool right : {false, true}) {
+        std::vector<std::size_t> all = right ? spot.right : spot.left;
+        std::stable_sort(all.begin(), all.end(), [this](std::size_t one, std::size_t other) {
+          return spots_[one].y < spots_[other].y;
+        });
+        const double share = spot.height / (static_cast<double>(all.size()) + 1);
+        for (std::size_t place = 0; place < all.size(); ++place) {
+          double& port = right ? spots_[all[place]].leftPort : spots_[all[place]].rightPort;
+          port = spot.y - spot.height / 2 + share * static_cast<double>(place + 1);
+        }
+      }
+    }
   }
 
   void drawLines() {
     for (std::size_t line = 0; line < layout_.lines.size(); ++line) {
-      std::vector<LayoutPoint> points;
       const auto& way = ways_[line];
-      for (std::size_t step = 0; step + 1 < way.size(); ++step) {
-        points.push_back({rightOf(way[step]), portOf(way[step], true, way[step + 1])});
-        points.push_back({leftOf(way[step + 1]), portOf(way[step + 1], false, way[step])});
+      const Spot& label = spots_[way[1]];
+      std::vector<LayoutPoint> points{{rightOf(way.front()), label.leftPort}};
+      for (std::size_t step = 1; step + 1 < way.size(); ++step) {
+        points.push_back({leftOf(way[step]), spots_[way[step]].y});
+        points.push_back({rightOf(way[step]), spots_[way[step]].y});
       }
+      points.push_back({leftOf(way.back()), spots_[way[way.size() - 2]].rightPort});
       LayoutLine& drawn = layout_.lines[line];
-      const std::size_t column = spots_[way[1]].layer;
-      drawn.label = {lefts_[column] + widths_[column] / 2, spots_[way[1]].y};
-      if (turned_[line]) std::reverse(points.begin(), points.end());
+      drawn.label = {lefts_[label.layer] + widths_[label.layer] / 2, label.y};
+      if (isTurned(drawn)) std::reverse(points.begin(), points.end());
       drawn.points = std::move(points);
     }
   }
@@ -266,7 +322,7 @@ class Placing {
     double y = layout_.height == 0 ? 0 : layout_.height + 2 * kAbove;
     double tallest = 0;
     for (std::size_t box = 0; box < layout_.boxes.size(); ++box) {
-      if (!lonely_[box]) continue;
+      if (!isLonely(box)) continue;
       LayoutBox& placed = layout_.boxes[box];
       if (x > 0 && x + placed.width > widest) {
         x = 0;
@@ -284,8 +340,10 @@ class Placing {
 
   Layout& layout_;
   std::vector<std::size_t> spotOf_;
-  std::vector<bool> turned_;
-  std::vector<bool> lonely_;
+  Neighbours callees_;
+  Neighbours callers_;
+  std::vector<std::size_t> order_;
+  std::vector<std::size_t> places_;  // of the boxes in the order
   std::vector<std::size_t> layers_;
   std::vector<Spot> spots_;
   std::vector<std::vector<std::size_t>> columns_;

@@ -46,8 +46,9 @@ struct Layout {
 
 /**
  * Places boxes in columns, so that lines go from left to right as far as there are no circles, and
- * cross little. Boxes without lines come last, below the others, side by side. Neither boxes nor
- * labels lie on each other.
+ * cross little; one that leads over very many columns goes straight on behind what is in its way.
+ * Boxes without lines come last, below the others, side by side. Neither boxes nor labels lie on
+ * each other. The time that it takes grows about as boxes and lines do.
  */
 void placeInLayers(Layout& layout);
 

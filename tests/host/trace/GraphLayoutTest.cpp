@@ -88,6 +88,72 @@ TEST(ALayout, PutsNothingOnAnotherWhoeverIsConnected) {
   }
 }
 
+using Lines = std::vector<std::pair<std::size_t, std::size_t>>;
+
+/** @returns so many lines between any boxes, the same each time. */
+Lines anyLines(std::size_t boxes, std::size_t count) {
+  unsigned state = 11;
+  const auto box = [&] {
+    state = state * 1103515245 + 12345;
+    return state / 65536 % boxes;
+  };
+  Lines lines;
+  while (lines.size() < count) {
+    const std::size_t from = box();
+    const std::size_t to = box();
+    if (from != to) lines.emplace_back(from, to);
+  }
+  return lines;
+}
+
+// A box, a label and what is left between them.
+constexpr double kWidthOfALayer = 100 + 60 + 2 * 30;
+
+TEST(ALayout, HasFewColumnsForManyBoxesInCircles) {
+  const Layout sut = layoutOf(300, anyLines(300, 900));
+  EXPECT_LT(sut.width, 25 * kWidthOfALayer);
+  expectNothingOnAnother(sut);
+  EXPECT_LT(layoutOf(500, anyLines(500, 3000)).width, 50 * kWidthOfALayer);
+}
+
+TEST(ALayout, PutsThoseOfACircleByHowFarTheyAreFromWhereItBegins) {
+  const Layout sut =
+      layoutOf(5, {{0, 1}, {1, 4}, {4, 2}, {4, 3}, {2, 0}, {3, 0}, {0, 2}, {0, 3}, {4, 0}});
+  EXPECT_EQ(sut.boxes[1].x, sut.boxes[2].x);
+  EXPECT_EQ(sut.boxes[1].x, sut.boxes[3].x);
+  EXPECT_LT(sut.boxes[3].x, sut.boxes[4].x);
+}
+
+TEST(ALayout, LeadsToTheRightFromOneCircleToTheNext) {
+  const Layout sut = layoutOf(5, {{1, 2}, {2, 1}, {0, 1}, {2, 0}, {3, 4}, {4, 3}, {4, 1}, {3, 2}});
+  for (const std::size_t line : {6, 7}) {
+    EXPECT_LT(sut.lines[line].points.front().x, sut.lines[line].points.back().x) << line;
+  }
+}
+
+TEST(ALayout, IsFoundForALongChain) {
+  constexpr std::size_t count = 200000;
+  Lines lines;
+  for (std::size_t box = 1; box < count; ++box) lines.emplace_back(box - 1, box);
+  EXPECT_LT(layoutOf(count, lines).height, 60);
+}
+
+TEST(ALayout, IsFoundForOneThatIsCalledByAllOthers) {
+  constexpr std::size_t count = 50000;
+  Lines lines;
+  for (std::size_t box = 1; box < count; ++box) lines.emplace_back(box, 0);
+  EXPECT_EQ(layoutOf(count, lines).width, 2 * 100 + 60 + 2 * 30);
+}
+
+TEST(ALayout, IsFoundForManyLinesThatLeadFar) {
+  constexpr std::size_t count = 5000;
+  Lines lines;
+  for (std::size_t box = 1; box < count; ++box) lines.emplace_back(box - 1, box);
+  for (std::size_t box = 1; box + 1 < count; ++box) lines.emplace_back(box - 1, count - 1);
+  const Layout sut = layoutOf(count, lines);
+  for (const LayoutLine& line : sut.lines) EXPECT_LT(line.points.size(), 130U);
+}
+
 TEST(ALayout, OfNothingIsEmpty) {
   const Layout sut = layoutOf(0, {});
   EXPECT_EQ(sut.width, 0);
