@@ -1,14 +1,15 @@
 #include "host/live/Answers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
-#include <thread>
 #include <utility>
 
 #include "framework/CommsChannel.h"
 #include "framework/ProtocolAdapter.h"
 #include "framework/ProxyRequestImpl.h"
+#include "host/live/AtOnce.h"
 #include "host/live/HostStatusProxy.h"
 #include "host/live/LiveBus.h"
 #include "runtime/libClientUtils/ExceptionText.h"
@@ -20,13 +21,13 @@ namespace {
 constexpr const char* kProtocol = "zerva_simple_rmi";
 
 void ask(Answer& answer, Question question, ProtocolAdapter& adapter) {
-  const std::string to = HostStatusIfc::channelOf(answer.process);
-  // Each with a channel of its own, since the ids of their requests are the same.
-  CommsChannel from("/zerva/live", nullptr);
-  ProxyRequestImpl request(&from, to, HostStatusIfc::name, kProtocol, &adapter, "", nullptr);
-  HostStatusProxy proxy;
-  proxy.initialise(&request);
   const auto error = exceptionOf([&] {
+    const std::string to = HostStatusIfc::channelOf(answer.process);
+    // Each with a channel of its own, since the ids of their requests are the same.
+    CommsChannel from("/zerva/live", nullptr);
+    ProxyRequestImpl request(&from, to, HostStatusIfc::name, kProtocol, &adapter, "", nullptr);
+    HostStatusProxy proxy;
+    proxy.initialise(&request);
     ProcessStatus status = readProcessStatus(proxy.status());
     if (question == Question::StatusAndCalls) answer.calls = readCallsSoFar(proxy.calls());
     answer.status = std::move(status);
@@ -64,12 +65,11 @@ std::vector<Answer> askAll(const LiveBus& bus, Question question) {
   }
   ProtocolRepository protocols;
   ProtocolAdapter& adapter = *protocols.findProtocolAdapter(kProtocol);
-  std::vector<std::jthread> asking;
+  std::vector<Answer*> asked;
   for (Answer& answer : answers) {
-    if (!answer.tells) continue;
-    asking.emplace_back([&answer, &adapter, question] { ask(answer, question, adapter); });
+    if (answer.tells) asked.push_back(&answer);
   }
-  asking.clear();
+  doAtOnce(asked.size(), [&](std::size_t place) { ask(*asked[place], question, adapter); });
   return answers;
 }
 

@@ -31,8 +31,8 @@ struct Answer {
 enum class Question { Status, StatusAndCalls };
 
 /**
- * Asks all processes of the bus at once, and waits for the last one. No more than requests wait
- * for their answers.
+ * Asks all processes of the bus, as many at once as `doAtOnce` does, and waits for the last one. No
+ * more than requests wait for their answers.
  */
 std::vector<Answer> askAll(const LiveBus& bus, Question question = Question::Status);
 
