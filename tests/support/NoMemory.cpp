@@ -3,12 +3,21 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace zerva {
 
 namespace {
 
 thread_local int left = 0;
+thread_local const std::function<void()>* before = nullptr;
+
+void workBefore() {
+  if (before == nullptr) return;
+  const std::function<void()>* const work = std::exchange(before, nullptr);
+  (*work)();
+  before = work;
+}
 
 }  // namespace
 
@@ -16,9 +25,12 @@ void letAllocationFail(int nth) { left = nth; }
 
 bool allocationIsToFail() { return left > 0; }
 
+void beforeEachAllocation(const std::function<void()>* work) { before = work; }
+
 }  // namespace zerva
 
 __attribute__((visibility("default"))) void* operator new(std::size_t size) {
+  zerva::workBefore();
   if (zerva::left > 0 && --zerva::left == 0) throw std::bad_alloc();
   if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
   throw std::bad_alloc();

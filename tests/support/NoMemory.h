@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace zerva {
 
 /**
@@ -10,5 +12,8 @@ void letAllocationFail(int nth);
 
 /** @returns whether that allocation is still to come. */
 bool allocationIsToFail();
+
+/** Does something before each allocation of the calling thread; nothing for null. */
+void beforeEachAllocation(const std::function<void()>* work);
 
 }  // namespace zerva

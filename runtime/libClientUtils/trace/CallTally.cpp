@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
 
@@ -52,10 +53,12 @@ CallTally::Counts* CallTally::findOrMake(Share& share, const CallKey& key) const
   if (found != share.end()) return found->second.get();
   if (share.size() >= largestShare_) return nullptr;
   auto counts = std::make_unique<Counts>();
+  std::string all;
   for (const std::string_view name : {key.service, key.channel, key.interface, key.method}) {
-    counts->names += name;
+    all += name;
   }
-  std::string_view names = counts->names;
+  counts->names = std::make_shared<const std::string>(std::move(all));
+  std::string_view names = *counts->names;
   const auto next = [&](std::string_view name) {
     const std::string_view kept = names.substr(0, name.size());
     names.remove_prefix(name.size());
@@ -76,15 +79,25 @@ void CallTally::clear() noexcept {
   }
 }
 
+/** Those who count wait meanwhile: not even memory is asked for. */
+std::vector<CallTally::Copied> CallTally::copyOf(const Guarded& guarded, bool told) const {
+  std::vector<Copied> copies;
+  copies.reserve(largestShare_);
+  const std::lock_guard lock(guarded.mutex);
+  for (const auto& [key, counts] : guarded.share) {
+    copies.push_back({key, *counts});
+    if (told) counts->changed = false;
+  }
+  return copies;
+}
+
 void CallTally::visitChanged(const Visit& visit) {
   std::map<Names, Visited> all;
-  for (Guarded& guarded : shares_) {
-    const std::lock_guard lock(guarded.mutex);
-    for (const auto& [key, counts] : guarded.share) {
+  for (const Guarded& guarded : shares_) {
+    for (const auto& [key, counts] : copyOf(guarded, true)) {
       Visited& visited = all[namesOf(key)];
-      addUp(*counts, visited.figures);
-      visited.changed = visited.changed || counts->changed;
-      counts->changed = false;
+      addUp(counts, visited.figures);
+      visited.changed = visited.changed || counts.changed;
     }
   }
   for (const auto& [names, visited] : all) {
@@ -95,8 +108,7 @@ void CallTally::visitChanged(const Visit& visit) {
 void CallTally::visitAll(const Visit& visit) const {
   std::map<Names, CallFigures> all;
   for (const Guarded& guarded : shares_) {
-    const std::lock_guard lock(guarded.mutex);
-    for (const auto& [key, counts] : guarded.share) addUp(*counts, all[namesOf(key)]);
+    for (const auto& [key, counts] : copyOf(guarded, false)) addUp(counts, all[namesOf(key)]);
   }
   for (const auto& [names, figures] : all) {
     visit({names[0], names[1], names[2], names[3]}, figures);

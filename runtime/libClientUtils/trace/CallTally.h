@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "framework/Export.h"
 
@@ -45,6 +46,9 @@ class ZERVA_EXPORT CallTally {
  public:
   using Visit = std::function<void(const CallKey&, const CallFigures&)>;
 
+  /** The threads are spread over so many shares. */
+  static constexpr std::size_t kShares = 8;
+
   /** @param most how many different calls are told apart for each eighth of the threads. */
   explicit CallTally(std::size_t most = 1024) : largestShare_(most) {}
 
@@ -72,12 +76,11 @@ class ZERVA_EXPORT CallTally {
   void changeAll() noexcept;
 
  private:
-  static constexpr std::size_t kShares = 8;
   // Four steps for each doubling of the duration.
   static constexpr std::size_t kSteps = 160;
 
   struct Counts {
-    std::string names;  // those of the key, one after the other
+    std::shared_ptr<const std::string> names;  // those of the key, one after the other
     std::array<std::uint64_t, kSteps> times{};
     std::uint64_t count = 0;
     std::uint64_t failures = 0;
@@ -89,7 +92,7 @@ class ZERVA_EXPORT CallTally {
     std::size_t operator()(const CallKey& key) const;
   };
 
-  // The keys are views of the names in the counts, which stay where they are.
+  // The keys are views of the names of the counts, which stay where they are.
   using Share = std::unordered_map<CallKey, std::unique_ptr<Counts>, Hash>;
 
   struct alignas(64) Guarded {
@@ -97,9 +100,16 @@ class ZERVA_EXPORT CallTally {
     Share share;  // guarded by mutex
   };
 
+  /** What is left to look at without the lock; the key's names are those of the counts. */
+  struct Copied {
+    CallKey key;
+    Counts counts;
+  };
+
   static std::size_t stepOf(std::int64_t duration);
   static std::int64_t lastOf(std::size_t step);
   Counts* findOrMake(Share& share, const CallKey& key) const;
+  std::vector<Copied> copyOf(const Guarded& guarded, bool told) const;
   static void addUp(const Counts& counts, CallFigures& figures);
 
   const std::size_t largestShare_;

@@ -1,11 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <functional>
 #include <limits>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "runtime/libClientUtils/trace/CallTally.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/NoMemory.h"
+#include "tests/support/WaitUntil.h"
 
 namespace zerva {
 namespace {
@@ -102,6 +108,30 @@ TEST_F(ATallyOfCalls, HandsOverEverythingWithoutTakingItForTold) {
     EXPECT_EQ(all[0].failures, 1U);
   }
   EXPECT_EQ(changed().size(), 1U);
+}
+
+TEST_F(ATallyOfCalls, LetsOthersCountWhileWhatItHandsOverIsPutTogether) {
+  for (int number = 0; number < 20; ++number) {
+    sut.add(0, {"/from", std::to_string(number) + "/with/a/name/that/takes/memory", "", ""}, 1,
+            false);
+  }
+  std::atomic<unsigned> added{0};
+  std::jthread adding([&](const std::stop_token& ended) {
+    for (; !ended.stop_requested(); ++added) sut.add(0, kKey, 1, false);
+  });
+  bool waited = false;
+  unsigned allocations = 0;
+  const std::function<void()> addMeanwhile = [&] {
+    ++allocations;
+    const unsigned before = added;
+    waited = waited || !waitUntil([&] { return added > before + 1; }, std::chrono::seconds(2));
+  };
+  beforeEachAllocation(&addMeanwhile);
+  sut.visitAll([](const CallKey&, const CallFigures&) {});
+  sut.visitChanged([](const CallKey&, const CallFigures&) {});
+  beforeEachAllocation(nullptr);
+  EXPECT_GT(allocations, 40U);
+  EXPECT_FALSE(waited);
 }
 
 TEST(ATallyOfFewCalls, TakesAsManyKeysAsItWasMadeFor) {
