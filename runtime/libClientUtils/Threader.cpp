@@ -60,7 +60,6 @@ class InBody {
 std::string errorText(int error) { return std::generic_category().message(error); }
 
 void traceStart(const Start& start) {
-  zerva::Trace::workFor(start.service, false);
   if (!zerva::Trace::on()) return;
   // What leaves this thread ends the process.
   zerva::Trace::guarded([&] {
@@ -125,7 +124,8 @@ __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   applyName(start->name);
   applyPriority(start->priority, start->name, start->ofFirstThread);
   const InBody inBody(*start->state);
-  if (zerva::Trace::countsCalls()) traceStart(*start);
+  const zerva::TraceWorkScope itsStarter(start->service, false);
+  traceStart(*start);
   try {
     start->body->run();
   } catch (abi::__forced_unwind&) {

@@ -21,8 +21,8 @@ namespace {
 struct TracedThread {
   std::int32_t id = 0;
   std::array<char, 16> name{};
-  /** For whom it works when it serves nobody; null for nobody in particular. */
-  const std::string* service = nullptr;
+  /** For whom it works when it serves nobody; of a text that lives long enough. */
+  std::string_view service;
   bool comingUp = false;
   bool ownCode = true;
   /** Whether that holds also while it serves somebody. */
@@ -41,21 +41,21 @@ const TracedThread& thisThread() {
 }
 
 /**
- * @returns the same text, which is never destroyed; null for an empty one, while no calls are
- *     counted, and when there is no memory for it.
+ * @returns the same text, which is never destroyed; nothing while no calls are counted, and when
+ *     there is no memory for it.
  */
-const std::string* keep(std::string_view text) {
+std::string_view keep(std::string_view text) {
   struct Kept {
     std::mutex mutex;
     std::set<std::string, std::less<>> texts;  // guarded by mutex
   };
-  if (text.empty() || !Trace::countsCalls()) return nullptr;
-  const std::string* same = nullptr;
+  std::string_view same;
+  if (text.empty() || !Trace::countsCalls()) return same;
   Trace::guarded([&] {
     static auto* const kept = new Kept;
     const std::lock_guard lock(kept->mutex);
     const auto known = kept->texts.find(text);
-    same = known != kept->texts.end() ? &*known : &*kept->texts.emplace(text).first;
+    same = known != kept->texts.end() ? *known : *kept->texts.emplace(text).first;
   });
   return same;
 }
@@ -105,8 +105,7 @@ bool Trace::worksForOneComingUp() { return tracedThread.comingUp; }
 std::string_view Trace::servedByThisThread() {
   const Serving* const serving = servingThread().serving;
   if (serving != nullptr && !tracedThread.inScope) return serving->channelName();
-  const std::string* const service = tracedThread.service;
-  return service == nullptr ? std::string_view() : *service;
+  return tracedThread.service;
 }
 
 void Trace::called(std::string_view channel, std::string_view interface, std::string_view method,
@@ -125,13 +124,15 @@ void Trace::called(std::string_view channel, std::string_view interface, std::st
   event.withError(error.empty() ? nullptr : error.c_str()).write();
 }
 
-TraceWorkScope::TraceWorkScope(std::string_view service)
+TraceWorkScope::TraceWorkScope(std::string_view service, bool alsoWhileServing)
     : before_(tracedThread.service),
       comingUp_(tracedThread.comingUp),
       ownCode_(tracedThread.ownCode),
       inScope_(tracedThread.inScope) {
-  Trace::workFor(service, false);
-  tracedThread.inScope = true;
+  tracedThread.service = service;
+  tracedThread.comingUp = false;
+  tracedThread.ownCode = true;
+  tracedThread.inScope = alsoWhileServing;
 }
 
 TraceWorkScope::~TraceWorkScope() {

@@ -106,20 +106,20 @@ class ZERVA_EXPORT Trace {
   static std::atomic<unsigned char> wanted_;
 };
 
-/**
- * While it lives, the calling thread works for another service, or for nobody, also when it serves
- * a request.
- */
+/** While it lives, the calling thread works for another service, or for nobody. */
 class ZERVA_EXPORT TraceWorkScope {
  public:
-  /** @param service empty for nobody in particular; as for `Trace::workFor`. */
-  explicit TraceWorkScope(std::string_view service);
+  /**
+   * @param service empty for nobody in particular; a text that lives longer.
+   * @param alsoWhileServing whether it does so as well when it serves a request of another one.
+   */
+  explicit TraceWorkScope(std::string_view service, bool alsoWhileServing = true);
   ~TraceWorkScope();
   TraceWorkScope(const TraceWorkScope&) = delete;
   TraceWorkScope& operator=(const TraceWorkScope&) = delete;
 
  private:
-  const std::string* const before_;
+  const std::string_view before_;
   const bool comingUp_;
   const bool ownCode_;
   const bool inScope_;

@@ -2,9 +2,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
+#include <latch>
+#include <string_view>
 #include <thread>
 
+#include "framework/Threadable.h"
+#include "framework/Threader.h"
 #include "runtime/libClientUtils/ServingThread.h"
 #include "tests/platform/RecordingSink.h"
 #include "tests/platform/Trace/TraceWorld.h"
@@ -91,6 +96,49 @@ TEST_F(ATrace, SaysForWhomTheThreadWorks) {
   EXPECT_EQ(events[1].service, "");
   EXPECT_EQ(events[2].service, "/one");
   EXPECT_EQ(events[3].service, "/two");
+}
+
+TEST_F(ATrace, TakesNoMemoryForWhomAThreadWorksForAWhile) {
+  start();
+  letAllocationFail(1);
+  {
+    const TraceWorkScope sut("/a/service/that/comes/and/goes");
+    EXPECT_EQ(Trace::servedByThisThread(), "/a/service/that/comes/and/goes");
+  }
+  EXPECT_TRUE(allocationIsToFail());
+  letAllocationFail(0);
+}
+
+/** Notes for whom its thread works, and stays until it may go. */
+class Working final : public Threadable {
+ public:
+  void run() override {
+    service = Trace::servedByThisThread();
+    isThere.count_down();
+    mayGo.wait();
+  }
+
+  std::string_view service;
+  std::latch isThere{1};
+  std::latch mayGo{1};
+};
+
+TEST_F(ATrace, KeepsForWhomAThreadWorksOnlyAsLongAsTheThread) {
+  start();
+  const TraceWorkScope starter("/a/service/that/comes/and/goes");
+  Threader threader;
+  std::array<Working, 2> sut;
+  for (Working& one : sut) {
+    unsigned long id = 0;
+    ASSERT_TRUE(threader.spawn(&id, &one, "working", THREAD_PRIORITY_NORMAL, 0));
+    one.isThere.wait();
+    EXPECT_EQ(one.service, "/a/service/that/comes/and/goes");
+  }
+  EXPECT_NE(sut[0].service.data(), sut[1].service.data()) << "each has its own";
+  for (Working& one : sut) {
+    one.mayGo.count_down();
+    one.waitForThreadCompletion();
+  }
 }
 
 /** An executor that a thread serves for. */
