@@ -1,6 +1,7 @@
 #include "host/live/CallsSoFar.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "host/live/ProcessStatusJson.h"
 #include "runtime/libClientUtils/trace/SeenCalls.h"
@@ -18,16 +19,26 @@ Json toJson(const CallRun& call) {
           {"times", std::move(times)}};
 }
 
+/** What no count and no duration comes near to, and is added up without harm. */
+constexpr std::uint64_t kLargest = std::uint64_t{1} << 48;
+
+std::uint64_t numberOf(const Json& json) {
+  if (json.is_number_unsigned() && json.get<std::uint64_t>() <= kLargest) {
+    return json.get<std::uint64_t>();
+  }
+  throw std::runtime_error("these are no calls: " + textOf(json, -1) + " is no such number");
+}
+
 CallRun readCall(const Json& json) {
   CallRun call;
   json.at("service").get_to(call.caller);
   json.at("channel").get_to(call.channel);
   json.at("interface").get_to(call.interface);
   json.at("method").get_to(call.method);
-  json.at("count").get_to(call.count);
-  json.at("failures").get_to(call.failures);
+  call.count = numberOf(json.at("count"));
+  call.failures = numberOf(json.at("failures"));
   for (const Json& pair : json.at("times")) {
-    call.times[pair.at(0).get<std::int64_t>()] += pair.at(1).get<std::uint64_t>();
+    call.times[static_cast<std::int64_t>(numberOf(pair.at(0)))] += numberOf(pair.at(1));
   }
   return call;
 }
@@ -59,9 +70,17 @@ CallsSoFar readCallsSoFar(const std::string& text) {
   try {
     const Json json = Json::parse(text);
     CallsSoFar all;
-    for (const Json& call : json.at("calls")) all.calls.push_back(readCall(call));
-    json.at("others").get_to(all.others);
-    json.at("failed_others").get_to(all.failedOthers);
+    all.others = numberOf(json.at("others"));
+    all.failedOthers = numberOf(json.at("failed_others"));
+    for (const Json& one : json.at("calls")) {
+      CallRun call = readCall(one);
+      if (all.calls.size() < SeenCalls::kMostOfAll) {
+        all.calls.push_back(std::move(call));
+      } else {
+        all.others += call.count;
+        all.failedOthers += call.failures;
+      }
+    }
     return all;
   } catch (const Json::exception& error) {
     throw std::runtime_error(std::string("these are no calls: ") + error.what());

@@ -24,7 +24,12 @@ CallsSoFar callsOfThisProcess();
 /** @returns the text that `readCallsSoFar` reads: one object of JSON, without a line end. */
 std::string writeCallsSoFar(const CallsSoFar& calls);
 
-/** @throws std::runtime_error when it is no such text. */
+/**
+ * Reads what another process wrote. More different calls than a process tells apart are among the
+ * others.
+ *
+ * @throws std::runtime_error when it is no such text.
+ */
 CallsSoFar readCallsSoFar(const std::string& text);
 
 }  // namespace zerva

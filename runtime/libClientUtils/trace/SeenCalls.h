@@ -24,6 +24,9 @@ class ZERVA_EXPORT SeenCalls {
   /** How many different calls are told apart for each eighth of the threads. */
   static constexpr std::size_t kMost = 512;
 
+  /** How many all threads together can come to. */
+  static constexpr std::size_t kMostOfAll = CallTally::kShares * kMost;
+
   /** @returns whether they are counted: one relaxed read. */
   static bool on() {
     return (Trace::wanted_.load(std::memory_order_relaxed) & Trace::kSeenCalls) != 0;

@@ -44,6 +44,37 @@ TEST(TheCallsSoFar, AreNotReadOutOfSomethingElse) {
                std::runtime_error);
 }
 
+TEST(TheCallsSoFar, AreNotReadWhereANumberIsNone) {
+  for (const char* number : {"1e300", "-1", "0.5", "18446744073709551615", "true"}) {
+    const std::string one = number;
+    const std::string call =
+        R"({"service":"","channel":"","interface":"","method":"","count":COUNT,"failures":FAILURES,)"
+        R"("times":[[LAST,TIMES]]})";
+    for (const char* wrong : {"COUNT", "FAILURES", "LAST", "TIMES"}) {
+      std::string text = call;
+      for (const char* name : {"COUNT", "FAILURES", "LAST", "TIMES"}) {
+        text.replace(text.find(name), std::string(name).size(), name == wrong ? one : "1");
+      }
+      EXPECT_THROW(readCallsSoFar(R"({"calls":[)" + text + R"(],"others":0,"failed_others":0})"),
+                   std::runtime_error)
+          << text;
+    }
+  }
+}
+
+TEST(TheCallsSoFar, AreNoMoreThanAProcessTellsApart) {
+  CallsSoFar written;
+  for (std::size_t number = 0; number < SeenCalls::kMostOfAll + 3; ++number) {
+    written.calls.push_back({"/one", std::to_string(number), "Ifc", "method", 5, 2, {}});
+  }
+  written.others = 1;
+  written.failedOthers = 1;
+  const CallsSoFar sut = readCallsSoFar(writeCallsSoFar(written));
+  EXPECT_THAT(sut.calls, SizeIs(SeenCalls::kMostOfAll));
+  EXPECT_EQ(sut.others, 16U);
+  EXPECT_EQ(sut.failedOthers, 7U);
+}
+
 TEST(TheCallsSoFar, OfThisProcessAreThoseThatWereSeen) {
   SeenCalls::start();
   SeenCalls::add(0, {"/one", "/two", "Ifc", "method"}, 1000, true);
