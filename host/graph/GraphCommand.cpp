@@ -59,9 +59,8 @@ int drawLive(const Options& options) {
   if (bus == nullptr) return static_cast<int>(LiveExit::NoBus);
   const std::vector<Answer> answers = askAll(*bus, Question::StatusAndCalls);
   for (const Answer& answer : answers) {
-    if (answer.status) continue;
-    complain("process " + std::to_string(answer.process) +
-             " is not looked at: " + whyNotLookedAt(answer));
+    if (answer.calls) continue;
+    complain("process " + std::to_string(answer.process) + ", " + whatIsMissing(answer));
   }
   const auto tells = [](const Answer& answer) { return answer.tells; };
   if (std::none_of(answers.begin(), answers.end(), tells)) {
@@ -71,7 +70,7 @@ int drawLive(const Options& options) {
   const int written = write(liveCallGraph(answers, options.registry), options);
   if (written != kTraceDone) return written;
   const bool silent = std::any_of(answers.begin(), answers.end(), [](const Answer& answer) {
-    return answer.tells && !answer.status;
+    return answer.tells && !answer.calls;
   });
   return silent ? static_cast<int>(LiveExit::Trouble) : kTraceDone;
 }

@@ -14,30 +14,36 @@ GraphSource::Service declaredBy(const ServiceStatus& service) {
 
 }  // namespace
 
-std::string whyNotLookedAt(const Answer& answer) {
-  if (answer.status) return {};
-  return answer.tells ? "it does not answer: " + answer.why : "it was not started with --status";
+std::string whatIsMissing(const Answer& answer) {
+  if (answer.calls) return {};
+  if (answer.status) return "its calls are not known: " + answer.why;
+  if (answer.tells) return "not looked at: it does not answer: " + answer.why;
+  // Whoever looks at the bus meanwhile is such a one.
+  if (answer.channels.empty())
+    return "not looked at: it serves nothing and does not tell how it is";
+  return "not looked at: it was not started with --status";
 }
 
 GraphSource graphSourceOf(const Answer& answer) {
   GraphSource source;
   source.pid = answer.process;
   source.name = "process " + std::to_string(answer.process);
+  source.lookedAt = answer.calls.has_value();
+  if (!source.lookedAt) source.name += ", " + whatIsMissing(answer);
   for (const std::string& channel : answer.channels) {
     if (channel != HostStatusIfc::channelOf(answer.process)) source.channels.push_back(channel);
   }
-  if (!answer.status) {
-    source.lookedAt = false;
-    source.name += ", not looked at: " + whyNotLookedAt(answer);
-    return source;
+  if (answer.status) {
+    source.name = answer.status->file + ", " + source.name;
+    for (const ServiceStatus& service : answer.status->services) {
+      source.services.push_back(declaredBy(service));
+    }
   }
-  source.name = answer.status->file + ", " + source.name;
-  for (const ServiceStatus& service : answer.status->services) {
-    source.services.push_back(declaredBy(service));
+  if (answer.calls) {
+    source.calls = answer.calls->calls;
+    source.others = answer.calls->others;
+    source.failedOthers = answer.calls->failedOthers;
   }
-  source.calls = answer.calls.calls;
-  source.others = answer.calls.others;
-  source.failedOthers = answer.calls.failedOthers;
   return source;
 }
 

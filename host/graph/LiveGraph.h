@@ -8,12 +8,10 @@
 
 namespace zerva {
 
-/**
- * @returns why nothing is known of what a process calls, for people; empty for one that answered.
- */
-std::string whyNotLookedAt(const Answer& answer);
+/** @returns what is not known of a process and why, for people; empty for one that told all. */
+std::string whatIsMissing(const Answer& answer);
 
-/** @returns what a process told, or, when it told nothing, which channels it serves. */
+/** @returns what a process told, and, when it did not tell all, which channels it serves. */
 GraphSource graphSourceOf(const Answer& answer);
 
 /**

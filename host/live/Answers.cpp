@@ -12,6 +12,7 @@
 #include "host/live/AtOnce.h"
 #include "host/live/HostStatusProxy.h"
 #include "host/live/LiveBus.h"
+#include "host/live/TextTable.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
 
@@ -19,6 +20,16 @@ namespace zerva {
 namespace {
 
 constexpr const char* kProtocol = "zerva_simple_rmi";
+
+/** @returns what another process may have worded as a line that is not too long to be shown. */
+std::string lineOf(std::string text) {
+  std::size_t length = 300;
+  if (text.size() > length) {
+    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) --length;
+    text.replace(length, std::string::npos, "...");
+  }
+  return printable(std::move(text));
+}
 
 void ask(Answer& answer, Question question, ProtocolAdapter& adapter) {
   const auto error = exceptionOf([&] {
@@ -28,11 +39,10 @@ void ask(Answer& answer, Question question, ProtocolAdapter& adapter) {
     ProxyRequestImpl request(&from, to, HostStatusIfc::name, kProtocol, &adapter, "", nullptr);
     HostStatusProxy proxy;
     proxy.initialise(&request);
-    ProcessStatus status = readProcessStatus(proxy.status());
+    answer.status = readProcessStatus(proxy.status());
     if (question == Question::StatusAndCalls) answer.calls = readCallsSoFar(proxy.calls());
-    answer.status = std::move(status);
   });
-  answer.why = error.value_or("");
+  if (error) answer.why = lineOf(*error);
 }
 
 /** What an executor is known by, across processes. */

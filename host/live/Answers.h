@@ -17,11 +17,11 @@ struct Answer {
   int process = 0;
   /** What it said; nothing when it said nothing. */
   std::optional<ProcessStatus> status;
-  /** The calls that it made, when it was asked for them. */
-  CallsSoFar calls;
+  /** The calls that it made; nothing when it was not asked for them, or said nothing of them. */
+  std::optional<CallsSoFar> calls;
   /** Whether it is one that tells how it is: a host that was asked to. */
   bool tells = false;
-  /** Why nothing came, of one that tells. */
+  /** Why something did not come, of one that tells: a line that may be shown. */
   std::string why;
   /** The channels that it serves. */
   std::vector<std::string> channels;

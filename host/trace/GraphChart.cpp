@@ -118,7 +118,7 @@ class Chart {
   }
 
   const char* whyUnknown(const GraphNode& node) const {
-    if (node.process) return "not looked at";
+    if (node.process) return node.declared ? "its calls are not known" : "not looked at";
     return graph_.live ? "not on the bus" : "in none of these traces";
   }
 

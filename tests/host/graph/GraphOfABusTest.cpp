@@ -135,7 +135,7 @@ TEST_F(TheGraphOfABus, ShowsAProcessThatDoesNotTellAsNotLookedAt) {
   const Seen seen = zerva("graph", {"--live", "-o", picture()});
   EXPECT_EQ(seen.code, 0);
   const std::string why = "process " + std::to_string(third.id());
-  EXPECT_EQ(seen.errors, "zerva: " + why + " is not looked at: it was not started with --status\n");
+  EXPECT_EQ(seen.errors, "zerva: " + why + ", not looked at: it was not started with --status\n");
   const SvgPicture sut = SvgPicture::read(readFile(picture()));
   EXPECT_THAT(sut.textsOf("head"), Contains("/test/Third"));
   EXPECT_THAT(sut.textsOf("bad"), Contains("not looked at"));
@@ -151,7 +151,7 @@ TEST_F(TheGraphOfABus, IsDrawnWithoutAProcessThatDoesNotAnswer) {
   hosts[1]->signal(SIGCONT);
   EXPECT_EQ(sut.code, 3);
   EXPECT_THAT(sut.errors, HasSubstr("process " + std::to_string(hosts[1]->id()) +
-                                    " is not looked at: it does not answer: "));
+                                    ", not looked at: it does not answer: "));
   EXPECT_EQ(arrow(Json::parse(sut.output), "/test/First", "/test/Second").at("count"), 1);
 }
 

@@ -44,7 +44,7 @@ Answer answered(int process, const std::vector<CallRun>& made) {
     answer.status->services.push_back(service(begin + name, "Ifc"));
     answer.channels.push_back(begin + name);
   }
-  answer.calls.calls = made;
+  answer.calls = CallsSoFar{made, 0, 0};
   return answer;
 }
 
@@ -114,12 +114,32 @@ TEST(AGraphOfABus, HasABoxForEachChannelOfAProcessThatDoesNotTell) {
 TEST(AGraphOfABus, SaysOfAProcessThatDoesNotAnswerWhyNot) {
   Answer silent = answered(1, {});
   silent.status.reset();
+  silent.calls.reset();
   silent.why = "no answer came";
   const CallGraph sut = liveCallGraph({silent}, false);
   EXPECT_EQ(sut.processes.at(0), "process 1, not looked at: it does not answer: no answer came");
   ASSERT_NE(node(sut, "/1/a"), nullptr);
   EXPECT_FALSE(node(sut, "/1/a")->lookedAt);
   EXPECT_EQ(node(sut, HostStatusIfc::channelOf(1)), nullptr);
+}
+
+TEST(AGraphOfABus, HasWhatAProcessHasWhoseCallsAreNotKnown) {
+  Answer answer = answered(1, {});
+  answer.calls.reset();
+  answer.why = "too old";
+  const CallGraph sut = liveCallGraph({answer, answered(2, {calls("/2/a", "/1/a", 1)})}, false);
+  EXPECT_EQ(sut.processes.at(0), "file1, process 1, its calls are not known: too old");
+  EXPECT_TRUE(node(sut, "/1/a")->declared);
+  EXPECT_TRUE(node(sut, "/1/a")->interfaces.at(0).called);
+  EXPECT_FALSE(node(sut, "/1/a")->lookedAt);
+  EXPECT_THAT(SvgPicture::read(callGraphSvg(sut)).textsOf("bad"),
+              Contains("its calls are not known"));
+}
+
+TEST(AGraphOfABus, SaysOfAProcessThatServesNothingNoMoreThanThat) {
+  const CallGraph sut = liveCallGraph({notTelling(1, {})}, false);
+  EXPECT_EQ(sut.processes.at(0),
+            "process 1, not looked at: it serves nothing and does not tell how it is");
 }
 
 TEST(AGraphOfABus, KnowsWhoServesAChannelThatNoLineDeclares) {
@@ -221,9 +241,9 @@ TEST(AGraphOfABus, IsWithoutTheRegistryUnlessThatIsWanted) {
 
 TEST(AGraphOfABus, AddsUpTheCallsThatCouldNotBeToldApart) {
   std::vector<Answer> answers{answered(1, {}), answered(2, {})};
-  answers[0].calls.others = 4;
-  answers[0].calls.failedOthers = 1;
-  answers[1].calls.others = 3;
+  answers[0].calls->others = 4;
+  answers[0].calls->failedOthers = 1;
+  answers[1].calls->others = 3;
   const CallGraph sut = liveCallGraph(answers, false);
   EXPECT_EQ(sut.others, 7U);
   EXPECT_EQ(sut.failedOthers, 1U);
@@ -234,8 +254,8 @@ TEST(AGraphOfABus, AddsUpTheCallsThatCouldNotBeToldApart) {
 
 TEST(APictureOfABus, TellsWhatItIsWithout) {
   Answer answer = answered(1, {calls("/1/a", "/gone", 1)});
-  answer.calls.others = 4;
-  answer.calls.failedOthers = 1;
+  answer.calls->others = 4;
+  answer.calls->failedOthers = 1;
   const CallGraph graph = liveCallGraph({answer, notTelling(2, {"/plain"})}, false);
   const SvgPicture sut = SvgPicture::read(callGraphSvg(graph));
   EXPECT_THAT(sut.textsOf("bad"),
