@@ -24,14 +24,14 @@ int guardedTraceWork(const std::function<int()>& work) {
 }
 
 int writeTraceResult(const std::string& text, const std::string& path) {
-  if (path.empty() || path == "-") {
-    std::cout << text << std::flush;
-    return std::cout ? kTraceDone : kTraceFailed;
-  }
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  const bool toFile = !path.empty() && path != "-";
+  std::ofstream file;
+  if (toFile) file.open(path, std::ios::binary | std::ios::trunc);
+  std::ostream& out = toFile ? file : std::cout;
   out << text << std::flush;
   if (out) return kTraceDone;
-  std::fprintf(stderr, "zerva: cannot write %s: %s\n", path.c_str(),
+  std::fprintf(stderr, "zerva: cannot write %s: %s\n",
+               toFile ? path.c_str() : "the standard output",
                std::generic_category().message(errno).c_str());
   return kTraceFailed;
 }

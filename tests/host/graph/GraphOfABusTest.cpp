@@ -194,5 +194,13 @@ TEST_F(TheGraphOfABus, ThatCannotBeWritten_SaysSo) {
   EXPECT_THAT(sut.errors, HasSubstr("cannot write " + directory.file("none/graph.svg").string()));
 }
 
+TEST_F(TheGraphOfABus, ThatCannotBeWrittenToTheStandardOutput_SaysSo) {
+  startAll(kPlainLine);
+  ChildProcess sut("/bin/sh",
+                   {"-c", build + "/bin/zerva graph --live --bus " + bus + " >/dev/full"});
+  EXPECT_EQ(sut.wait(), 2);
+  EXPECT_EQ(sut.errors(), "zerva: cannot write the standard output: No space left on device\n");
+}
+
 }  // namespace
 }  // namespace zerva
