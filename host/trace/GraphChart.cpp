@@ -18,6 +18,7 @@ constexpr double kSmall = 10;
 constexpr double kLine = 15;
 constexpr double kInside = 10;
 constexpr double kWidestName = 420;
+constexpr double kWidestProcess = 900;
 constexpr std::size_t kColours = 6;
 
 constexpr const char* kStyle = R"(
@@ -85,8 +86,14 @@ class Chart {
   explicit Chart(const CallGraph& graph) : graph_(graph) {
     for (const GraphNode& node : graph_.nodes) {
       texts_.push_back(linesOf(node));
-      layout_.boxes.push_back(boxOf(texts_.back()));
+      tips_.push_back(node.name + (node.process ? "\n" + graph_.processes[*node.process] : ""));
     }
+    for (const GraphArrow& arrow : graph_.arrows) {
+      if (arrow.from != arrow.to) continue;
+      texts_[arrow.from].push_back(lineOfItself(arrow));
+      tips_[arrow.from] += "\n" + tipOf(graph_, arrow);
+    }
+    for (const auto& lines : texts_) layout_.boxes.push_back(boxOf(lines));
     for (const GraphArrow& arrow : graph_.arrows) {
       if (arrow.from == arrow.to) continue;
       const Words words = wordsOf(arrow);
@@ -128,13 +135,14 @@ class Chart {
       lines.push_back(lineOf(declared));
     }
     if (!node.lookedAt) lines.push_back({whyUnknown(node), "bad", kSmall});
-    const auto place = static_cast<std::size_t>(&node - graph_.nodes.data());
-    for (const GraphArrow& arrow : graph_.arrows) {
-      if (arrow.from != place || arrow.to != place) continue;
-      const Words words = wordsOf(arrow);
-      lines.push_back({"itself: " + words.calls + ", " + words.median, "small", kSmall});
-    }
     return lines;
+  }
+
+  static BoxLine lineOfItself(const GraphArrow& arrow) {
+    const Words words = wordsOf(arrow);
+    const bool failing = !words.failures.empty();
+    return {"itself: " + words.calls + (failing ? ", " + words.failures : "") + ", " + words.median,
+            failing ? "bad" : "small", kSmall};
   }
 
   static LayoutBox boxOf(const std::vector<BoxLine>& lines) {
@@ -151,8 +159,9 @@ class Chart {
     for (std::size_t process = 0; process < graph_.processes.size(); ++process) {
       y += 17;
       svg_.rectangle(kMargin, y - 10, 12, 12, classOf(process));
-      svg_.text(kMargin + 18, y, graph_.processes[process], "process");
-      widest = std::max(widest, textWidth(graph_.processes[process], kText));
+      const std::string name = shortened(graph_.processes[process], kText, kWidestProcess);
+      svg_.text(kMargin + 18, y, name, "process");
+      widest = std::max(widest, textWidth(name, kText));
     }
     for (const std::string& text : remarks()) {
       y += 17;
@@ -187,7 +196,7 @@ class Chart {
     const GraphNode& node = graph_.nodes[place];
     const LayoutBox& box = layout_.boxes[place];
     const LayoutPoint corner = moved({box.x, box.y});
-    svg_.beginGroup("node", node.name);
+    svg_.beginGroup("node", tips_[place]);
     svg_.rectangle(corner.x, corner.y, box.width, box.height, node.lookedAt ? "box" : "unknown", "",
                    4);
     if (node.process) {
@@ -242,7 +251,8 @@ class Chart {
   }
 
   const CallGraph& graph_;
-  std::vector<std::vector<BoxLine>> texts_;
+  std::vector<std::vector<BoxLine>> texts_;  // of the boxes
+  std::vector<std::string> tips_;            // of the boxes
   std::vector<const GraphArrow*> arrows_;
   Layout layout_;
   double top_ = 0;

@@ -266,6 +266,53 @@ TEST(APictureOfABus, TellsWhatItIsWithout) {
   EXPECT_THAT(sut.misfits(), IsEmpty());
 }
 
+TEST(APictureOfABus, TellsOfCallsToItselfHowManyFailed) {
+  const std::string sut =
+      callGraphSvg(liveCallGraph({answered(1, {calls("/1/a", "/1/a", 5, 2)})}, false));
+  EXPECT_THAT(SvgPicture::read(sut).textsOf("bad"),
+              Contains("itself: 5 calls, 2 failed, median 960 ns"));
+  EXPECT_THAT(sut, HasSubstr("Ifc.method: 5, 2 failed, median 960 ns"));
+}
+
+TEST(APictureOfABus, TellsOfEachBoxWhoseItIs) {
+  const std::string sut =
+      callGraphSvg(liveCallGraph({answered(1, {}), notTelling(2, {"/plain"})}, false));
+  EXPECT_THAT(sut, HasSubstr("<title>/1/a\nfile1, process 1</title>"));
+  EXPECT_THAT(sut, HasSubstr("<title>/plain\nprocess 2, not looked at: "));
+}
+
+TEST(APictureOfABus, FitsWhateverItsPeersSay) {
+  for (const std::string part : {"long/", "\x1b", "\xff\xfe", "\x80", "\xc3\xa4", "\n", "<&\"'>"}) {
+    std::string name = "/";
+    while (name.size() < 60000) name += part;
+    Answer answer = answered(1, {calls("/1/a", name, 1), calls(name, name, 2, 1)});
+    answer.status->file = name;
+    answer.status->services[0].interfaces = name;
+    answer.calls->calls[0].interface = name;
+    answer.calls->calls[0].method = name;
+    Answer silent = notTelling(2, {name});
+    silent.tells = true;
+    silent.why = name;
+    const CallGraph graph = liveCallGraph({answer, silent}, false);
+    const SvgPicture sut = SvgPicture::read(callGraphSvg(graph));
+    EXPECT_THAT(sut.misfits(), IsEmpty());
+    EXPECT_LT(sut.width, 2000) << part;
+    EXPECT_EQ(nlohmann::json::parse(callGraphJson(graph)).at("nodes").size(), graph.nodes.size());
+  }
+}
+
+TEST(APictureOfABus, IsDrawnOfManyServicesAndCalls) {
+  std::vector<CallRun> made;
+  Answer answer = answered(1, {});
+  for (int number = 0; number < 20000; ++number) {
+    const std::string name = "/service/" + std::to_string(number);
+    answer.status->services.push_back(service(name, "Ifc"));
+    answer.calls->calls.push_back(calls(name, "/hub", 1));
+    answer.calls->calls.push_back(calls(name, name, 1));
+  }
+  EXPECT_THAT(callGraphSvg(liveCallGraph({answer}, false)), HasSubstr("/service/19999"));
+}
+
 TEST(AGraphOfABusAsJson, TellsBetweenWhichNodesCallsGo) {
   const ServiceStatus log = service("/log", "Ifc");
   const auto json = nlohmann::json::parse(callGraphJson(liveCallGraph(
