@@ -1,5 +1,6 @@
 #include "host/trace/RunModelBuilder.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/trace/TraceReader.h"
@@ -8,6 +9,13 @@ namespace zerva {
 namespace {
 
 constexpr const char* kRegistryChannel = "/zerva/serviceregistry";
+
+/** More than there can be of anything, and not too much to be added up. */
+constexpr std::int64_t kMost = std::int64_t{1} << 48;
+
+std::int64_t howMany(const TraceLine& line, const std::string& name) {
+  return std::clamp<std::int64_t>(line.number(name), 0, kMost);
+}
 
 }  // namespace
 
@@ -41,7 +49,7 @@ void RunModelBuilder::takeOfProcess(const TraceLine& line) {
   } else if (line.event == "calls") {
     calls(line);
   } else if (line.event == "lost") {
-    model_.lost += line.number("events");
+    model_.lost = std::min(model_.lost + howMany(line, "events"), kMost);
   }
 }
 
@@ -232,8 +240,8 @@ void RunModelBuilder::calls(const TraceLine& line) {
                     line.text("channel"),
                     line.text("interface"),
                     line.text("method"),
-                    static_cast<std::uint64_t>(line.number("count")),
-                    static_cast<std::uint64_t>(line.number("failures")),
+                    static_cast<std::uint64_t>(howMany(line, "count")),
+                    static_cast<std::uint64_t>(howMany(line, "failures")),
                     {line.times.begin(), line.times.end()}};
   const auto [known, isNew] =
       calls_.try_emplace({run.caller, run.channel, run.interface, run.method}, model_.calls.size());

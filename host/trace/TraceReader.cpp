@@ -50,7 +50,12 @@ void readField(const std::string& name, const Json& value, TraceLine& line) {
 
 void readTimes(const Json& value, TraceLine& line) {
   for (const Json& pair : value) {
-    line.times.emplace_back(pair.at(0).get<std::int64_t>(), pair.at(1).get<std::uint64_t>());
+    const Json& count = pair.at(1);
+    std::int64_t number = 0;
+    if (!count.is_number_unsigned() || !readNumber(count, number)) {
+      throw TraceError("'times' has what is no count: " + count.dump());
+    }
+    line.times.emplace_back(timeOf(pair.at(0), "times"), static_cast<std::uint64_t>(number));
   }
 }
 
@@ -59,7 +64,9 @@ TraceLine readLine(const std::string& text) {
   TraceLine line;
   line.event = json.at("event").get<std::string>();
   line.t = timeOf(json.at("t"), "t");
-  line.thread = json.at("thread").at("id").get<int>();
+  const Json& id = json.at("thread").at("id");
+  if (!id.is_number_integer()) throw TraceError("this is the id of no thread: " + id.dump());
+  line.thread = id.get<int>();
   line.threadName = json.at("thread").at("name").get<std::string>();
   for (const auto& [name, value] : json.items()) {
     if (name == "service") {

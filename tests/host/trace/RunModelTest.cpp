@@ -146,6 +146,18 @@ TEST(ARun, HasTheLastCountsOfEachMethod) {
   EXPECT_EQ(run.calls[1].count, 1U);
 }
 
+TEST(ARun, HasNumbersThatCanBeAddedUp) {
+  TraceText text;
+  text.add(1, "calls", "/one", R"("channel":"/two","count":-1,"failures":4611686018427387904)");
+  for (int line = 0; line < 3; ++line) text.add(2, "lost", "", R"("events":4611686018427387904)");
+  text.add(3, "lost", "", R"("events":-5)");
+  const RunModel run = text.run();
+  ASSERT_THAT(run.calls, SizeIs(1));
+  EXPECT_EQ(run.calls[0].count, 0U);
+  EXPECT_EQ(run.calls[0].failures, std::uint64_t{1} << 48);
+  EXPECT_EQ(run.lost, std::int64_t{1} << 48);
+}
+
 TEST(ARun, HasWhatTheHostItselfWaitedFor) {
   TraceText text;
   text.add(5, "process_started", "", R"("program":"zerva","pid":7,)" + duration(2)).running(6);

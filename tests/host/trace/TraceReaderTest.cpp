@@ -108,6 +108,20 @@ TEST(ATraceThatIsRead, HasTimesThatCanBeReckonedWith) {
   }
 }
 
+TEST(ATraceThatIsRead, HasCountsThatAreSome) {
+  for (const char* number : {"-1", "18446744073709551615", "1e300", "1.5", "\"7\"", "null"}) {
+    const std::string times = R"("times":[[1,)" + std::string(number) + "]]";
+    EXPECT_THAT(errorOf(TraceText().add(7, "calls", "", times).add(8, "x").text()),
+                HasSubstr("a.jsonl:3: error: this is no line of a trace: 'times' has what is no"))
+        << number;
+  }
+  EXPECT_THAT(errorOf(TraceText().add(7, "calls", "", R"("times":[[1e300,1]])").add(8, "x").text()),
+              HasSubstr("'times' is no time: 1e+300"));
+  EXPECT_THAT(errorOf(R"({"event":"trace","t":1,"thread":{"id":1e300,"name":""}})"
+                      "\n"),
+              HasSubstr("this is the id of no thread: 1e+300"));
+}
+
 TEST(ATraceThatIsRead, IsNoDirectory) {
   try {
     readTraceFile("/tmp");
