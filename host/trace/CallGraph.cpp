@@ -97,9 +97,7 @@ class Builder {
     const std::string host = "host " + std::to_string(sources_[process].pid);
     const std::size_t from = nodeOf(process, call.caller.empty() ? host : call.caller);
     const std::size_t to = nodeOf(serverOf(call.channel, process), call.channel);
-    if (graph_.nodes[to].declared && !call.interface.empty()) {
-      interfaceOf(to, call.interface, false).called = true;
-    }
+    if (!call.interface.empty()) interfaceOf(to, call.interface, false).called = true;
     const auto [known, isNew] = arrows_.try_emplace({from, to}, graph_.arrows.size());
     if (isNew) graph_.arrows.push_back({from, to, {}});
     graph_.arrows[known->second].methods.push_back(

@@ -114,8 +114,8 @@ class Chart {
   }
 
  private:
-  static BoxLine lineOf(const DeclaredInterface& declared) {
-    if (!declared.declared) {
+  static BoxLine lineOf(const GraphNode& node, const DeclaredInterface& declared) {
+    if (node.declared && !declared.declared) {
       return {shortened(declared.name + " (not declared)", kSmall, kWidestName), "bad", kSmall};
     }
     if (!declared.called) {
@@ -132,7 +132,7 @@ class Chart {
   std::vector<BoxLine> linesOf(const GraphNode& node) const {
     std::vector<BoxLine> lines{{shortened(node.name, kBold, kWidestName), "head", kBold}};
     for (const DeclaredInterface& declared : node.interfaces) {
-      lines.push_back(lineOf(declared));
+      lines.push_back(lineOf(node, declared));
     }
     if (!node.lookedAt) lines.push_back({whyUnknown(node), "bad", kSmall});
     return lines;

@@ -274,6 +274,21 @@ TEST(APictureOfABus, TellsOfCallsToItselfHowManyFailed) {
   EXPECT_THAT(sut, HasSubstr("Ifc.method: 5, 2 failed, median 960 ns"));
 }
 
+TEST(APictureOfABus, HasTheInterfacesThatWereCalledOfWhatNoLineDeclares) {
+  const CallGraph graph =
+      liveCallGraph({answered(1, {calls("/1/a", "/gone", 1), calls("/1/a", "/plain", 1)}),
+                     notTelling(2, {"/plain"})},
+                    false);
+  for (const char* name : {"/gone", "/plain"}) {
+    ASSERT_EQ(node(graph, name)->interfaces.size(), 1U) << name;
+    EXPECT_TRUE(node(graph, name)->interfaces[0].called);
+    EXPECT_FALSE(node(graph, name)->interfaces[0].declared);
+  }
+  const SvgPicture sut = SvgPicture::read(callGraphSvg(graph));
+  EXPECT_THAT(sut.textsOf("count"), Contains("Ifc"));
+  EXPECT_THAT(sut.textsOf("bad"), Not(Contains(HasSubstr("not declared"))));
+}
+
 TEST(APictureOfABus, TellsOfEachBoxWhoseItIs) {
   const std::string sut =
       callGraphSvg(liveCallGraph({answered(1, {}), notTelling(2, {"/plain"})}, false));
