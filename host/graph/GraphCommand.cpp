@@ -21,8 +21,8 @@ namespace {
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  done\n"
-    "  2  a trace cannot be read, the result cannot be written, or the command line was not\n"
-    "     understood\n"
+    "  2  a trace cannot be read, the result cannot be written, the command line was not\n"
+    "     understood, or an unexpected error, told on standard error\n"
     "With --live besides:\n"
     "  3  a process did not answer; the picture is without what it calls\n"
     "  4  no process of the bus tells what it calls; nothing was drawn\n"

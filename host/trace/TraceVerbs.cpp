@@ -22,14 +22,14 @@ constexpr int kRegressed = 1;
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  done\n"
-    "  2  a trace cannot be read, the result cannot be written, or the command line was not\n"
-    "     understood\n";
+    "  2  a trace cannot be read, the result cannot be written, the command line was not\n"
+    "     understood, or an unexpected error, told on standard error\n";
 constexpr const char* kDiffExitCodes =
     "Exit codes:\n"
     "  0  nothing became slower than allowed\n"
     "  1  something did, a service does not come up any more, or the second start was cut off\n"
-    "  2  a trace cannot be read, the first start was cut off, or the command line was not\n"
-    "     understood\n";
+    "  2  a trace cannot be read, the first start was cut off, the command line was not\n"
+    "     understood, or an unexpected error, told on standard error\n";
 
 void addTimeline(CLI::App& app, Verb& chosen) {
   struct Options {

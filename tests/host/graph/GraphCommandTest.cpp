@@ -56,7 +56,8 @@ TEST(TheCommandLineOfAGraph, TakesWhatIsAboutABusOnlyWithOne) {
 TEST(TheHelpOfAGraph, TellsTheExitCodes) {
   const std::string sut = read({"--help"}).output;
   for (const char* line :
-       {"\n  0  done\n", "\n  2  a trace cannot be read", "\n  3  a process did not answer",
+       {"\n  0  done\n", "\n  2  a trace cannot be read",
+        " unexpected error, told on standard error\n", "\n  3  a process did not answer",
         "\n  4  no process of the bus tells", "\n 10  there is no bus"}) {
     EXPECT_THAT(sut, HasSubstr(line));
   }
