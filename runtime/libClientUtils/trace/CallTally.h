@@ -76,7 +76,7 @@ class ZERVA_EXPORT CallTally {
   void changeAll() noexcept;
 
  private:
-  // Four steps for each doubling of the duration.
+  // Four steps for each doubling of the duration, up to 2^41 ns; longer is in the last one.
   static constexpr std::size_t kSteps = 160;
 
   struct Counts {

@@ -168,6 +168,18 @@ TEST_F(TheGraphOfABus, DoesNotMakeALazyServiceNorWaitForABusyOne) {
   EXPECT_EQ(service(host, "AskedIfc").at("executor").at("requests"), 1);
 }
 
+TEST_F(TheGraphOfABus, LeavesAnIdleServiceAlone) {
+  const ChildProcess& host = startAll(kRegistryLine + kPlainLine);
+  const auto requests = [&](const char* interface) {
+    return service(host, interface).at("executor").at("requests");
+  };
+  const Json plain = requests("PlainIfc");
+  const Json registry = requests("ServiceRegistryIfc");
+  for (int time = 0; time < 3; ++time) graph();
+  EXPECT_EQ(requests("PlainIfc"), plain);
+  EXPECT_EQ(requests("ServiceRegistryIfc"), registry);
+}
+
 TEST_F(TheGraphOfABus, OfWhichNobodyTells_IsNotDrawn) {
   const ChildProcess& host = start(kPlainLine, {});
   ASSERT_TRUE(

@@ -91,6 +91,16 @@ TEST_F(TheSeenCalls, TellHowLongHalfOfThemTookToAnEighth) {
   EXPECT_NEAR(median, 10 * kMillisecond, 1.25 * kMillisecond);
 }
 
+TEST_F(TheSeenCalls, TellATimeToAnEighthUpToHalfAnHour) {
+  for (std::int64_t took = 1; took <= std::int64_t{1800} * 1000 * kMillisecond;
+       took += took / 7 + 1) {
+    SeenCalls::start();
+    SeenCalls::add(0, {"/one", "/two", "Ifc", "method"}, took, false);
+    const auto median = static_cast<double>(medianOf(seen().at(0).figures.times));
+    EXPECT_NEAR(median, static_cast<double>(took), static_cast<double>(took) / 8) << took;
+  }
+}
+
 TEST_F(TheSeenCalls, AreNotCountedUntilThatIsStarted) {
   SeenCalls::start();
   SeenCalls::stop();
