@@ -132,13 +132,15 @@ std::string TraceWriter::start(const std::string& path, const std::string& about
     ending_ = false;
   }
   writeFirst(about);
+  // Before the thread is there, which ends it when the file cannot be written.
+  Trace::want(Trace::kEvents);
   if (const auto error = exceptionOf([&] { thread_ = std::thread([this] { run(); }); })) {
+    Trace::wantNoMore(Trace::kEvents);
     const std::lock_guard lock(fileMutex_);
     ::close(file_);
     file_ = -1;
     return *error;
   }
-  Trace::want(Trace::kEvents);
   return {};
 }
 

@@ -247,6 +247,17 @@ TEST_F(ATrace, OfAFullDiskEndsIsToldOnceAndDisturbsNobody) {
   EXPECT_THAT(log.texts()[0], HasSubstr("the trace '/dev/full' ends here: No space left"));
 }
 
+TEST_F(ATrace, OfAFullDiskEndsAlsoWhenItIsWrittenAtOnce) {
+  const RecordingSink log("Trace");
+  for (int time = 0; time < 300; ++time) {
+    // More than the half of a buffer, so that nobody waits for more.
+    for (int event = 0; event < 300; ++event) opened(std::string(1000, 'x'));
+    ASSERT_EQ(Trace::start("/dev/full", ""), "");
+    ASSERT_TRUE(waitUntil([] { return !Trace::on(); }, std::chrono::seconds(5))) << time;
+    Trace::stop();
+  }
+}
+
 // As a viewer that was stopped while the trace goes through a pipe to it.
 TEST_F(ATrace, WhoseReaderDoesNotReadEndsAndStopsNobody) {
   const RecordingSink log("Trace");
