@@ -26,7 +26,8 @@ std::string lineOf(std::string text) {
   std::size_t length = 300;
   if (text.size() > length) {
     while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) --length;
-    text.replace(length, std::string::npos, "...");
+    text.resize(length);
+    text += "...";
   }
   return printable(std::move(text));
 }
