@@ -23,7 +23,7 @@ std::vector<std::size_t> charactersOf(std::string_view text) {
 /** Of the size of the letters, those of the widest usual ones. */
 double widthOf(char first) {
   constexpr std::string_view narrow = " !'(),./:;I[]fijlrt|-";
-  constexpr std::string_view wide = "mwMW%@&+<=>~";
+  constexpr std::string_view wide = "mwMW%@&#^+<=>~";
   const auto byte = static_cast<unsigned char>(first);
   // What XML has no sign for is shown as the character that stands for such.
   if (byte >= 0x80 || byte < 0x20) return 1.0;
