@@ -3,9 +3,12 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <functional>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "host/live/CallsSoFar.h"
 #include "host/live/HostStatusIfc.h"
@@ -37,13 +40,18 @@ class InvokedOfOld final : public rmi::InvokerOf<HostStatusIfc> {
   InvokedOfOld() : InvokerOf(ZERVA_METHOD(HostStatusIfc::status)) {}
 };
 
-/** What a process says of itself. */
+/** What a process says of itself; any thread. */
 class Told final : public ScriptedService, public HostStatusIfc {
  public:
-  std::string status() override { return onStatus(); }
-  std::string calls() override { return onCalls(); }
+  using Words = std::function<std::string()>;
 
-  std::function<std::string()> onStatus = [] {
+  std::string status() override { return wordsOf(status_)(); }
+  std::string calls() override { return wordsOf(calls_)(); }
+
+  void sayStatus(Words words) { say(status_, std::move(words)); }
+  void sayCalls(Words words) { say(calls_, std::move(words)); }
+
+  static std::string usualStatus() {
     ProcessStatus status;
     status.process = ::getpid();
     status.file = "told.directives";
@@ -51,15 +59,31 @@ class Told final : public ScriptedService, public HostStatusIfc {
     status.services.back().channel = "/told";
     status.services.back().interfaces = "ToldIfc";
     return writeProcessStatus(status);
-  };
-  std::function<std::string()> onCalls = [] { return writeCallsSoFar({}); };
+  }
+  static std::string usualCalls() { return writeCallsSoFar({}); }
+
+ private:
+  Words wordsOf(const Words& words) const {
+    const std::lock_guard lock(mutex_);
+    return words;
+  }
+  void say(Words& words, Words others) {
+    const std::lock_guard lock(mutex_);
+    words = std::move(others);
+  }
+
+  mutable std::mutex mutex_;
+  Words status_ = usualStatus;  // guarded by mutex_
+  Words calls_ = usualCalls;    // guarded by mutex_
 };
 
 /** This process is on the bus, and tells how it is. */
 class APeer : public HostsOnABus {
  protected:
   APeer() {
-    world.context.invoker = [this](const std::string&, const std::string&) { return invoker; };
+    world.context.invoker = [this](const std::string&, const std::string&) {
+      return invoker.load();
+    };
     world.context.adapter = [this](std::string protocol) {
       return protocols.findProtocolAdapter(protocol);
     };
@@ -78,7 +102,7 @@ class APeer : public HostsOnABus {
   ProtocolRepository protocols;
   Invoked invokerOfNow;
   InvokedOfOld invokerOfOld;
-  Invoker* invoker = &invokerOfNow;
+  std::atomic<Invoker*> invoker = &invokerOfNow;
   Told told;
   ExecutorWorld world;
 };
@@ -103,10 +127,10 @@ TEST_F(APeer, ThatDoesNotCountCalls_IsInTheGraphWithWhatItHas) {
 }
 
 TEST_F(APeer, ThatStopsBetweenItsTwoAnswers_IsInTheGraphWithWhatItHas) {
-  told.onCalls = []() -> std::string {
+  told.sayCalls([]() -> std::string {
     std::this_thread::sleep_for(1s);
     return {};
-  };
+  });
   const Seen sut = graph({"--timeout", "0.3"});
   EXPECT_EQ(sut.code, 3);
   EXPECT_THAT(sut.errors, HasSubstr("its calls are not known: "));
@@ -114,19 +138,19 @@ TEST_F(APeer, ThatStopsBetweenItsTwoAnswers_IsInTheGraphWithWhatItHas) {
 }
 
 TEST_F(APeer, HasItsTimeForEachOfItsAnswers) {
-  const auto slowly = [](const std::function<std::string()>& what) {
+  const auto slowly = [](std::string (*what)()) {
     return [what] {
       std::this_thread::sleep_for(1200ms);
       return what();
     };
   };
-  told.onStatus = slowly(told.onStatus);
-  told.onCalls = slowly(told.onCalls);
+  told.sayStatus(slowly(&Told::usualStatus));
+  told.sayCalls(slowly(&Told::usualCalls));
   EXPECT_EQ(graph({"--timeout", "2"}).code, 0);
 }
 
 TEST_F(APeer, ThatSaysWhatNobodyCanRead_IsToldOfInALineThatIsNotTooLong) {
-  told.onStatus = [] { return "\"" + std::string(100000, 'x'); };
+  told.sayStatus([] { return "\"" + std::string(100000, 'x'); });
   for (const char* verb : {"graph", "status"}) {
     const bool isGraph = std::string(verb) == "graph";
     const Seen sut = isGraph ? graph() : zerva(verb, {"/any"});
@@ -137,7 +161,7 @@ TEST_F(APeer, ThatSaysWhatNobodyCanRead_IsToldOfInALineThatIsNotTooLong) {
 }
 
 TEST_F(APeer, ThatThrowsWhatNobodyCanShow_IsToldOfInALineThatCan) {
-  told.onStatus = []() -> std::string { throw std::runtime_error("\x1b[31m\nred"); };
+  told.sayStatus([]() -> std::string { throw std::runtime_error("\x1b[31m\nred"); });
   const Seen sut = graph();
   EXPECT_EQ(sut.code, 3);
   EXPECT_THAT(sut.errors, HasSubstr("?[31m?red"));
@@ -145,9 +169,9 @@ TEST_F(APeer, ThatThrowsWhatNobodyCanShow_IsToldOfInALineThatCan) {
 
 TEST_F(APeer, ThatSaysAbsurdNumbers_IsNotBelieved) {
   for (const char* number : {"1e+300", "-1", "18446744073709551615", "null", "\"1\""}) {
-    told.onCalls = [number] {
+    told.sayCalls([number] {
       return R"({"calls":[],"failed_others":0,"others":)" + std::string(number) + "}";
-    };
+    });
     const Seen sut = graph();
     EXPECT_EQ(sut.code, 3) << number;
     EXPECT_THAT(sut.errors, HasSubstr("its calls are not known: these are no calls: " +
