@@ -34,9 +34,8 @@ struct Start {
   std::shared_ptr<Threadable::State> state;
   std::string name;
   ThreadPriority priority;
-  /** Whether the thread that made it is the process's first, so that it starts with the usual one.
-   */
-  bool ofFirstThread;
+  /** Whether the thread starts with the scheduling of the process. */
+  bool scheduledAsProcess;
   std::shared_ptr<zerva::Parker> parker;
   /** Who it works for: the one who started it. */
   std::string service;
@@ -74,16 +73,18 @@ void applyName(const std::string& name) {
   pthread_setname_np(pthread_self(), name.substr(0, kLongest).c_str());
 }
 
-/** @returns whether the calling thread is the one that the process began with. */
-bool isFirstThread() {
-  // A thread that forks is the first of the child; one that has asked before is only asked more
-  // then.
+/**
+ * @returns whether what the calling thread makes starts with the scheduling of the process: when it
+ *     is the one that the process began with, and hands its own on.
+ */
+bool handsProcessScheduling() {
+  // Of a child that another thread forked off it stays false, and more is asked than is needed.
   thread_local const bool first = ::gettid() == ::getpid();
-  return first;
+  return first && (::sched_getscheduler(0) & SCHED_RESET_ON_FORK) == 0;
 }
 
-void applyPriority(ThreadPriority priority, const std::string& name, bool ofFirstThread) {
-  if (ofFirstThread && priority == THREAD_PRIORITY_NORMAL) return;
+void applyPriority(ThreadPriority priority, const std::string& name, bool scheduledAsProcess) {
+  if (scheduledAsProcess && priority == THREAD_PRIORITY_NORMAL) return;
   // A thread starts with what the thread that made it has, which may be anything.
   int policy = SCHED_IDLE;
   sched_param parameters{};
@@ -122,7 +123,7 @@ __attribute__((no_sanitize("null"))) void* runThread(void* argument) {
   const std::unique_ptr<Start> start(static_cast<Start*>(argument));
   const zerva::Parker::Given parker(start->parker);
   applyName(start->name);
-  applyPriority(start->priority, start->name, start->ofFirstThread);
+  applyPriority(start->priority, start->name, start->scheduledAsProcess);
   const InBody inBody(*start->state);
   const zerva::TraceWorkScope itsStarter(start->service, false);
   traceStart(*start);
@@ -171,8 +172,14 @@ Threader::~Threader() = default;
 bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name,
                      ThreadPriority priority, int stackSize) {
   if (threadId != nullptr) *threadId = 0;
-  auto start = std::make_unique<Start>(Start{
-      body, zerva::Description(body), {}, std::move(name), priority, isFirstThread(), {}, {}});
+  auto start = std::make_unique<Start>(Start{body,
+                                             zerva::Description(body),
+                                             {},
+                                             std::move(name),
+                                             priority,
+                                             handsProcessScheduling(),
+                                             {},
+                                             {}});
   const auto fail = [&](const std::string& cause) {
     logAppUni(kModule, kSource, kError, __LINE__,
               "The thread '%s' with the body %s cannot be made: %s", start->name.c_str(),

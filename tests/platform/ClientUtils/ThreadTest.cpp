@@ -120,6 +120,21 @@ TEST_F(AThread, OfNormalPriority_IsAsTheProcessWhoeverStartedIt) {
   EXPECT_EQ(policy, ::sched_getscheduler(0));
 }
 
+// As a service manager has it for a process of its own that is to be urgent, and no other.
+TEST_F(AThread, OfNormalPriority_IsAsTheProcessWhereNothingIsHandedOn) {
+  sched_param parameters{};
+  parameters.sched_priority = ::sched_get_priority_min(SCHED_RR);
+  const bool allowed = ::sched_setscheduler(0, SCHED_RR | SCHED_RESET_ON_FORK, &parameters) == 0;
+  int policy = -1;
+
+  onThread([&] { policy = ::sched_getscheduler(0) & ~SCHED_RESET_ON_FORK; });
+
+  EXPECT_EQ(policy, ::sched_getscheduler(0) & ~SCHED_RESET_ON_FORK);
+  EXPECT_EQ(policy, allowed ? SCHED_RR : SCHED_OTHER);
+  parameters.sched_priority = 0;
+  ASSERT_EQ(::sched_setscheduler(0, SCHED_OTHER, &parameters), 0);
+}
+
 TEST_F(AThread, BlocksTheSignalsThatItsStarterBlocks) {
   sigset_t blocked;
   sigset_t before;
