@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "framework/Export.h"
@@ -21,6 +22,9 @@ class ZERVA_EXPORT Destination {
    * @returns false when it is not taken.
    */
   virtual bool deliver(Envelope& envelope) = 0;
+
+  /** @returns where its answers come from; null when that is this process, or not known. */
+  virtual std::shared_ptr<Input> input() const = 0;
 
   /**
    * @returns whether the calling thread must not wait for an answer, since it is the one that has

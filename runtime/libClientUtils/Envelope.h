@@ -7,6 +7,7 @@
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/CallChain.h"
+#include "runtime/libClientUtils/Input.h"
 
 class Executable;
 
@@ -118,6 +119,8 @@ struct Envelope {
   std::unique_ptr<Expiry> expiry;
   /** Why the destination did not take it; empty when it takes nothing at all any more. */
   std::string refusal;
+  /** Where it came from, when that was outside of the process; null when it did not. */
+  std::shared_ptr<Input> input;
 };
 
 }  // namespace zerva

@@ -113,7 +113,8 @@ std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload da
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
                     {},
                     nullptr,
-                    {}};
+                    {},
+                    nullptr};
   if (envelope.chain.length() > kMaximumChainLength) {
     return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
                                   " requests wait for one another before channel '" + textOf(to) +
@@ -241,7 +242,8 @@ Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t an
 Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
   std::string error;
   std::shared_ptr<Destination> asked;
-  Outstanding* const request = startWaiting(requestId, asked, error);
+  std::shared_ptr<Input> input;
+  Outstanding* const request = startWaiting(requestId, asked, input, error);
   if (request == nullptr) {
     return {nullptr, std::move(error)};
   }
@@ -251,14 +253,19 @@ Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
             "' answers only after the waiting thread has started it";
   } else if (!request->ended) {
     asked.reset();
-    error = waitFor(*request);
+    error = waitFor(*request, input.get());
   }
   // One that ended at the last moment has ended.
   return request->ended ? std::move(request->outcome) : Outcome{nullptr, std::move(error)};
 }
 
-/** Waits until a request has ended. @returns why nobody waits any longer when it has not. */
-std::string Mailbox::waitFor(const Outstanding& request) {
+/**
+ * Waits until a request has ended.
+ *
+ * @param input where its answer comes from; null when from this process.
+ * @returns why nobody waits any longer when it has not.
+ */
+std::string Mailbox::waitFor(const Outstanding& request, Input* input) {
   ServingThread& thread = servingThread();
   Parker& parker = *request.waiter;
   const WaitingScope waiting;
@@ -271,7 +278,7 @@ std::string Mailbox::waitFor(const Outstanding& request) {
       return "channel '" + textOf(request.to) + "' did not answer in time";
     }
     if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
-      inTime = parker.park(request.deadline);
+      inTime = parker.park(request.deadline, input);
     }
   }
   return {};
@@ -308,6 +315,7 @@ std::uint64_t Mailbox::aimAt(std::uint32_t requestId, const std::shared_ptr<Dest
   const auto found = outstanding_.find(requestId);
   if (found != outstanding_.end()) {
     found->second.asked = asked;
+    found->second.input = asked->input();
     found->second.answerer = answerer;
   }
   return answerer;
@@ -338,11 +346,12 @@ std::string Mailbox::endWith(std::uint32_t requestId, const std::string& error) 
  * @returns the request, which stays where it is until the calling thread forgets it; null when it
  *     cannot be waited for.
  * @param asked gets who was asked.
+ * @param input gets where the answer comes from, when not from this process.
  * @param error gets why it cannot be waited for.
  */
 Mailbox::Outstanding* Mailbox::startWaiting(std::uint32_t requestId,
                                             std::shared_ptr<Destination>& asked,
-                                            std::string& error) {
+                                            std::shared_ptr<Input>& input, std::string& error) {
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (found == outstanding_.end()) {
@@ -358,6 +367,7 @@ Mailbox::Outstanding* Mailbox::startWaiting(std::uint32_t requestId,
   }
   found->second.waiter = Parker::ofThisThread();
   asked = found->second.asked.lock();
+  input = found->second.input;
   return &found->second;
 }
 

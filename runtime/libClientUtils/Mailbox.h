@@ -95,6 +95,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
 
   std::string server() const override;
   bool deliver(Envelope& envelope) override;
+  std::shared_ptr<Input> input() const override { return nullptr; }
   bool waitsForCaller() const override;
   void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                     const std::string& error) override;
@@ -116,6 +117,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
 
     SharedName to;
     std::weak_ptr<Destination> asked;
+    std::shared_ptr<Input> input;  // where the answer comes from, when not from this process
     std::uint64_t answerer = 0;
     Clock::time_point deadline;
     std::shared_ptr<Parker> waiter;
@@ -133,8 +135,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   Outstanding* awaited(std::uint32_t requestId, std::uint64_t answerer);
   std::string endWith(std::uint32_t requestId, const std::string& error);
   Outstanding* startWaiting(std::uint32_t requestId, std::shared_ptr<Destination>& asked,
-                            std::string& error);
-  std::string waitFor(const Outstanding& request);
+                            std::shared_ptr<Input>& input, std::string& error);
+  std::string waitFor(const Outstanding& request, Input* input);
   void dropForgotten(Clock::time_point now);
 
   const SharedName name_;

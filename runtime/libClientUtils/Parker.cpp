@@ -1,13 +1,17 @@
 #include "runtime/libClientUtils/Parker.h"
 
+#include <poll.h>
 #include <pthread.h>
 #include <sched.h>
 
 #include <algorithm>
+#include <array>
 #include <system_error>
+#include <utility>
 
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/Processors.h"
+#include "runtime/libClientUtils/WakeLine.h"
 
 namespace zerva {
 namespace {
@@ -20,10 +24,11 @@ constexpr std::chrono::microseconds kOfUse{60};
 
 // A look at the clock takes as long as some of these.
 constexpr int kLooksBetweenClocks = 32;
+constexpr int kReadsBetweenClocks = 4;
 
 // What is asked of the system is asked again after so many times; a thread that was confined to one
 // processor meanwhile looks in vain, which it soon leaves out anyway.
-constexpr unsigned kLingersBetweenAsking = 64;
+constexpr unsigned kWaitsBetweenAsking = 64;
 
 // After looking in vain it is left out once, then three times, seven, and so on up to this.
 constexpr unsigned kMostLeftOut = 127;
@@ -72,18 +77,59 @@ Parker::Given::Given(const std::shared_ptr<Parker>& parker) { own = &parker; }
 // One that still waits while the thread ends gets another one.
 Parker::Given::~Given() { own = nullptr; }
 
-bool Parker::park(Clock::time_point deadline) {
-  return takeToken() || linger() || sleep(&deadline);
-}
+/** While it lives, the calling thread reads an input, if nobody else did. */
+class Parker::Reading {
+ public:
+  explicit Reading(Input& input) : input_(input), begun_(input.beginReading()) {
+    // One that goes in between would leave what it has read, and nobody else would look.
+    if (begun_) ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelState_);
+  }
+  ~Reading() {
+    if (!begun_) return;
+    input_.endReading();
+    ::pthread_setcancelstate(cancelState_, nullptr);
+  }
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+
+  explicit operator bool() const { return begun_; }
+
+ private:
+  Input& input_;
+  const bool begun_;
+  int cancelState_ = PTHREAD_CANCEL_ENABLE;
+};
+
+bool Parker::park(Clock::time_point deadline, Input* input) { return parkUntil(&deadline, input); }
 
 void Parker::park() {
-  if (!takeToken() && !linger()) sleep(nullptr);
+  const std::shared_ptr<Input> input = work_.lock();
+  parkUntil(nullptr, input.get());
+}
+
+bool Parker::parkUntil(const Clock::time_point* deadline, Input* input) {
+  if (takeToken()) return true;
+  if (mayRead(input)) {
+    if (const Reading reading(*input); reading) return linger(input) || sleepAt(*input, deadline);
+  }
+  return linger(nullptr) || sleep(deadline);
+}
+
+bool Parker::mayRead(Input* input) {
+  if (input == nullptr || std::exchange(leavesReading_, false)) return false;
+  askSystem();
+  return !yieldsToAll_;
 }
 
 void Parker::unpark() {
   // Nothing is touched after the exchange but the address, which wakes nobody wrongly: a thread
   // that wakes without a reason sleeps again.
-  if (state_.exchange(kUnparked, std::memory_order_acq_rel) == kSleeping) wakeOne(state_);
+  const std::uint32_t before = state_.exchange(kUnparked, std::memory_order_acq_rel);
+  if (before == kSleeping) {
+    wakeOne(state_);
+  } else if (before >= kSleepingAtLine) {
+    WakeLine::wake(static_cast<int>(before - kSleepingAtLine));
+  }
 }
 
 bool Parker::takeToken() {
@@ -92,19 +138,33 @@ bool Parker::takeToken() {
          state_.compare_exchange_strong(unparked, kAwake, std::memory_order_acquire);
 }
 
-/** Gives somebody the time to unpark the thread before it sleeps. @returns whether somebody did. */
-bool Parker::linger() {
+/** @returns whether what the thread waits for may have come. */
+bool Parker::look(Input* input) {
+  if (takeToken()) return true;
+  if (input == nullptr) return false;
+  const Input::Read read = input->read();
+  if (read == Input::Read::Nothing || read == Input::Read::Part) return false;
+  // Whoever it was for may read the next time.
+  leavesReading_ = !takeToken();
+  return true;
+}
+
+/** Gives somebody the time to unpark the thread before it sleeps. @returns as `look`. */
+bool Parker::linger(Input* input) {
   if (leftOut_ > 0) {
     --leftOut_;
     return false;
   }
-  if (untilAsked_ == 0) {
-    several_ = mayUseSeveralProcessors();
-    untilAsked_ = kLingersBetweenAsking;
-  }
-  --untilAsked_;
+  askSystem();
   const Clock::time_point begin = Clock::now();
-  const bool came = several_ ? spin(begin + kSpinTime) : yield();
+  bool came = false;
+  if (several_) {
+    came = spin(begin + kSpinTime, input);
+  } else {
+    // For whoever waits for this processor.
+    ::sched_yield();
+    came = look(input);
+  }
   // One that came late would have come in time to a thread that sleeps: the processor is wanted.
   if (came && Clock::now() - begin < kOfUse) {
     inVain_ = 0;
@@ -116,20 +176,25 @@ bool Parker::linger() {
 }
 
 /** For whoever runs on another processor. */
-bool Parker::spin(Clock::time_point end) {
+bool Parker::spin(Clock::time_point end, Input* input) {
+  const int looks = input == nullptr ? kLooksBetweenClocks : kReadsBetweenClocks;
   do {
-    for (int looks = kLooksBetweenClocks; looks > 0; --looks) {
-      if (takeToken()) return true;
+    for (int left = looks; left > 0; --left) {
+      if (look(input)) return true;
       pauseProcessor();
     }
   } while (Clock::now() < end);
   return false;
 }
 
-/** For whoever waits for this processor. */
-bool Parker::yield() {
-  ::sched_yield();
-  return takeToken();
+/** Asks the system now and then how the thread is to wait. */
+void Parker::askSystem() {
+  if (untilAsked_ == 0) {
+    several_ = mayUseSeveralProcessors();
+    yieldsToAll_ = ::sched_getscheduler(0) == SCHED_IDLE;
+    untilAsked_ = kWaitsBetweenAsking;
+  }
+  --untilAsked_;
 }
 
 /** @returns whether the thread was unparked; false when the deadline came first. */
@@ -141,6 +206,38 @@ bool Parker::sleep(const Clock::time_point* deadline) {
     inTime = sleepWhile(state_, kSleeping, deadline);
   }
   return state_.exchange(kAwake, std::memory_order_acquire) == kUnparked;
+}
+
+/** As `sleep`, for a thread that reads; also ends when it has read something. */
+bool Parker::sleepAt(Input& input, const Clock::time_point* deadline) {
+  while (pollAt(input, deadline)) {
+    if (look(&input)) return true;
+  }
+  return takeToken();
+}
+
+/** Waits until the thread is unparked or there is something to read. @returns false when late. */
+bool Parker::pollAt(Input& input, const Clock::time_point* deadline) {
+  const int line = input.wakeLine();
+  std::array<pollfd, 2> ends{{{input.descriptor(), POLLIN, 0}, {line, POLLIN, 0}}};
+  timespec left{};
+  if (deadline != nullptr) {
+    const auto time = std::max(*deadline - Clock::now(), Clock::duration::zero());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    left.tv_sec = seconds.count();
+    left.tv_nsec = static_cast<long>((time - seconds).count());
+  }
+  std::uint32_t awake = kAwake;
+  if (!state_.compare_exchange_strong(awake, kSleepingAtLine + static_cast<std::uint32_t>(line),
+                                      std::memory_order_relaxed)) {
+    return true;
+  }
+  const int ready =
+      ::ppoll(ends.data(), ends.size(), deadline != nullptr ? &left : nullptr, nullptr);
+  std::uint32_t asleep = kSleepingAtLine + static_cast<std::uint32_t>(line);
+  state_.compare_exchange_strong(asleep, kAwake, std::memory_order_relaxed);
+  if (ends[1].revents != 0) WakeLine::forget(line);
+  return ready != 0;
 }
 
 }  // namespace zerva

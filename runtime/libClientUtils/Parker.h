@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "framework/Export.h"
+#include "runtime/libClientUtils/Input.h"
 
 namespace zerva {
 
@@ -19,6 +20,9 @@ using Clock = std::chrono::steady_clock;
  * A thread that was unparked soon the last times lingers before it sleeps, since to be put to sleep
  * and woken takes longer than many a call: it looks for some microseconds whether somebody unparks
  * it if there is another processor for whoever does, and lets others run once if there is not.
+ *
+ * A thread that waits for what comes from outside of the process reads it itself meanwhile, if
+ * nobody else does. What it finds may be for others: then it lets somebody else read the next time.
  */
 class ZERVA_EXPORT Parker {
  public:
@@ -39,36 +43,58 @@ class ZERVA_EXPORT Parker {
   };
 
   /**
-   * Waits until somebody unparks the thread, which may have happened before. The thread's own.
+   * Waits until somebody unparks the thread, which may have happened before. May return without
+   * a reason. The thread's own.
    *
+   * @param input where what is waited for comes from, when it is not this process; may be null.
    * @returns false when the deadline came first.
    */
-  bool park(Clock::time_point deadline);
+  bool park(Clock::time_point deadline, Input* input = nullptr);
 
-  /** As above, without deadline. */
+  /** As above, without deadline, for a thread that has nothing to do: see `isGivenWorkFrom`. */
   void park();
+
+  /**
+   * Says where the work came from that the thread does now: more may come that way when it is done.
+   * The thread's own.
+   *
+   * @param input null when it came from this process.
+   */
+  void isGivenWorkFrom(const std::shared_ptr<Input>& input) { work_ = input; }
 
   /** Ends the present or the next `park`. Any thread; does not block. */
   void unpark();
 
  private:
-  bool takeToken();
-  bool linger();
-  bool spin(Clock::time_point end);
-  bool yield();
-  bool sleep(const Clock::time_point* deadline);
+  class Reading;
 
-  /** What `state_` may be. */
-  enum State : std::uint32_t { kAwake, kUnparked, kSleeping };
+  bool parkUntil(const Clock::time_point* deadline, Input* input);
+  bool mayRead(Input* input);
+  bool takeToken();
+  bool look(Input* input);
+  bool linger(Input* input);
+  bool spin(Clock::time_point end, Input* input);
+  void askSystem();
+  bool sleep(const Clock::time_point* deadline);
+  bool sleepAt(Input& input, const Clock::time_point* deadline);
+  bool pollAt(Input& input, const Clock::time_point* deadline);
+
+  /** What `state_` may be; from the last one on it tells which line wakes the thread. */
+  enum State : std::uint32_t { kAwake, kUnparked, kSleeping, kSleepingAtLine };
   std::atomic<std::uint32_t> state_{kAwake};
 
   // Of the thread that parks: how often looking was in vain since it last was not, and how many
   // times it is left out yet. Most threads that are made have nothing to do at first.
   unsigned inVain_ = 0;
   unsigned leftOut_ = 1;
-  // Whether there is another processor, and how many times that is believed yet.
+  // What the system says: whether there is another processor, and whether the thread runs only when
+  // no other wants to; and how many times that is believed yet.
   bool several_ = false;
+  bool yieldsToAll_ = false;
   unsigned untilAsked_ = 0;
+  // Where its work comes from, and whether it leaves the next reading to others.
+  std::weak_ptr<Input> work_;
+  bool leavesReading_ = false;
 };
 
 }  // namespace zerva

@@ -40,4 +40,8 @@ WaitingScope::~WaitingScope() {
   }
 }
 
+ForOthersScope::ForOthersScope() : before_(servingThread()) { servingThread() = ServingThread(); }
+
+ForOthersScope::~ForOthersScope() { servingThread() = before_; }
+
 }  // namespace zerva

@@ -7,6 +7,7 @@
 #include "framework/Export.h"
 #include "runtime/libClientUtils/CallChain.h"
 #include "runtime/libClientUtils/Parker.h"
+#include "runtime/libClientUtils/trace/Trace.h"
 
 namespace zerva {
 
@@ -95,6 +96,22 @@ class ZERVA_EXPORT WaitingScope {
  private:
   Serving* const serving_;
   RunningPlace* const place_;
+};
+
+/**
+ * While it lives, the calling thread, whatever it serves or waits for otherwise, does something for
+ * others.
+ */
+class ZERVA_EXPORT ForOthersScope {
+ public:
+  ForOthersScope();
+  ~ForOthersScope();
+  ForOthersScope(const ForOthersScope&) = delete;
+  ForOthersScope& operator=(const ForOthersScope&) = delete;
+
+ private:
+  const ServingThread before_;
+  const TraceWorkScope forNobody_{{}};
 };
 
 }  // namespace zerva

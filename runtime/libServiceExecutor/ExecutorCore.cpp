@@ -318,6 +318,7 @@ void ExecutorCore::serveOnOwnThread() {
       {
         const UnderWay underWay(*this);
         lock.unlock();
+        parker->isGivenWorkFrom(envelope.input);
         serve(envelope, service);
       }
       lock.lock();
@@ -341,6 +342,7 @@ void ExecutorCore::serveOneOnPool() {
   Executable& service = *service_;
   const UnderWay underWay(*this);
   lock.unlock();
+  Parker::ofThisThread()->isGivenWorkFrom(envelope.input);
   serve(envelope, service);
 }
 

@@ -41,7 +41,7 @@ std::string errorText(int error) { return std::generic_category().message(error)
 
 BusCore::BusCore(const std::string& directory)
     : directory_(directory),
-      shared_(new BusShared{newBusId(), std::make_shared<asio::io_context>(1)}),
+      shared_(std::make_shared<BusShared>()),
       ownNames_(directory_, shared_->ownId),
       names_(directory_, shared_->ownId),
       socketFile_(directory_, BusDirectory::socketName(shared_->ownId)),
@@ -51,6 +51,7 @@ BusCore::BusCore(const std::string& directory)
                 }),
       thread_(shared_->context) {
   removeLeftovers(directory_);
+  shared_->sockets->start();
   listener_.postStart();
   if (!thread_.start()) {
     throw std::runtime_error(directory_.describe("there is no thread for the bus"));
@@ -111,6 +112,7 @@ void BusCore::close() {
   thread_.stop();
   // Here and below this thread does what is the bus thread's to do.
   listener_.close();
+  shared_->sockets->close();
   {
     const std::lock_guard lock(mutex_);
     all = all_;
@@ -118,6 +120,9 @@ void BusCore::close() {
   for (const auto& peer : all) {
     peer->end("the bus of this process was closed before " + describeProcess(peer->id()) +
               " answered");
+  }
+  for (const auto& peer : all) {
+    peer->waitForReader();
   }
   // What was still to be called is called, and finds everything closed.
   shared_->context->restart();
@@ -179,7 +184,7 @@ BusCore::Way BusCore::reach(const std::string& id) {
     return {};
   }
   auto connection =
-      std::make_shared<Connection>(shared_->context, std::move(socket), kMaximumGreeting);
+      std::make_shared<Connection>(shared_->sockets, std::move(socket), kMaximumGreeting);
   auto peer = newPeer(id);
   try {
     peer->begin(std::move(connection));

@@ -4,125 +4,182 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
-#include <asio/buffer.hpp>
-#include <asio/post.hpp>
 #include <cerrno>
 #include <span>
+#include <stdexcept>
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
 
 namespace zerva {
 
-Connection::Connection(std::shared_ptr<asio::io_context> context, FileDescriptor socket,
-                       std::size_t limit)
-    : context_(std::move(context)), socket_(*context_), frames_(limit), descriptor_(socket.get()) {
-  socket_.assign(asio::local::stream_protocol(), socket.get());
-  socket.release();
-}
+Connection::Connection(std::shared_ptr<SocketWatch> watch, FileDescriptor socket, std::size_t limit)
+    : watch_(std::move(watch)), frames_(limit), socket_(std::move(socket)) {}
 
-Connection::~Connection() = default;
+Connection::~Connection() { releaseSocket(); }
 
 void Connection::setHandler(Handler handler, std::size_t limit) {
-  handler_ = std::make_shared<const Handler>(std::move(handler));
+  auto shared = std::make_shared<const Handler>(std::move(handler));
   frames_.setLimit(limit);
+  const std::lock_guard lock(mutex_);
+  // The former one goes after the lock: it may be the last that knows its owner.
+  if (!closed_) handler_.swap(shared);
 }
 
 void Connection::start() {
-  if (socket_.is_open()) {
-    read();
-  }
+  const std::lock_guard lock(mutex_);
+  if (closed_) return;
+  watched_ = watch_->add(socket_.get(), weak_from_this());
+  awaitMore();
 }
 
-void Connection::postStart() {
-  asio::post(*context_, [self = shared_from_this()] {
-    // One that is not read would stay as it is, and all who wait for an answer with it.
-    if (const auto failure = exceptionOf([&] { self->start(); })) {
-      self->end(*failure);
-    }
+void Connection::share() {
+  // Without memory or a descriptor for it the bus thread reads everything.
+  exceptionOf([this] {
+    const std::lock_guard lock(mutex_);
+    line_.emplace();
   });
 }
 
 void Connection::close() {
-  {
-    const std::lock_guard lock(mutex_);
-    descriptor_ = -1;
+  HandlerPointer unused;  // may be the last that knows its owner: not released under the lock
+  const std::lock_guard lock(mutex_);
+  closed_ = true;
+  unused.swap(handler_);
+  if (reading_) {
+    // Whoever reads still uses the descriptor, and is told by what it reads.
+    ::shutdown(socket_.get(), SHUT_RDWR);
+  } else {
+    releaseSocket();
   }
-  asio::error_code ignored;
-  socket_.close(ignored);
-  handler_.reset();
 }
 
-void Connection::read() {
-  const std::span<char> room = frames_.room();
-  socket_.async_read_some(asio::buffer(room.data(), room.size()),
-                          [self = shared_from_this()](asio::error_code error, std::size_t size) {
-                            if (error == asio::error::operation_aborted) {
-                              return;
-                            }
-                            if (error) {
-                              self->end({});
-                            } else {
-                              self->received(size);
-                            }
-                          });
+void Connection::waitForReader() {
+  std::unique_lock lock(mutex_);
+  readerGone_.wait(lock, [this] { return !reading_; });
 }
 
-void Connection::received(std::size_t size) {
+/** Under the lock, while nobody reads. */
+void Connection::releaseSocket() {
+  if (watched_) watch_->remove(socket_.get(), *std::exchange(watched_, std::nullopt));
+  socket_.reset();
+}
+
+/** Under the lock: has the bus thread told of what is of use now. */
+void Connection::awaitMore() const {
+  if (watched_) watch_->await(socket_.get(), *watched_, !reading_, wantsToSend_);
+}
+
+bool Connection::beginReading() {
+  const std::lock_guard lock(mutex_);
+  if (closed_ || reading_ || !line_ || line_->descriptor() < 0) return false;
+  reading_ = true;
+  awaitMore();
+  return true;
+}
+
+/** On the bus thread, that was told and is not told again before it has read. */
+bool Connection::beginReadingHere() {
+  const std::lock_guard lock(mutex_);
+  if (closed_ || reading_) return false;
+  reading_ = true;
+  return true;
+}
+
+void Connection::endReading() {
+  const std::lock_guard lock(mutex_);
+  reading_ = false;
+  if (closed_) {
+    releaseSocket();
+    readerGone_.notify_all();
+  } else {
+    awaitMore();
+  }
+}
+
+Input::Read Connection::read() {
+  Read result = Read::Ended;
   const auto error = exceptionOf([&] {
-    frames_.arrived(size);
-    takeFrames();
-    if (socket_.is_open()) {
-      read();
+    const std::span<char> room = frames_.room();
+    const ssize_t size = ::recv(socket_.get(), room.data(), room.size(), MSG_DONTWAIT);
+    if (size > 0) {
+      frames_.arrived(static_cast<std::size_t>(size));
+      result = takeFrames() ? Read::Messages : Read::Part;
+    } else if (size < 0 && (errno == EAGAIN || errno == EINTR)) {
+      result = Read::Nothing;
     }
   });
-  if (error) {
-    end(*error);
-  }
+  if (!error) return result;
+  fail(*error);
+  return Read::Ended;
 }
 
-void Connection::takeFrames() {
+/** @returns whether there was a whole one. */
+bool Connection::takeFrames() {
+  bool taken = false;
   // Whoever is told may close the connection or hand it to somebody else.
-  while (const auto handler = handler_) {
+  while (const HandlerPointer told = handler()) {
     std::string_view body;
     const auto next = frames_.next(body);
-    if (next == FrameBuffer::Next::Incomplete) {
-      return;
-    }
+    if (next == FrameBuffer::Next::Incomplete) break;
     if (next == FrameBuffer::Next::TooLong) {
-      end("it sent a frame that is too long");
-      return;
+      throw std::runtime_error("it sent a frame that is too long");
     }
-    handler->frame(body);
+    taken = true;
+    told->frame(body);
+  }
+  return taken;
+}
+
+/** Keeps why nothing is to be read any more for the bus thread, which finds an end there. */
+void Connection::fail(std::string why) {
+  failure_ = std::move(why);
+  const std::lock_guard lock(mutex_);
+  ::shutdown(socket_.get(), SHUT_RD);
+}
+
+Connection::HandlerPointer Connection::handler() const {
+  const std::lock_guard lock(mutex_);
+  return handler_;
+}
+
+void Connection::ready(bool readable, bool writable) {
+  if (writable) tellWritable();
+  if (!readable) {
+    const std::lock_guard lock(mutex_);
+    if (!closed_) awaitMore();
+  } else if (beginReadingHere()) {
+    readHere();
   }
 }
 
-void Connection::end(const std::string& why) {
-  const auto handler = handler_;
-  close();
-  if (handler != nullptr) {
-    handler->ended(why);
+void Connection::tellWritable() {
+  HandlerPointer told;
+  {
+    const std::lock_guard lock(mutex_);
+    if (std::exchange(wantsToSend_, false)) told = handler_;
   }
+  if (told != nullptr && told->writable) told->writable();
+}
+
+void Connection::readHere() {
+  const Read result = failure_.empty() ? read() : Read::Ended;
+  if (result != Read::Ended) {
+    endReading();
+    return;
+  }
+  const HandlerPointer told = handler();
+  const std::string why = std::move(failure_);
+  close();
+  endReading();
+  if (told != nullptr) told->ended(why);
 }
 
 void Connection::awaitWritable() {
-  asio::post(*context_, [self = shared_from_this()] {
-    if (!self->socket_.is_open()) {
-      return;
-    }
-    const auto failure = exceptionOf([&] {
-      self->socket_.async_wait(asio::local::stream_protocol::socket::wait_write,
-                               [self](asio::error_code error) {
-                                 const auto handler = self->handler_;
-                                 if (!error && handler != nullptr && handler->writable) {
-                                   handler->writable();
-                                 }
-                               });
-    });
-    if (failure) {
-      self->end(*failure);
-    }
-  });
+  const std::lock_guard lock(mutex_);
+  if (closed_) return;
+  wantsToSend_ = true;
+  awaitMore();
 }
 
 ssize_t Connection::send(iovec* parts, std::size_t count) {
@@ -130,10 +187,10 @@ ssize_t Connection::send(iovec* parts, std::size_t count) {
   message.msg_iov = parts;
   message.msg_iovlen = count;
   const std::lock_guard lock(mutex_);
-  if (descriptor_ < 0) {
+  if (closed_) {
     return -EPIPE;
   }
-  const ssize_t sent = ::sendmsg(descriptor_, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
+  const ssize_t sent = ::sendmsg(socket_.get(), &message, MSG_DONTWAIT | MSG_NOSIGNAL);
   if (sent >= 0) {
     return sent;
   }
@@ -142,8 +199,8 @@ ssize_t Connection::send(iovec* parts, std::size_t count) {
 
 void Connection::endSending() {
   const std::lock_guard lock(mutex_);
-  if (descriptor_ >= 0) {
-    ::shutdown(descriptor_, SHUT_WR);
+  if (!closed_) {
+    ::shutdown(socket_.get(), SHUT_WR);
   }
 }
 
@@ -157,8 +214,8 @@ void Connection::sendGreeting(std::string frame) {
 
 bool Connection::hungUp() const {
   const std::lock_guard lock(mutex_);
-  pollfd state{descriptor_, POLLRDHUP, 0};
-  return descriptor_ < 0 || (::poll(&state, 1, 0) > 0 && (state.revents & ~POLLIN) != 0);
+  pollfd state{socket_.get(), POLLRDHUP, 0};
+  return closed_ || (::poll(&state, 1, 0) > 0 && (state.revents & ~POLLIN) != 0);
 }
 
 }  // namespace zerva

@@ -2,57 +2,78 @@
 
 #include <sys/types.h>
 
-#include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
+#include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "framework/Export.h"
+#include "runtime/libClientUtils/Input.h"
+#include "runtime/libClientUtils/WakeLine.h"
 #include "runtime/libClientUtils/bus/FileDescriptor.h"
 #include "runtime/libClientUtils/bus/FrameBuffer.h"
+#include "runtime/libClientUtils/bus/SocketWatch.h"
 
 struct iovec;
 
 namespace zerva {
 
 /**
- * A socket to another process: what arrives is cut into frames on the bus thread, what is sent goes
- * out on the sender's thread as far as the socket takes it.
+ * A socket to another process. What arrives is cut into frames by one thread at a time: the bus
+ * thread or, once the connection is shared, one that waits for something that comes this way. What
+ * is sent goes out on the sender's thread as far as the socket takes it.
  */
-class ZERVA_EXPORT Connection final : public std::enable_shared_from_this<Connection> {
+class ZERVA_EXPORT Connection final : public Input,
+                                      public SocketWatch::Watched,
+                                      public std::enable_shared_from_this<Connection> {
  public:
-  /** Who is told, on the bus thread. */
+  /** Who is told. */
   struct Handler {
-    /** A frame without its length, valid during the call. */
+    /**
+     * A frame without its length, valid during the call; on the thread that reads. What it throws
+     * ends the connection.
+     */
     std::function<void(std::string_view body)> frame;
-    /** It has ended. @param why something is wrong with the other side; empty when it went away. */
+    /**
+     * It has ended; on the bus thread. @param why something is wrong with the other side; empty
+     * when it went away.
+     */
     std::function<void(const std::string& why)> ended;
-    /** More can be sent now; told once for each `awaitWritable`. */
+    /** More can be sent now; on the bus thread, told once for each `awaitWritable`. */
     std::function<void()> writable;
   };
 
   /** @param limit the longest frame that is taken. */
-  Connection(std::shared_ptr<asio::io_context> context, FileDescriptor socket, std::size_t limit);
-  ~Connection();
+  Connection(std::shared_ptr<SocketWatch> watch, FileDescriptor socket, std::size_t limit);
+  virtual ~Connection();
 
-  // On the bus thread.
-
-  /** Says who is told from here on, and how long frames may be. */
+  /**
+   * Says who is told from here on, and how long frames may be. Before it is started, or on the
+   * thread that reads.
+   */
   void setHandler(Handler handler, std::size_t limit);
 
-  /** Begins to read. */
+  /**
+   * Begins to read. Once.
+   *
+   * @throws std::exception when it cannot be read, for want of memory or of anything else.
+   */
   void start();
 
-  /** Ends it; nobody is told anything any more. May be repeated. */
-  void close();
+  /** From here on other threads than the bus thread may read. On the thread that reads. */
+  void share();
 
   // On any thread.
 
-  /** Has `start` called on the bus thread. */
-  void postStart();
+  /** Ends it; nobody is told anything any more, but for a frame under way. May be repeated. */
+  void close();
+
+  /** Waits until no thread reads any more. After `close`, on a thread that does not. */
+  void waitForReader();
 
   /** Has `Handler::writable` called as soon as something can be sent. */
   void awaitWritable();
@@ -72,21 +93,44 @@ class ZERVA_EXPORT Connection final : public std::enable_shared_from_this<Connec
   /** @returns whether the other side has closed it, be there still something to be read or not. */
   bool hungUp() const;
 
+  // Of whoever reads.
+
+  bool beginReading() override;
+  Read read() override;
+  void endReading() override;
+  int descriptor() const override { return socket_.get(); }
+  int wakeLine() const override { return line_->descriptor(); }
+
+  void ready(bool readable, bool writable) override;
+
  private:
-  void read();
-  void received(std::size_t size);
-  void takeFrames();
-  void end(const std::string& why);
+  using HandlerPointer = std::shared_ptr<const Handler>;
 
-  const std::shared_ptr<asio::io_context> context_;
+  bool beginReadingHere();
+  bool takeFrames();
+  void fail(std::string why);
+  HandlerPointer handler() const;
+  void tellWritable();
+  void readHere();
+  void releaseSocket();
+  void awaitMore() const;
 
-  // Of the bus thread.
-  asio::local::stream_protocol::socket socket_;
+  const std::shared_ptr<SocketWatch> watch_;
+
+  // Of the thread that reads.
   FrameBuffer frames_;
-  std::shared_ptr<const Handler> handler_;
+  std::string failure_;  // why nothing is read any more; empty when nothing is wrong
 
   mutable std::mutex mutex_;
-  int descriptor_;  // guarded by mutex_; -1 once it is closed
+  std::condition_variable readerGone_;
+  // Guarded by mutex_.
+  FileDescriptor socket_;  // stays as it is while somebody reads
+  std::optional<std::uint64_t> watched_;
+  HandlerPointer handler_;
+  std::optional<WakeLine> line_;
+  bool reading_ = false;
+  bool wantsToSend_ = false;
+  bool closed_ = false;
 };
 
 }  // namespace zerva

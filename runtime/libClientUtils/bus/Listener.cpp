@@ -103,7 +103,7 @@ void Listener::accepted(FileDescriptor socket) {
   }
   const auto stranger = strangers_.insert(
       strangers_.end(),
-      std::make_shared<Connection>(bus_->context, std::move(socket), kMaximumGreeting));
+      std::make_shared<Connection>(bus_->sockets, std::move(socket), kMaximumGreeting));
   const int process = credentials->process;
   const auto error = exceptionOf([&] {
     (*stranger)->setHandler({[this, stranger, process](std::string_view body) {

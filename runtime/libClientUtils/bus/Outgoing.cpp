@@ -46,13 +46,7 @@ void Outgoing::keepRest(Frame& frame) {
     return;
   }
   queued_ += size;
-  awaitWritable();
-}
-
-void Outgoing::awaitWritable() {
-  if (exceptionOf([this] { connection_->awaitWritable(); })) {
-    abandon();
-  }
+  connection_->awaitWritable();
 }
 
 void Outgoing::open(std::shared_ptr<Connection> connection) {
@@ -71,7 +65,7 @@ void Outgoing::flush() {
   while (!queue_.empty() && !ended_) {
     if (!sendSome(queue_.front())) {
       if (!ended_) {
-        awaitWritable();
+        connection_->awaitWritable();
       }
       return;
     }
@@ -89,6 +83,11 @@ void Outgoing::end() {
 bool Outgoing::isEnded() const {
   const std::lock_guard lock(mutex_);
   return ended_;
+}
+
+std::shared_ptr<Connection> Outgoing::connection() const {
+  const std::lock_guard lock(mutex_);
+  return connection_;
 }
 
 bool Outgoing::waitUntilSent(Clock::time_point deadline) {

@@ -45,6 +45,9 @@ class Outgoing {
   /** @returns whether nothing is sent any more, since it was ended or cannot be sent. */
   bool isEnded() const;
 
+  /** @returns the connection that is used; null when there is none now. */
+  std::shared_ptr<Connection> connection() const;
+
   /** @returns whether nothing waits any more. */
   bool waitUntilSent(Clock::time_point deadline);
 
@@ -58,7 +61,6 @@ class Outgoing {
 
   bool sendSome(Frame& frame);
   void keepRest(Frame& frame);
-  void awaitWritable();
   void abandon();
   void endLocked();
 

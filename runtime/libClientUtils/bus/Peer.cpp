@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <asio/post.hpp>
 #include <chrono>
+#include <stdexcept>
 #include <utility>
 #include <variant>
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/bus/BusId.h"
 #include "runtime/libClientUtils/bus/BusLog.h"
 
@@ -41,6 +43,13 @@ std::string tooLong(const char* what, std::size_t size) {
          std::to_string(kMaximumFrame);
 }
 
+/** @returns what is wrong with a frame that is not to be taken. */
+std::string wrongIn(const Frame& frame) {
+  const auto* const malformed = std::get_if<MalformedFrame>(&frame);
+  return malformed != nullptr ? "it sent " + malformed->why
+                              : "it sent a frame that has no place there";
+}
+
 }  // namespace
 
 Peer::Peer(std::string id, std::shared_ptr<const BusShared> bus, Ended ended)
@@ -53,11 +62,11 @@ Peer::~Peer() = default;
 
 void Peer::begin(std::shared_ptr<Connection> connection) {
   try {
-    use(std::move(connection), kMaximumGreeting);
+    awaitGreeting(std::move(connection));
     connection_->sendGreeting(encodeHead(HelloFrame{kWireVersion, bus_->ownId}));
-    connection_->postStart();
+    // From here on this is the bus thread's only.
+    connection_->start();
   } catch (...) {
-    // It is not read yet, so that this is the bus thread's only from here on.
     connection_->close();
     throw;
   }
@@ -176,11 +185,14 @@ void Peer::adopt(std::shared_ptr<Connection> connection) {
     connection_->close();
   }
   connection->sendGreeting(encodeHead(WelcomeFrame{kWireVersion, bus_->ownId}));
-  use(std::move(connection), kMaximumFrame);
-  open();
+  open(std::move(connection));
 }
 
 void Peer::end(const std::string& cause) { failAll(giveUp(), cause); }
+
+void Peer::waitForReader() {
+  if (connection_ != nullptr) connection_->waitForReader();
+}
 
 void Peer::failAll(std::vector<ReplyTicket> tickets, const std::string& cause) {
   for (ReplyTicket& ticket : tickets) {
@@ -205,20 +217,28 @@ std::vector<ReplyTicket> Peer::giveUp() {
   return asked_.end();
 }
 
-void Peer::use(std::shared_ptr<Connection> connection, std::size_t limit) {
+void Peer::awaitGreeting(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
   // It knows this peer, and this peer it, until it is closed.
   const auto self = shared_from_this();
-  connection_->setHandler({[self](std::string_view body) { self->takeFrame(body); },
+  connection_->setHandler({[self](std::string_view body) { self->takeGreeting(body); },
                            [self](const std::string& why) { self->connectionEnded(why); },
-                           [self] { self->outgoing_.flush(); }},
-                          limit);
+                           {}},
+                          kMaximumGreeting);
 }
 
-void Peer::open() {
+void Peer::open(std::shared_ptr<Connection> connection) {
+  connection_ = std::move(connection);
+  const auto self = shared_from_this();
+  connection_->setHandler(
+      {[self, from = connection_](std::string_view body) { self->takeFrame(body, from); },
+       [self](const std::string& why) { self->connectionEnded(why); },
+       [self] { self->outgoing_.flush(); }},
+      kMaximumFrame);
   state_ = State::Open;
   patience_.cancel();
   outgoing_.open(connection_);
+  connection_->share();
 }
 
 void Peer::connectionEnded(const std::string& why) {
@@ -240,15 +260,15 @@ void Peer::connectionEnded(const std::string& why) {
   end("the connection to " + describeProcess(id_) + " was ended: " + why);
 }
 
-void Peer::takeFrame(std::string_view body) {
+void Peer::takeGreeting(std::string_view body) {
   const Frame frame = decodeFrame(body);
-  const bool greeting =
-      std::holds_alternative<WelcomeFrame>(frame) || std::holds_alternative<CrossedFrame>(frame);
-  if (!std::holds_alternative<MalformedFrame>(frame) && greeting != (state_ != State::Open)) {
-    connectionEnded("it sent a frame that has no place there");
-    return;
+  if (const auto* const welcome = std::get_if<WelcomeFrame>(&frame)) {
+    take(*welcome);
+  } else if (const auto* const crossed = std::get_if<CrossedFrame>(&frame)) {
+    take(*crossed);
+  } else {
+    connectionEnded(wrongIn(frame));
   }
-  std::visit([this](const auto& known) { take(known); }, frame);
 }
 
 void Peer::take(const WelcomeFrame& frame) {
@@ -259,8 +279,7 @@ void Peer::take(const WelcomeFrame& frame) {
   } else if (frame.id != id_) {
     connectionEnded("it is somebody else");
   } else {
-    use(connection_, kMaximumFrame);
-    open();
+    open(connection_);
   }
 }
 
@@ -276,7 +295,24 @@ void Peer::take(const CrossedFrame& /*frame*/) {
   });
 }
 
-void Peer::take(const MessageFrame& frame) {
+/** On the thread that reads, which is any; what it serves itself has nothing to do with this. */
+void Peer::takeFrame(std::string_view body, const std::shared_ptr<Connection>& connection) {
+  const ForOthersScope forOthers;
+  const Frame frame = decodeFrame(body);
+  if (const auto* const request = std::get_if<RequestFrame>(&frame)) {
+    take(*request, connection);
+  } else if (const auto* const reply = std::get_if<ReplyFrame>(&frame)) {
+    take(*reply);
+  } else if (const auto* const message = std::get_if<MessageFrame>(&frame)) {
+    take(*message, connection);
+  } else if (const auto* const failure = std::get_if<FailureFrame>(&frame)) {
+    take(*failure);
+  } else {
+    throw std::runtime_error(wrongIn(frame));
+  }
+}
+
+void Peer::take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection) {
   Envelope envelope{sharedName(frame.from),
                     sharedName(frame.to),
                     {},
@@ -284,7 +320,8 @@ void Peer::take(const MessageFrame& frame) {
                     CallChain::ofOtherProcess(frame.chain, frame.links),
                     {},
                     nullptr,
-                    {}};
+                    {},
+                    connection};
   takeEnvelope(envelope);
 }
 
@@ -298,7 +335,7 @@ Callee Peer::calleeIn(const RequestFrame& frame) {
   return lastCallee_;
 }
 
-void Peer::take(const RequestFrame& frame) {
+void Peer::take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection) {
   const MessageFrame& message = frame.message;
   Envelope envelope{sharedName(message.from),
                     sharedName(message.to),
@@ -307,7 +344,8 @@ void Peer::take(const RequestFrame& frame) {
                     CallChain::ofOtherProcess(message.chain, message.links),
                     ReplyTicket(weak_from_this(), frame.requestId),
                     nullptr,
-                    {}};
+                    {},
+                    connection};
   // Comes back with the answer, so that the request keeps the id that its sender knows.
   envelope.ticket.answerAs(frame.wireId);
   takeEnvelope(envelope);
@@ -341,9 +379,5 @@ void Peer::take(const ReplyFrame& frame) {
 void Peer::take(const FailureFrame& frame) {
   asked_.take(frame.wireId).fail(std::string(frame.error));
 }
-
-void Peer::take(const HelloFrame& /*frame*/) { connectionEnded("it said hello twice"); }
-
-void Peer::take(const MalformedFrame& frame) { connectionEnded("it sent " + frame.why); }
 
 }  // namespace zerva

@@ -46,6 +46,9 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                     const std::string& error) override;
 
+  /** @returns where its answers come from; null when there is no connection now. */
+  std::shared_ptr<Input> input() const { return outgoing_.connection(); }
+
   /** Waits until all is handed to the system. @returns false at the deadline. */
   bool waitUntilSent(Clock::time_point deadline) { return outgoing_.waitUntilSent(deadline); }
 
@@ -64,22 +67,24 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   /** Ends the stream. @param cause what those are told who wait for an answer. */
   void end(const std::string& cause);
 
+  /** Waits until what has arrived is not handed on any more. After it was ended. */
+  void waitForReader();
+
  private:
   enum class State { Connecting, Crossed, Open, Ended };
 
-  void use(std::shared_ptr<Connection> connection, std::size_t limit);
-  void takeFrame(std::string_view body);
+  void awaitGreeting(std::shared_ptr<Connection> connection);
+  void takeGreeting(std::string_view body);
   void take(const WelcomeFrame& frame);
   void take(const CrossedFrame& frame);
-  void take(const MessageFrame& frame);
-  void take(const RequestFrame& frame);
+  void open(std::shared_ptr<Connection> connection);
+  void takeFrame(std::string_view body, const std::shared_ptr<Connection>& connection);
+  void take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection);
+  void take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection);
   Callee calleeIn(const RequestFrame& frame);
   void take(const ReplyFrame& frame);
   void take(const FailureFrame& frame);
-  void take(const HelloFrame& frame);
-  void take(const MalformedFrame& frame);
   void takeEnvelope(Envelope& envelope);
-  void open();
   void connectionEnded(const std::string& why);
   std::vector<ReplyTicket> giveUp();
   static void failAll(std::vector<ReplyTicket> tickets, const std::string& cause);
@@ -98,6 +103,8 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   bool otherVersion_ = false;
   std::shared_ptr<Connection> connection_;
   asio::steady_timer patience_;
+
+  // Of the thread that reads the connection once it is open.
   Callee lastCallee_;
 };
 

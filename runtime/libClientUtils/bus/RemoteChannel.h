@@ -25,6 +25,7 @@ class RemoteChannel final : public Destination {
 
   std::string server() const override { return describe(server_); }
   bool deliver(Envelope& envelope) override { return peer_->deliver(envelope); }
+  std::shared_ptr<Input> input() const override { return peer_->input(); }
   bool waitsForCaller() const override { return false; }
 
  private:
@@ -48,6 +49,7 @@ class UnreachableChannel final : public Destination {
     envelope.refusal = cause_;
     return false;
   }
+  std::shared_ptr<Input> input() const override { return nullptr; }
   bool waitsForCaller() const override { return false; }
 
  private:

@@ -2,10 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <thread>
+#include <utility>
 
+#include "framework/CCInterceptor.h"
+#include "framework/CCInterceptorDispatcher.h"
 #include "framework/CallException.h"
 #include "framework/ProxyRequestImpl.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
+#include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 #include "tests/platform/Bus/BusWorld.h"
 #include "tests/platform/Bus/WindSensor.h"
@@ -181,6 +186,107 @@ TEST_F(TheBus, GivesEachOfAHundredThreadsItsOwnReply) {
     }
   });
   EXPECT_EQ(right, 1000);
+}
+
+TEST_F(TheBus, CarriesCallsOfManyThreadsInBothDirectionsAtOnce) {
+  constexpr std::size_t kThreads = 8;
+  constexpr int kRounds = 100;
+  serve("/here/st", Mode::ST, [](const std::string& request) { return request; });
+  serve("/here/mt", Mode::MT, [](const std::string& request) { return request; });
+  const BusPartner partner(path, "/partner");
+  for (const std::string there :
+       {"echo ST /echo/st", "echo MT /echo/mt", "ask ST /ask/st", "ask MT /ask/mt"}) {
+    partner.tell("serve " + there);
+  }
+  const std::vector<std::pair<std::string, std::string>> ways{
+      {"/echo/st", ""},         {"/ask/mt", "/here/st|"}, {"/echo/mt", ""},
+      {"/ask/st", "/here/mt|"}, {"/ask/st", "/here/st|"}, {"/ask/mt", "/here/mt|"}};
+
+  concurrently(kThreads, [&](std::size_t thread) {
+    for (int round = 0; round < kRounds; ++round) {
+      const auto& [channel, before] = ways.at((thread + static_cast<std::size_t>(round)) % 6);
+      const std::string data = std::to_string(thread) + " " + std::to_string(round);
+      const Answer answer = ask(channel, before + data);
+      ASSERT_TRUE(answer.ok) << answer.error;
+      ASSERT_EQ(answer.data, data);
+    }
+  });
+}
+
+/** Notes who brought a reply last. */
+class Bringer final : public CCInterceptor {
+ public:
+  void messageSent(const InterceptedMessage& /*message*/) override {}
+  void messageReceived(const InterceptedMessage& message) override {
+    if (message.reply) thread_ = std::this_thread::get_id();
+  }
+  std::thread::id thread() const { return thread_; }
+
+ private:
+  std::atomic<std::thread::id> thread_;
+};
+
+// To have another thread woken that hands it on takes longer than the call.
+TEST_F(TheBus, LetsAThreadReadTheReplyThatItWaitsFor) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve echo ST /echo");
+  Bringer bringer;
+  CCInterceptorDispatcher dispatcher;
+  dispatcher.addInterceptor(&bringer);
+  CommsChannel channel("/asking", &dispatcher);
+
+  // One that comes before the thread waits is read by another.
+  EXPECT_TRUE(waitUntil([&] {
+    EXPECT_EQ(ask(channel, "/echo", "x").data, "x");
+    return bringer.thread() == std::this_thread::get_id();
+  }));
+
+  dispatcher.removeInterceptor(&bringer);
+}
+
+/** Tells whether somebody's service asks on the thread that reads the request. */
+class Reader final : public CCInterceptor {
+ public:
+  void messageSent(const InterceptedMessage& /*message*/) override {}
+  void messageReceived(const InterceptedMessage& message) override {
+    if (!message.reply) thread_ = std::this_thread::get_id();
+    servesNobody_ = servesNobody_ && !servingThread().chain();
+  }
+  bool servesNobody() const { return servesNobody_; }
+  std::thread::id thread() const { return thread_; }
+
+ private:
+  std::atomic<std::thread::id> thread_;
+  std::atomic<bool> servesNobody_{true};
+};
+
+TEST_F(TheBus, LetsAServicesThreadReadItsNextRequest) {
+  Reader reader;
+  CCInterceptorDispatcher dispatcher;
+  dispatcher.addInterceptor(&reader);
+  std::atomic<bool> readItself{false};
+  ScriptedService service([&](const std::string& request) {
+    if (reader.thread() == std::this_thread::get_id()) readItself = true;
+    return request;
+  });
+  ExecutorWorld here(1);
+  for (const bool multiThreaded : {false, true}) {
+    const std::string name = multiThreaded ? "/here/mt" : "/here/st";
+    ServiceExecutor executor(&service, new CommsChannel(name, &dispatcher), "Ifc", &here.context,
+                             &here.pool, nullptr, multiThreaded);
+    here.start(executor);
+    const BusPartner partner(path, "/partner" + name);
+    readItself = false;
+
+    EXPECT_TRUE(waitUntil([&] {
+      EXPECT_EQ(partner.tell("ask " + name + "|x"), "x");
+      return readItself.load();
+    })) << name;
+
+    executor.shutdown();
+  }
+  EXPECT_TRUE(reader.servesNobody());
+  dispatcher.removeInterceptor(&reader);
 }
 
 TEST_F(TheBus, LetsAServiceWithOneThreadBeCalledBackByWhomItWaitsFor) {

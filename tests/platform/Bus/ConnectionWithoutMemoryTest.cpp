@@ -17,15 +17,18 @@ using namespace zerva;
 // the other process waited for the reply time-out, again and again.
 TEST(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
   const auto context = std::make_shared<asio::io_context>(1);
+  const auto watch = std::make_shared<SocketWatch>(context);
+  watch->start();
   int sockets[2] = {};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
   const FileDescriptor other(sockets[1]);
   const auto sut =
-      std::make_shared<Connection>(context, FileDescriptor(sockets[0]), kMaximumGreeting);
+      std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
   std::string ended = "not yet";
   sut->setHandler({[](std::string_view) {}, [&](const std::string& why) { ended = why; }, {}},
                   kMaximumFrame);
-  sut->postStart();
+  sut->start();
+  ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
 
   letAllocationFail(1);
   const auto error = exceptionOf([&] { context->poll(); });

@@ -1,0 +1,253 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "runtime/libClientUtils/bus/Connection.h"
+#include "runtime/libClientUtils/bus/Frames.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using namespace zerva;
+
+/** A connection whose other end the test holds; the bus thread runs when the test says so. */
+class AConnection : public testing::Test {
+ protected:
+  AConnection() {
+    int sockets[2] = {};
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
+    other = FileDescriptor(sockets[1]);
+    watch->start();
+    sut = std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumFrame);
+    sut->setHandler(
+        {[this](std::string_view body) { take(body); },
+         [this](const std::string& why) { ended.push_back(why); }, [this] { ++timesWritable; }},
+        kMaximumFrame);
+    sut->start();
+    sut->share();
+  }
+
+  void take(std::string_view body) {
+    if (whenTaken) whenTaken();
+    taken.emplace_back(body);
+  }
+
+  void say(const std::string& bytes) const {
+    EXPECT_EQ(::send(other.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(bytes.size()));
+  }
+
+  static std::string frame(const std::string& body) {
+    return std::string(3, '\0') + static_cast<char>(body.size()) + body;
+  }
+
+  void runBusThread() const {
+    context->restart();
+    context->poll();
+  }
+
+  /** Whether the other side sees the end. */
+  bool isClosed() const {
+    char byte = 0;
+    return ::recv(other.get(), &byte, 1, MSG_DONTWAIT) == 0;
+  }
+
+  const std::shared_ptr<asio::io_context> context = std::make_shared<asio::io_context>(1);
+  const std::shared_ptr<SocketWatch> watch = std::make_shared<SocketWatch>(context);
+  FileDescriptor other;
+  std::shared_ptr<Connection> sut;
+  std::function<void()> whenTaken;
+  std::vector<std::string> taken;
+  std::vector<std::string> ended;
+  int timesWritable = 0;
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(AConnection, IsReadByTheBusThreadAsLongAsNobodyElseReads) {
+  say(frame("one") + frame("two"));
+  runBusThread();
+  say(frame("three"));
+  runBusThread();
+
+  EXPECT_EQ(taken, (Texts{"one", "two", "three"}));
+}
+
+TEST_F(AConnection, ThatAnotherThreadReads_LeavesTheBusThreadAlone) {
+  ASSERT_TRUE(sut->beginReading());
+  say(frame("one"));
+  runBusThread();
+  EXPECT_EQ(taken, Texts{});
+
+  EXPECT_EQ(sut->read(), Input::Read::Messages);
+
+  EXPECT_EQ(taken, Texts{"one"});
+  EXPECT_EQ(sut->read(), Input::Read::Nothing);
+  sut->endReading();
+}
+
+TEST_F(AConnection, HasWhatCameMeanwhileReadByTheBusThread) {
+  ASSERT_TRUE(sut->beginReading());
+  say(frame("one"));
+  sut->endReading();
+
+  runBusThread();
+
+  EXPECT_EQ(taken, Texts{"one"});
+}
+
+TEST_F(AConnection, IsReadByOneThreadAtATime) {
+  ASSERT_TRUE(sut->beginReading());
+  EXPECT_FALSE(sut->beginReading());
+  sut->endReading();
+  whenTaken = [this] { EXPECT_FALSE(sut->beginReading()); };
+  say(frame("one"));
+  runBusThread();
+  EXPECT_EQ(taken, Texts{"one"});
+  EXPECT_TRUE(sut->beginReading());
+  sut->endReading();
+}
+
+TEST_F(AConnection, ThatIsNotShared_IsTheBusThreadsOnly) {
+  int sockets[2] = {};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
+  const FileDescriptor end(sockets[1]);
+  const auto unshared =
+      std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumFrame);
+  unshared->start();
+
+  EXPECT_FALSE(unshared->beginReading());
+}
+
+TEST_F(AConnection, HalfOfAFrame_IsKeptForWhoeverReadsTheRest) {
+  const std::string whole = frame("whole");
+  ASSERT_TRUE(sut->beginReading());
+  say(whole.substr(0, 6));
+  EXPECT_EQ(sut->read(), Input::Read::Part);
+  sut->endReading();
+  say(whole.substr(6));
+
+  runBusThread();
+
+  EXPECT_EQ(taken, Texts{"whole"});
+}
+
+TEST_F(AConnection, WhoseOtherSideIsGone_IsEndedOnTheBusThread) {
+  ASSERT_TRUE(sut->beginReading());
+  other.reset();
+  EXPECT_EQ(sut->read(), Input::Read::Ended);
+  runBusThread();
+  EXPECT_EQ(ended, Texts{});
+  sut->endReading();
+
+  runBusThread();
+
+  EXPECT_EQ(ended, Texts{""});
+}
+
+TEST_F(AConnection, WithSomethingWrong_IsEndedOnTheBusThreadThatIsToldWhat) {
+  whenTaken = [] { throw std::runtime_error("it sent nonsense"); };
+  ASSERT_TRUE(sut->beginReading());
+  say(frame("one") + frame("two"));
+  EXPECT_EQ(sut->read(), Input::Read::Ended);
+  sut->endReading();
+  EXPECT_EQ(ended, Texts{});
+
+  runBusThread();
+
+  EXPECT_EQ(ended, Texts{"it sent nonsense"});
+  EXPECT_EQ(taken, Texts{});
+  EXPECT_TRUE(isClosed());
+}
+
+TEST_F(AConnection, WithAFrameThatIsTooLong_IsEnded) {
+  say(std::string(4, '\x7f'));
+
+  runBusThread();
+
+  EXPECT_EQ(ended, Texts{"it sent a frame that is too long"});
+  EXPECT_TRUE(isClosed());
+}
+
+TEST_F(AConnection, ThatIsClosedWhileAThreadReads_EndsForBothSidesAtOnce) {
+  ASSERT_TRUE(sut->beginReading());
+  const int descriptor = sut->descriptor();
+  sut->close();
+  EXPECT_TRUE(isClosed());
+  // Not given to somebody else while the thread still uses it.
+  EXPECT_EQ(sut->descriptor(), descriptor);
+  EXPECT_EQ(sut->read(), Input::Read::Ended);
+  sut->endReading();
+
+  EXPECT_EQ(sut->descriptor(), -1);
+  EXPECT_FALSE(sut->beginReading());
+  runBusThread();
+  EXPECT_EQ(ended, Texts{});
+}
+
+TEST_F(AConnection, ThatIsClosed_IsWaitedForUntilNobodyReads) {
+  ASSERT_TRUE(sut->beginReading());
+  sut->close();
+  bool over = false;
+  std::thread reader([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    over = true;
+    sut->endReading();
+  });
+
+  sut->waitForReader();
+
+  EXPECT_TRUE(over);
+  reader.join();
+}
+
+TEST_F(AConnection, ThatIsClosedByWhomItTells_TellsNothingMore) {
+  whenTaken = [this] { sut->close(); };
+  say(frame("one") + frame("two"));
+
+  runBusThread();
+
+  EXPECT_EQ(taken, Texts{"one"});
+  EXPECT_EQ(ended, Texts{});
+  EXPECT_TRUE(isClosed());
+}
+
+TEST_F(AConnection, TellsOnceThatMoreCanBeSent_AlsoWhileAnotherThreadReads) {
+  ASSERT_TRUE(sut->beginReading());
+  sut->awaitWritable();
+  runBusThread();
+  EXPECT_EQ(timesWritable, 1);
+  runBusThread();
+  EXPECT_EQ(timesWritable, 1);
+  sut->endReading();
+
+  sut->awaitWritable();
+  say(frame("one"));
+  runBusThread();
+  EXPECT_EQ(timesWritable, 2);
+  runBusThread();
+  EXPECT_EQ(taken, Texts{"one"});
+}
+
+TEST_F(AConnection, ThatIsFull_WaitsUntilItIsRead) {
+  std::string much(1024UL * 1024, 'x');
+  iovec part{much.data(), much.size()};
+  ASSERT_GT(sut->send(&part, 1), 0);
+  ASSERT_EQ(sut->send(&part, 1), -EAGAIN);
+  sut->awaitWritable();
+  runBusThread();
+  EXPECT_EQ(timesWritable, 0);
+
+  while (::recv(other.get(), much.data(), much.size(), MSG_DONTWAIT) > 0) continue;
+  runBusThread();
+
+  EXPECT_EQ(timesWritable, 1);
+}
+
+}  // namespace
