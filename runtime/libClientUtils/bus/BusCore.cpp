@@ -144,14 +144,14 @@ std::shared_ptr<Destination> BusCore::find(const std::string& name) {
     if (!found) {
       return nullptr;
     }
-    Way way = reach(found->id);
+    Way way = reach(*found->id);
     if (way.peer != nullptr) {
       return std::make_shared<RemoteChannel>(std::move(way.peer), std::move(*found));
     }
     if (!way.unreachable.empty()) {
       return std::make_shared<UnreachableChannel>(std::move(way.unreachable), std::move(*found));
     }
-    except.insert(found->id);
+    except.insert(*found->id);
   }
   return nullptr;
 }

@@ -23,39 +23,48 @@ enum class Type : std::uint8_t {
 // "ZRVB": whoever begins with something else is lost here.
 constexpr std::uint32_t kMagic = 0x5a525642;
 
-void appendText(std::string& to, std::string_view text) {
-  appendNumber(to, static_cast<std::uint16_t>(text.size()));
-  to += text;
-}
-
 std::size_t textSize(std::string_view text) { return sizeof(std::uint16_t) + text.size(); }
 
-// What a frame begins with; its length is known when the rest is.
-constexpr std::size_t kLengthBytes = sizeof(std::uint32_t);
+/** The bytes of a frame up to its data, whose number is known before. */
+class Head {
+ public:
+  /**
+   * @param fields bytes of its fields.
+   * @param data bytes that are sent behind it.
+   */
+  Head(Type type, std::size_t fields, std::size_t data)
+      : bytes_(sizeof(std::uint32_t) + sizeof type + fields, '\0'), writer_(bytes_.data()) {
+    writer_.put(static_cast<std::uint32_t>(sizeof type + fields + data));
+    writer_.put(static_cast<std::uint8_t>(type));
+  }
 
-/** @returns the beginning of a frame, for fields of at most so many bytes. */
-std::string begun(Type type, std::size_t fields) {
-  std::string head;
-  head.reserve(kLengthBytes + 1 + fields);
-  head.append(kLengthBytes, '\0');
-  appendNumber(head, static_cast<std::uint8_t>(type));
-  return head;
-}
+  template <typename Number>
+  Head& put(Number number) {
+    writer_.put(number);
+    return *this;
+  }
 
-/** Puts the length before the fields of a frame. */
-std::string finished(std::string head, std::size_t dataSize) {
-  const auto length = static_cast<std::uint32_t>(head.size() - kLengthBytes + dataSize);
-  const auto bytes = bytesOf(length);
-  std::copy(bytes.begin(), bytes.end(), head.begin());
-  return head;
-}
+  Head& put(std::string_view text) {
+    writer_.put(static_cast<std::uint16_t>(text.size()));
+    writer_.put(text);
+    return *this;
+  }
+
+  Head& put(const MessageFrame& frame);
+
+  std::string take() { return std::move(bytes_); }
+
+ private:
+  std::string bytes_;
+  WireWriter writer_;
+};
 
 std::string greeting(Type type, std::uint16_t version, std::string_view id) {
-  std::string head = begun(type, sizeof kMagic + sizeof version + textSize(id));
-  appendNumber(head, kMagic);
-  appendNumber(head, version);
-  appendText(head, id);
-  return finished(std::move(head), 0);
+  return Head(type, sizeof kMagic + sizeof version + textSize(id), 0)
+      .put(kMagic)
+      .put(version)
+      .put(id)
+      .take();
 }
 
 std::size_t messageSize(const MessageFrame& frame) {
@@ -63,14 +72,10 @@ std::size_t messageSize(const MessageFrame& frame) {
          textSize(frame.from) + textSize(frame.to);
 }
 
-void appendMessage(std::string& to, const MessageFrame& frame) {
-  appendNumber(to, frame.chain);
-  appendNumber(to, static_cast<std::uint16_t>(frame.links.size()));
-  for (const std::uint64_t link : frame.links) {
-    appendNumber(to, link);
-  }
-  appendText(to, frame.from);
-  appendText(to, frame.to);
+Head& Head::put(const MessageFrame& frame) {
+  put(frame.chain).put(static_cast<std::uint16_t>(frame.links.size()));
+  for (const std::uint64_t link : frame.links) put(link);
+  return put(frame.from).put(frame.to);
 }
 
 MalformedFrame malformed(const char* what) { return {std::string("a frame that is no ") + what}; }
@@ -155,38 +160,32 @@ std::string encodeHead(const WelcomeFrame& frame) {
   return greeting(Type::Welcome, frame.version, frame.id);
 }
 
-std::string encodeHead(const CrossedFrame& /*frame*/) {
-  return finished(begun(Type::Crossed, 0), 0);
-}
+std::string encodeHead(const CrossedFrame& /*frame*/) { return Head(Type::Crossed, 0, 0).take(); }
 
 std::string encodeHead(const MessageFrame& frame) {
-  std::string head = begun(Type::Message, messageSize(frame));
-  appendMessage(head, frame);
-  return finished(std::move(head), frame.data.size());
+  return Head(Type::Message, messageSize(frame), frame.data.size()).put(frame).take();
 }
 
 std::string encodeHead(const RequestFrame& frame) {
-  std::string head = begun(Type::Request, sizeof frame.wireId + sizeof frame.requestId +
-                                              textSize(frame.interface) + textSize(frame.protocol) +
-                                              messageSize(frame.message));
-  appendNumber(head, frame.wireId);
-  appendNumber(head, frame.requestId);
-  appendText(head, frame.interface);
-  appendText(head, frame.protocol);
-  appendMessage(head, frame.message);
-  return finished(std::move(head), frame.message.data.size());
+  const MessageFrame& message = frame.message;
+  const std::size_t fields = sizeof frame.wireId + sizeof frame.requestId +
+                             textSize(frame.interface) + textSize(frame.protocol) +
+                             messageSize(message);
+  return Head(Type::Request, fields, message.data.size())
+      .put(frame.wireId)
+      .put(frame.requestId)
+      .put(frame.interface)
+      .put(frame.protocol)
+      .put(message)
+      .take();
 }
 
 std::string encodeHead(const ReplyFrame& frame) {
-  std::string head = begun(Type::Reply, sizeof frame.wireId);
-  appendNumber(head, frame.wireId);
-  return finished(std::move(head), frame.data.size());
+  return Head(Type::Reply, sizeof frame.wireId, frame.data.size()).put(frame.wireId).take();
 }
 
 std::string encodeHead(const FailureFrame& frame) {
-  std::string head = begun(Type::Failure, sizeof frame.wireId);
-  appendNumber(head, frame.wireId);
-  return finished(std::move(head), frame.error.size());
+  return Head(Type::Failure, sizeof frame.wireId, frame.error.size()).put(frame.wireId).take();
 }
 
 Frame decodeFrame(std::string_view body) {

@@ -26,13 +26,14 @@ std::optional<NameTable::Server> NameTable::find(const std::string& name,
   std::optional<Server> found;
   {
     const std::lock_guard lock(mutex_);
-    found = best(name, except);
+    Candidate candidate = best(name, except);
     // Who began before all files were read last has served longer than anybody who is not known.
     // Only whether it still does has to be asked then.
-    if (!found || !holdsStill(*found, name, complaints)) {
+    if (candidate.names == nullptr || !holdsStill(candidate, name, complaints)) {
       refreshAll(complaints);
-      found = best(name, except);
+      candidate = best(name, except);
     }
+    if (candidate.names != nullptr) found = {candidate.names->id(), candidate.since};
   }
   for (const std::string& complaint : complaints) {
     BUS_LOG(3, "%s", complaint.c_str());
@@ -45,29 +46,27 @@ void NameTable::forget(const std::string& id) {
   peers_.erase(id);
 }
 
-std::optional<NameTable::Server> NameTable::best(const std::string& name,
-                                                 const std::set<std::string>& except) const {
-  std::optional<Server> best;
+NameTable::Candidate NameTable::best(const std::string& name, const std::set<std::string>& except) {
+  Candidate best;
   // In the order of their ids, which decides between two that began at the same moment.
-  for (const auto& [id, names] : peers_) {
+  for (auto& [id, names] : peers_) {
     const auto since = names.servedSince(name);
-    if (since && (!best || *since < best->since) && !except.contains(id)) {
-      best = {id, *since};
+    if (since && (best.names == nullptr || *since < best.since) && !except.contains(id)) {
+      best = {&names, *since};
     }
   }
   return best;
 }
 
-bool NameTable::holdsStill(const Server& best, const std::string& name,
-                           std::vector<std::string>& complaints) {
+bool NameTable::holdsStill(const Candidate& best, const std::string& name,
+                           std::vector<std::string>& complaints) const {
   if (best.since >= refreshed_ || monotonicStamp() - refreshed_ > kFreshFor) {
     return false;
   }
-  PeerNames& names = peers_.at(best.id);
-  if (std::string complaint = names.refresh(); !complaint.empty()) {
+  if (std::string complaint = best.names->refresh(); !complaint.empty()) {
     complaints.push_back(std::move(complaint));
   }
-  return names.servedSince(name) == best.since;
+  return best.names->servedSince(name) == best.since;
 }
 
 void NameTable::refreshAll(std::vector<std::string>& complaints) {

@@ -24,7 +24,7 @@ class NameTable {
 
   /** A process that serves a name, and since when, in nanoseconds of the monotonic clock. */
   struct Server {
-    std::string id;
+    SharedName id;
     std::uint64_t since;
   };
 
@@ -39,9 +39,15 @@ class NameTable {
   void forget(const std::string& id);
 
  private:
-  std::optional<Server> best(const std::string& name, const std::set<std::string>& except) const;
-  bool holdsStill(const Server& best, const std::string& name,
-                  std::vector<std::string>& complaints);
+  /** One whose file told of a name when it was read last. */
+  struct Candidate {
+    PeerNames* names = nullptr;
+    std::uint64_t since = 0;
+  };
+
+  Candidate best(const std::string& name, const std::set<std::string>& except);
+  bool holdsStill(const Candidate& best, const std::string& name,
+                  std::vector<std::string>& complaints) const;
   void refreshAll(std::vector<std::string>& complaints);
 
   const BusDirectory& directory_;

@@ -313,8 +313,8 @@ void Peer::takeFrame(std::string_view body, const std::shared_ptr<Connection>& c
 }
 
 void Peer::take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection) {
-  Envelope envelope{sharedName(frame.from),
-                    sharedName(frame.to),
+  Envelope envelope{named(lastFrom_, frame.from),
+                    named(lastTo_, frame.to),
                     {},
                     std::make_shared<const std::string>(frame.data),
                     CallChain::ofOtherProcess(frame.chain, frame.links),
@@ -323,6 +323,12 @@ void Peer::take(const MessageFrame& frame, const std::shared_ptr<Connection>& co
                     {},
                     connection};
   takeEnvelope(envelope);
+}
+
+/** @returns a name that a message carries; mostly the same as the last one of this peer did. */
+const SharedName& Peer::named(SharedName& last, std::string_view name) {
+  if (last == nullptr || *last != name) last = sharedName(name);
+  return last;
 }
 
 /** @returns what a request calls; mostly the same as the last one of this peer did. */
@@ -337,8 +343,8 @@ Callee Peer::calleeIn(const RequestFrame& frame) {
 
 void Peer::take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection) {
   const MessageFrame& message = frame.message;
-  Envelope envelope{sharedName(message.from),
-                    sharedName(message.to),
+  Envelope envelope{named(lastFrom_, message.from),
+                    named(lastTo_, message.to),
                     calleeIn(frame),
                     std::make_shared<const std::string>(message.data),
                     CallChain::ofOtherProcess(message.chain, message.links),

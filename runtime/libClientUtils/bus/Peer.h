@@ -82,6 +82,7 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   void take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection);
   void take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection);
   Callee calleeIn(const RequestFrame& frame);
+  static const SharedName& named(SharedName& last, std::string_view name);
   void take(const ReplyFrame& frame);
   void take(const FailureFrame& frame);
   void takeEnvelope(Envelope& envelope);
@@ -106,6 +107,8 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
 
   // Of the thread that reads the connection once it is open.
   Callee lastCallee_;
+  SharedName lastFrom_;
+  SharedName lastTo_;
 };
 
 }  // namespace zerva

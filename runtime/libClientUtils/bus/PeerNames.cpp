@@ -13,8 +13,8 @@
 
 namespace zerva {
 
-PeerNames::PeerNames(const BusDirectory& directory, std::string id)
-    : directory_(directory), id_(std::move(id)) {}
+PeerNames::PeerNames(const BusDirectory& directory, std::string_view id)
+    : directory_(directory), id_(sharedName(id)) {}
 
 std::string PeerNames::refresh() {
   std::string complaint;
@@ -44,7 +44,7 @@ bool PeerNames::openCurrent(off_t& size, std::string& complaint) {
     size = status.st_size;
     return true;
   }
-  FileDescriptor current = directory_.open(BusDirectory::journalName(id_), O_RDONLY);
+  FileDescriptor current = directory_.open(BusDirectory::journalName(*id_), O_RDONLY);
   if (!current && errno != ENOENT) {
     // For lack of descriptors, for instance: what was known is better than nothing.
     complaint = complain("its file cannot be read: " + std::generic_category().message(errno));
@@ -71,7 +71,7 @@ std::string PeerNames::complain(const std::string& cause) {
   if (std::exchange(complained_, true)) {
     return {};
   }
-  return "the names of " + describeProcess(id_) + " are not known, " + cause;
+  return "the names of " + describeProcess(*id_) + " are not known, " + cause;
 }
 
 std::string PeerNames::readOn() {

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "runtime/libClientUtils/Envelope.h"
 #include "runtime/libClientUtils/bus/BusDirectory.h"
 #include "runtime/libClientUtils/bus/FileDescriptor.h"
 #include "runtime/libClientUtils/bus/NameRecords.h"
@@ -16,7 +18,10 @@ namespace zerva {
 class PeerNames {
  public:
   /** @param directory lives longer. */
-  PeerNames(const BusDirectory& directory, std::string id);
+  PeerNames(const BusDirectory& directory, std::string_view id);
+
+  /** @returns the bus name of the process. */
+  const SharedName& id() const { return id_; }
 
   /**
    * Reads what is new. Does not wait for the other process.
@@ -37,7 +42,7 @@ class PeerNames {
   std::string complain(const std::string& cause);
 
   const BusDirectory& directory_;
-  const std::string id_;
+  const SharedName id_;
   FileDescriptor file_;
   off_t offset_ = 0;
   bool complained_ = false;

@@ -12,7 +12,7 @@ namespace zerva {
 
 /** @returns who serves a channel, as `Destination::server` tells it. */
 inline std::string describe(const NameTable::Server& server) {
-  return server.id + " since " + std::to_string(server.since);
+  return *server.id + " since " + std::to_string(server.since);
 }
 
 /** The way to a channel of another process, for whoever has just looked it up. */

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -14,10 +15,9 @@ inline constexpr unsigned kBitsOfByte = 8;
 template <typename Number>
 std::array<char, sizeof(Number)> bytesOf(Number number) {
   std::array<char, sizeof(Number)> bytes{};
-  std::uint64_t left = number;
-  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) {
-    *byte = static_cast<char>(static_cast<unsigned char>(left));
-    left >>= kBitsOfByte;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    // In this form compilers make one swap of bytes of it.
+    bytes[i] = static_cast<char>(number >> (kBitsOfByte * (bytes.size() - 1 - i)) & 0xFF);
   }
   return bytes;
 }
@@ -28,6 +28,25 @@ void appendNumber(std::string& to, Number number) {
   const auto bytes = bytesOf(number);
   to.append(bytes.data(), bytes.size());
 }
+
+/** Writes numbers and texts one behind the other, into room that the caller has made for them. */
+class WireWriter {
+ public:
+  explicit WireWriter(char* to) : to_(to) {}
+
+  /** The most significant byte first. */
+  template <typename Number>
+  void put(Number number) {
+    const auto bytes = bytesOf(number);
+    to_ = std::copy(bytes.begin(), bytes.end(), to_);
+  }
+
+  /** Without its length. */
+  void put(std::string_view text) { to_ = std::copy(text.begin(), text.end(), to_); }
+
+ private:
+  char* to_;
+};
 
 /** Takes numbers and texts off the front of bytes that nobody vouches for. */
 class WireReader {
