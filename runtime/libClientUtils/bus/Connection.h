@@ -107,6 +107,7 @@ class ZERVA_EXPORT Connection final : public Input,
   using HandlerPointer = std::shared_ptr<const Handler>;
 
   bool beginReadingHere();
+  bool readOnce(Read& result);
   bool takeFrames();
   void fail(std::string why);
   HandlerPointer handler() const;
