@@ -25,8 +25,9 @@ struct InterceptedMessage {
  * Sees every message of the channels that were made with the dispatcher that it is added to.
  * Called on the thread that sends or receives, with no lock of the platform held, several at once;
  * it must not throw, waits for no reply and should return quickly. What comes from another process
- * is received by one of the platform's threads, or by any that waits for something from there. It
- * is called before the message goes on: whoever gets a request or a reply finds that it was seen.
+ * is received by one of the platform's threads, or by any that waits for something from there: take
+ * no lock that such a thread may hold. It is called before the message goes on: whoever gets a
+ * request or a reply finds that it was seen.
  */
 class ZERVA_EXPORT CCInterceptor {
  public:

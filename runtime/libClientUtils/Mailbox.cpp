@@ -367,7 +367,7 @@ Mailbox::Outstanding* Mailbox::startWaiting(std::uint32_t requestId,
   }
   found->second.waiter = Parker::ofThisThread();
   asked = found->second.asked.lock();
-  input = found->second.input;
+  input = found->second.input.lock();
   return &found->second;
 }
 

@@ -117,7 +117,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
 
     SharedName to;
     std::weak_ptr<Destination> asked;
-    std::shared_ptr<Input> input;  // where the answer comes from, when not from this process
+    std::weak_ptr<Input> input;  // where the answer comes from, when not from this process
     std::uint64_t answerer = 0;
     Clock::time_point deadline;
     std::shared_ptr<Parker> waiter;

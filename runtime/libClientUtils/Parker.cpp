@@ -3,6 +3,8 @@
 #include <poll.h>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -100,25 +102,39 @@ class Parker::Reading {
   int cancelState_ = PTHREAD_CANCEL_ENABLE;
 };
 
-bool Parker::park(Clock::time_point deadline, Input* input) { return parkUntil(&deadline, input); }
-
-void Parker::park() {
-  const std::shared_ptr<Input> input = work_.lock();
-  parkUntil(nullptr, input.get());
+bool Parker::park(Clock::time_point deadline, Input* input) {
+  if (takeToken()) return true;
+  bool came = false;
+  if (readAt(input, &deadline, came)) return came;
+  return linger(nullptr) || sleep(&deadline);
 }
 
-bool Parker::parkUntil(const Clock::time_point* deadline, Input* input) {
-  if (takeToken()) return true;
-  if (mayRead(input)) {
-    if (const Reading reading(*input); reading) return linger(input) || sleepAt(*input, deadline);
-  }
-  return linger(nullptr) || sleep(deadline);
+void Parker::park() {
+  if (takeToken()) return;
+  bool came = false;
+  // Kept only while it is read: the thread may then sleep for as long as the process lives.
+  if (readAt(work_.lock().get(), nullptr, came)) return;
+  if (!linger(nullptr)) sleep(nullptr);
+}
+
+/**
+ * Waits as the one who reads.
+ *
+ * @param came gets whether the thread was unparked or has read something.
+ * @returns false when somebody else reads, or there is nothing to be read.
+ */
+bool Parker::readAt(Input* input, const Clock::time_point* deadline, bool& came) {
+  if (!mayRead(input)) return false;
+  const Reading reading(*input);
+  if (!reading) return false;
+  came = linger(input) || sleepAt(*input, deadline);
+  return true;
 }
 
 bool Parker::mayRead(Input* input) {
   if (input == nullptr || std::exchange(leavesReading_, false)) return false;
   askSystem();
-  return !yieldsToAll_;
+  return !comesAfterOthers_;
 }
 
 void Parker::unpark() {
@@ -191,7 +207,9 @@ bool Parker::spin(Clock::time_point end, Input* input) {
 void Parker::askSystem() {
   if (untilAsked_ == 0) {
     several_ = mayUseSeveralProcessors();
-    yieldsToAll_ = ::sched_getscheduler(0) == SCHED_IDLE;
+    comesAfterOthers_ =
+        ::sched_getscheduler(0) == SCHED_IDLE ||
+        ::getpriority(PRIO_PROCESS, 0) > ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid()));
     untilAsked_ = kWaitsBetweenAsking;
   }
   --untilAsked_;
@@ -212,6 +230,8 @@ bool Parker::sleep(const Clock::time_point* deadline) {
 bool Parker::sleepAt(Input& input, const Clock::time_point* deadline) {
   while (pollAt(input, deadline)) {
     if (look(&input)) return true;
+    // What comes in pieces comes for as long as the other side likes.
+    if (deadline != nullptr && Clock::now() >= *deadline) break;
   }
   return takeToken();
 }

@@ -68,7 +68,7 @@ class ZERVA_EXPORT Parker {
  private:
   class Reading;
 
-  bool parkUntil(const Clock::time_point* deadline, Input* input);
+  bool readAt(Input* input, const Clock::time_point* deadline, bool& came);
   bool mayRead(Input* input);
   bool takeToken();
   bool look(Input* input);
@@ -87,10 +87,10 @@ class ZERVA_EXPORT Parker {
   // times it is left out yet. Most threads that are made have nothing to do at first.
   unsigned inVain_ = 0;
   unsigned leftOut_ = 1;
-  // What the system says: whether there is another processor, and whether the thread runs only when
-  // no other wants to; and how many times that is believed yet.
+  // What the system says: whether there is another processor, and whether the thread is given less
+  // of one than others of the process; and how many times that is believed yet.
   bool several_ = false;
-  bool yieldsToAll_ = false;
+  bool comesAfterOthers_ = false;
   unsigned untilAsked_ = 0;
   // Where its work comes from, and whether it leaves the next reading to others.
   std::weak_ptr<Input> work_;

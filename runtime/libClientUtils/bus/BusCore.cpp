@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libClientUtils/bus/BusId.h"
 #include "runtime/libClientUtils/bus/BusLog.h"
 #include "runtime/libClientUtils/bus/Frames.h"
@@ -121,6 +122,7 @@ void BusCore::close() {
     peer->end("the bus of this process was closed before " + describeProcess(peer->id()) +
               " answered");
   }
+  const Waiting waiting("what has come from other processes to be handed on");
   for (const auto& peer : all) {
     peer->waitForReader();
   }

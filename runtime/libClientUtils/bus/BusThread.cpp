@@ -14,7 +14,8 @@ namespace zerva {
 
 namespace {
 
-// Requests are delivered on it, which calls interceptors of others and may start threads.
+// All is delivered on it that no waiting thread reads, which calls interceptors of others and may
+// start threads.
 constexpr int kStack = 512 * 1024;
 
 }  // namespace

@@ -41,11 +41,8 @@ void Connection::start() {
 }
 
 void Connection::share() {
-  // Without memory or a descriptor for it the bus thread reads everything.
-  exceptionOf([this] {
-    const std::lock_guard lock(mutex_);
-    line_.emplace();
-  });
+  const std::lock_guard lock(mutex_);
+  shared_ = true;
 }
 
 void Connection::close() {
@@ -66,10 +63,12 @@ void Connection::waitForReader() {
   readerGone_.wait(lock, [this] { return !reading_; });
 }
 
-/** Under the lock, while nobody reads. */
+/** Under the lock, while nobody reads. Some may still know the connection for long. */
 void Connection::releaseSocket() {
   if (watched_) watch_->remove(socket_.get(), *std::exchange(watched_, std::nullopt));
   socket_.reset();
+  line_.reset();
+  frames_ = FrameBuffer(0);
 }
 
 /** Under the lock: has the bus thread told of what is of use now. */
@@ -79,10 +78,17 @@ void Connection::awaitMore() const {
 
 bool Connection::beginReading() {
   const std::lock_guard lock(mutex_);
-  if (closed_ || reading_ || !line_ || line_->descriptor() < 0) return false;
+  if (closed_ || failed_ || reading_ || !shared_ || !hasLine()) return false;
   reading_ = true;
   awaitMore();
   return true;
+}
+
+/** Under the lock. Without memory or a descriptor for a line the bus thread reads everything. */
+bool Connection::hasLine() {
+  if (!line_) exceptionOf([this] { line_.emplace(); });
+  if (line_ && line_->descriptor() < 0) line_.reset();
+  return line_.has_value();
 }
 
 /** On the bus thread, that was told and is not told again before it has read. */
@@ -106,13 +112,18 @@ void Connection::endReading() {
 
 Input::Read Connection::read() {
   Read result = Read::Nothing;
-  const auto error = exceptionOf([&] {
-    // As long as it comes faster than it is taken: to ask for the rest to be looked after, and then
-    // no more, would wake the bus thread each time.
-    for (int reads = kReadsAtOnce; reads > 0 && readOnce(result); --reads) continue;
+  std::optional<std::string> error;
+  auto noWords = exceptionOf([&] {
+    error = exceptionOf([&] {
+      // As long as it comes faster than it is taken: to ask for the rest to be looked after, and
+      // then no more, would wake the bus thread each time.
+      for (int reads = kReadsAtOnce; reads > 0 && readOnce(result); --reads) continue;
+    });
   });
+  // There is no memory then for what is wrong.
+  if (noWords) error.swap(noWords);
   if (!error) return result;
-  fail(*error);
+  fail(*std::move(error));
   return Read::Ended;
 }
 
@@ -155,7 +166,13 @@ bool Connection::takeFrames() {
 void Connection::fail(std::string why) {
   failure_ = std::move(why);
   const std::lock_guard lock(mutex_);
+  failed_ = true;
   ::shutdown(socket_.get(), SHUT_RD);
+}
+
+bool Connection::hasFailed() const {
+  const std::lock_guard lock(mutex_);
+  return failed_;
 }
 
 Connection::HandlerPointer Connection::handler() const {
@@ -183,7 +200,7 @@ void Connection::tellWritable() {
 }
 
 void Connection::readHere() {
-  const Read result = failure_.empty() ? read() : Read::Ended;
+  const Read result = hasFailed() ? Read::Ended : read();
   if (result != Read::Ended) {
     endReading();
     return;

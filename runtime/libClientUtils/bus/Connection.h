@@ -109,7 +109,9 @@ class ZERVA_EXPORT Connection final : public Input,
   bool beginReadingHere();
   bool readOnce(Read& result);
   bool takeFrames();
+  bool hasLine();
   void fail(std::string why);
+  bool hasFailed() const;
   HandlerPointer handler() const;
   void tellWritable();
   void readHere();
@@ -120,7 +122,7 @@ class ZERVA_EXPORT Connection final : public Input,
 
   // Of the thread that reads.
   FrameBuffer frames_;
-  std::string failure_;  // why nothing is read any more; empty when nothing is wrong
+  std::string failure_;  // why nothing is read any more, once it has failed
 
   mutable std::mutex mutex_;
   std::condition_variable readerGone_;
@@ -129,7 +131,9 @@ class ZERVA_EXPORT Connection final : public Input,
   std::optional<std::uint64_t> watched_;
   HandlerPointer handler_;
   std::optional<WakeLine> line_;
+  bool shared_ = false;
   bool reading_ = false;
+  bool failed_ = false;
   bool wantsToSend_ = false;
   bool closed_ = false;
 };

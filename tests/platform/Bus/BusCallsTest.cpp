@@ -191,6 +191,8 @@ TEST_F(TheBus, GivesEachOfAHundredThreadsItsOwnReply) {
 TEST_F(TheBus, CarriesCallsOfManyThreadsInBothDirectionsAtOnce) {
   constexpr std::size_t kThreads = 8;
   constexpr int kRounds = 100;
+  // So long that a thread that is not woken is noticed.
+  const ReplyTimeoutOf late(std::chrono::hours(24));
   serve("/here/st", Mode::ST, [](const std::string& request) { return request; });
   serve("/here/mt", Mode::MT, [](const std::string& request) { return request; });
   const BusPartner partner(path, "/partner");
@@ -286,6 +288,33 @@ TEST_F(TheBus, LetsAServicesThreadReadItsNextRequest) {
     executor.shutdown();
   }
   EXPECT_TRUE(reader.servesNobody());
+  dispatcher.removeInterceptor(&reader);
+}
+
+// What an interceptor does there would count as the service's.
+TEST_F(TheBus, LetsAThreadThatReadsServeNothingMeanwhile) {
+  Reader reader;
+  CCInterceptorDispatcher dispatcher;
+  dispatcher.addInterceptor(&reader);
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve ask MT /ask");
+  std::atomic<std::thread::id> waiting;
+  serve("/waits", Mode::ST, [&](const std::string&) {
+    waiting = std::this_thread::get_id();
+    return ask("/ask", "/seen|x").data;
+  });
+  ScriptedService service([](const std::string& request) { return request; });
+  ServiceExecutor seen(&service, new CommsChannel("/seen", &dispatcher), "Ifc", &world.context,
+                       &world.pool, nullptr, false);
+  ExecutorWorld::start(seen);
+
+  EXPECT_TRUE(waitUntil([&] {
+    EXPECT_EQ(ask("/waits", "").data, "x");
+    return reader.thread() == waiting.load();
+  }));
+
+  EXPECT_TRUE(reader.servesNobody());
+  seen.shutdown();
   dispatcher.removeInterceptor(&reader);
 }
 

@@ -172,12 +172,28 @@ TEST_F(AConnection, WithSomethingWrong_IsEndedOnTheBusThreadThatIsToldWhat) {
   EXPECT_EQ(sut->read(), Input::Read::Ended);
   sut->endReading();
   EXPECT_EQ(ended, Texts{});
+  // What came behind it is for nobody.
+  EXPECT_FALSE(sut->beginReading());
 
   runBusThread();
 
   EXPECT_EQ(ended, Texts{"it sent nonsense"});
   EXPECT_EQ(taken, Texts{});
   EXPECT_TRUE(isClosed());
+}
+
+TEST_F(AConnection, WithSomethingWrongThatHasNoWords_IsEndedToo) {
+  whenTaken = [] { throw std::runtime_error(""); };
+  ASSERT_TRUE(sut->beginReading());
+  say(frame("one") + frame("two"));
+  EXPECT_EQ(sut->read(), Input::Read::Ended);
+  whenTaken = nullptr;
+  sut->endReading();
+
+  runBusThread();
+
+  EXPECT_EQ(ended, Texts{""});
+  EXPECT_EQ(taken, Texts{});
 }
 
 TEST_F(AConnection, WithAFrameThatIsTooLong_IsEnded) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -12,6 +13,15 @@
 namespace {
 
 using namespace zerva;
+
+/** One that says more than fits without memory, of which there is none when it is asked. */
+class WordyError final : public std::exception {
+ public:
+  const char* what() const noexcept override {
+    letAllocationFail(1);
+    return "it sent something that is much too wrong";
+  }
+};
 
 // It stayed as it was, half made: nothing that came was read, and whoever waited for an answer from
 // the other process waited for the reply time-out, again and again.
@@ -37,6 +47,35 @@ TEST(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
   EXPECT_EQ(error, std::nullopt);
   EXPECT_EQ(ended, "std::bad_alloc");
   EXPECT_TRUE(sut->hungUp());
+}
+
+// The turn to read was never given back, and whoever waited for its end waited for ever.
+TEST(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
+  const auto context = std::make_shared<asio::io_context>(1);
+  const auto watch = std::make_shared<SocketWatch>(context);
+  watch->start();
+  int sockets[2] = {};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
+  const FileDescriptor other(sockets[1]);
+  const auto sut =
+      std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
+  std::string ended = "not yet";
+  sut->setHandler({[](std::string_view) { throw WordyError(); },
+                   [&](const std::string& why) { ended = why; },
+                   {}},
+                  kMaximumFrame);
+  sut->start();
+  sut->share();
+  ASSERT_EQ(::send(other.get(), "\0\0\0\1x", 5, 0), 5);
+  ASSERT_TRUE(sut->beginReading());
+
+  EXPECT_EQ(sut->read(), Input::Read::Ended);
+
+  EXPECT_FALSE(allocationIsToFail());
+  sut->endReading();
+  context->poll();
+  EXPECT_EQ(ended, "std::bad_alloc");
+  sut->waitForReader();
 }
 
 }  // namespace

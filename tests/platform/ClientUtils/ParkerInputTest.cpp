@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
@@ -19,7 +20,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-Clock::time_point late() { return Clock::now() + patience(); }
+// So late that a thread that is not woken is noticed.
+Clock::time_point late() { return Clock::now() + std::chrono::hours(24); }
 
 /** A pipe whose bytes are messages; each is handed to a function. */
 class PipeInput final : public Input {
@@ -34,7 +36,9 @@ class PipeInput final : public Input {
     finish();
   }
 
-  void say(char message) const { EXPECT_EQ(::write(ends_[1], &message, 1), 1); }
+  void say(char message) const {
+    while (::write(ends_[1], &message, 1) < 0) std::this_thread::yield();  // it is full
+  }
 
   /** Nothing comes any more. */
   void finish() {
@@ -203,6 +207,24 @@ TEST_F(AParkerAtAnInput, ThatIsGone_IsNotKept) {
   sut.park();
 }
 
+TEST_F(AParkerAtAnInput, ThatEndsWhileItsThreadHasNothingToDo_IsNotKept) {
+  auto shared = std::make_shared<PipeInput>([](char) {});
+  const std::weak_ptr<PipeInput> seen = shared;
+  std::thread idle([&] {
+    sut.isGivenWorkFrom(shared);
+    shared->finish();
+    sut.park();  // has ended
+    sut.park();
+  });
+  EXPECT_TRUE(waitUntil([&] { return shared->timesBegun() == 1 && !shared->isRead(); }));
+  shared.reset();
+
+  EXPECT_TRUE(waitUntil([&] { return seen.expired(); }));
+
+  sut.unpark();
+  idle.join();
+}
+
 // It would keep others from what it has read for as long as any other thread has something to do.
 TEST_F(AParkerAtAnInput, WhoseThreadRunsOnlyWhenNoOtherDoes_DoesNotRead) {
   std::thread([&] {
@@ -212,6 +234,38 @@ TEST_F(AParkerAtAnInput, WhoseThreadRunsOnlyWhenNoOtherDoes_DoesNotRead) {
     EXPECT_FALSE(sut.park(Clock::now() + milliseconds(5), &input));
   }).join();
   EXPECT_EQ(input.timesBegun(), 0);
+}
+
+TEST_F(AParkerAtAnInput, WhoseThreadIsNicerThanOthers_DoesNotRead) {
+  std::thread([&] {
+    ASSERT_EQ(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 19), 0);
+    input.say('m');
+    EXPECT_FALSE(sut.park(Clock::now() + milliseconds(5), &input));
+  }).join();
+  EXPECT_EQ(input.timesBegun(), 0);
+}
+
+TEST_F(AParkerAtAnInput, KeepsItsDeadlineHoweverMuchComesThatIsNothingWhole) {
+  std::atomic<bool> over{false};
+  std::thread sender([&] {
+    while (!over) input.say(PipeInput::kPart);
+  });
+  EXPECT_FALSE(sut.park(Clock::now() + milliseconds(20), &input));
+  over = true;
+  sender.join();
+}
+
+// Whoever comes next finds the thread unparked already, and does not wake it either.
+TEST_F(AParkerAtAnInput, IsUnparkedByAThreadThatIsToBeEnded) {
+  std::thread other([&] {
+    EXPECT_TRUE(waitUntil([&] { return input.isRead(); }));
+    std::this_thread::sleep_for(milliseconds(2));
+    ::pthread_cancel(::pthread_self());
+    sut.unpark();
+    ::pthread_testcancel();
+  });
+  EXPECT_TRUE(sut.park(late(), &input));
+  other.join();
 }
 
 TEST_F(AParkerAtAnInput, DoesNotEndItsThreadThatIsToBeEndedBeforeItHasReturned) {
