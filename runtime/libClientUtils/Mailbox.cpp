@@ -26,31 +26,55 @@ std::uint64_t newNumber() {
 
 }  // namespace
 
-/** While it lives, a delivery to the mailbox is under way. Made under the lock. */
+/**
+ * While it lives, somebody uses the receiver or the dispatcher; the channel's end waits for that.
+ * It is counted first and looked for a receiver then, so that whoever closes the mailbox either
+ * finds it counted, or has it find no receiver.
+ */
 class Mailbox::Delivery {
  public:
-  explicit Delivery(Mailbox& mailbox) : mailbox_(mailbox) { ++mailbox_.deliveries_; }
+  explicit Delivery(const Mailbox& mailbox) : mailbox_(mailbox) { ++mailbox_.deliveries_; }
   ~Delivery() {
-    const std::lock_guard lock(mailbox_.mutex_);
-    if (--mailbox_.deliveries_ == 0) {
+    if (--mailbox_.deliveries_ == 0 && mailbox_.closed_) {
+      const std::lock_guard lock(mailbox_.mutex_);
       mailbox_.delivered_.notify_all();
     }
   }
   Delivery(const Delivery&) = delete;
   Delivery& operator=(const Delivery&) = delete;
 
+  /** @returns who takes requests now; null for nobody. */
+  RequestReceiver* receiver() const {
+    return mailbox_.served_ ? mailbox_.receiver_.get() : nullptr;
+  }
+
  private:
-  Mailbox& mailbox_;
+  const Mailbox& mailbox_;
+};
+
+/** A thread's wait for the end of a request. Whoever ends the request writes it. */
+struct Mailbox::Wait {
+  std::shared_ptr<Destination> asked;
+  std::shared_ptr<Input> input;
+  Clock::time_point deadline;
+  std::shared_ptr<Parker> parker;
+  std::atomic<bool> ended{false};
+  Outcome outcome;  // once it has ended
 };
 
 /** Sees to it that a request is not outstanding any more when its wait ends, however it ends. */
 class Mailbox::Forgetting {
  public:
-  Forgetting(Mailbox& mailbox, std::uint32_t requestId)
-      : mailbox_(mailbox), requestId_(requestId) {}
+  Forgetting(Mailbox& mailbox, std::uint32_t requestId, const Wait& wait)
+      : mailbox_(mailbox), requestId_(requestId), wait_(wait) {}
   ~Forgetting() {
+    if (wait_.ended) {
+      return;
+    }
     const std::lock_guard lock(mailbox_.mutex_);
-    mailbox_.outstanding_.erase(requestId_);
+    if (!wait_.ended) {
+      mailbox_.forget(mailbox_.outstanding_.find(requestId_));
+    }
   }
   Forgetting(const Forgetting&) = delete;
   Forgetting& operator=(const Forgetting&) = delete;
@@ -58,6 +82,7 @@ class Mailbox::Forgetting {
  private:
   Mailbox& mailbox_;
   const std::uint32_t requestId_;
+  const Wait& wait_;
 };
 
 Mailbox::Mailbox(const std::string& name, CCInterceptorDispatcher* dispatcher)
@@ -66,7 +91,8 @@ Mailbox::Mailbox(const std::string& name, CCInterceptorDispatcher* dispatcher)
 Mailbox::~Mailbox() = default;
 
 Mailbox::Serves Mailbox::serves(const Executable* object) const {
-  const auto serving = receiver();
+  const Delivery delivery(*this);
+  const RequestReceiver* const serving = delivery.receiver();
   if (serving == nullptr) {
     return Serves::Another;
   }
@@ -83,7 +109,7 @@ void Mailbox::serveWith(std::shared_ptr<RequestReceiver> receiver) {
       return;
     }
     receiver_ = std::move(receiver);
-    served_.store(true, std::memory_order_release);
+    served_ = true;
   }
   ChannelDirectory::instance().servedMayHaveChanged(name());
 }
@@ -91,18 +117,15 @@ void Mailbox::serveWith(std::shared_ptr<RequestReceiver> receiver) {
 /** @returns whether an interceptor is to be told of what the channel does. */
 bool Mailbox::isSeen() const { return dispatcher_ != nullptr && dispatcher_->hasInterceptors(); }
 
-std::shared_ptr<RequestReceiver> Mailbox::receiver() const {
-  const std::lock_guard lock(mutex_);
-  return receiver_;
-}
-
 std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
+  auto destination = ChannelDirectory::instance().find(textOf(to));
+  ReplyTicket ticket;
   if (requestId != 0) {
-    if (std::string error = expect(requestId, to); !error.empty()) {
+    if (std::string error = expect(requestId, to, destination, ticket); !error.empty()) {
       return error;
     }
-  } else if (const std::lock_guard lock(mutex_); closed_) {
+  } else if (closed_) {
     return "channel '" + name() + "' is closed";
   }
   const CallChain& served = servingThread().chain();
@@ -111,48 +134,52 @@ std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload da
                     callee,
                     std::move(data),
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
-                    {},
+                    std::move(ticket),
                     nullptr,
                     {},
                     nullptr};
+  std::string error;
   if (envelope.chain.length() > kMaximumChainLength) {
-    return endWith(requestId, "more than " + std::to_string(kMaximumChainLength) +
-                                  " requests wait for one another before channel '" + textOf(to) +
-                                  "'");
+    error = "more than " + std::to_string(kMaximumChainLength) +
+            " requests wait for one another before channel '" + textOf(to) + "'";
+  } else {
+    if (isSeen()) {
+      dispatcher_->dispatchSent({name(), textOf(to), sizeOf(envelope.data), requestId, false, {}});
+    }
+    error = deliverTo(std::move(destination), envelope);
   }
-  if (isSeen()) {
-    dispatcher_->dispatchSent({name(), textOf(to), sizeOf(envelope.data), requestId, false, {}});
+  if (!error.empty()) {
+    envelope.ticket.cancel();
+    failUnsent(requestId, error);
   }
-  return endWith(requestId, deliverTo(envelope, requestId));
+  return error;
 }
 
 /** @returns why nobody takes the message; empty when somebody did. */
-std::string Mailbox::deliverTo(Envelope& envelope, std::uint32_t requestId) {
-  // One that closes at this moment is not found again; a younger one of the name may be.
-  while (const auto destination = ChannelDirectory::instance().find(envelope.to())) {
-    if (requestId != 0) {
-      envelope.ticket = ReplyTicket(weak_from_this(), requestId);
-      envelope.ticket.answerAs(aimAt(requestId, destination));
-    }
+std::string Mailbox::deliverTo(std::shared_ptr<Destination> destination, Envelope& envelope) {
+  while (destination != nullptr) {
     if (destination->deliver(envelope)) {
       return {};
     }
-    envelope.ticket.cancel();
     if (!envelope.refusal.empty()) {
       return envelope.refusal;
+    }
+    // One that closes at this moment is not found again; a younger one of the name may be.
+    destination = ChannelDirectory::instance().find(envelope.to());
+    if (const std::uint32_t requestId = envelope.ticket.requestId(); requestId != 0) {
+      envelope.ticket.cancel();
+      envelope.ticket = aimAgain(requestId, destination);
     }
   }
   return "nobody serves channel '" + envelope.to() + "'";
 }
 
 bool Mailbox::deliver(Envelope& envelope) {
-  std::unique_lock lock(mutex_);
-  const std::shared_ptr<RequestReceiver> taker = receiver_;
+  const Delivery delivery(*this);
+  RequestReceiver* const taker = delivery.receiver();
   if (taker == nullptr) {
     return false;
   }
-  const Delivery delivery(*this);
-  lock.unlock();
   // Told before the request is handed over, so that it is seen before its reply.
   if (envelope.expiry == nullptr && isSeen()) {
     dispatcher_->dispatchReceived(
@@ -164,7 +191,8 @@ bool Mailbox::deliver(Envelope& envelope) {
 std::string Mailbox::server() const { return "here " + std::to_string(number_); }
 
 bool Mailbox::waitsForCaller() const {
-  const auto serving = receiver();
+  const Delivery delivery(*this);
+  const RequestReceiver* const serving = delivery.receiver();
   return serving != nullptr && serving->waitsForCaller();
 }
 
@@ -188,17 +216,16 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
   std::shared_ptr<Parker> waiter;
   {
     std::unique_lock lock(mutex_);
-    Outstanding* request = awaited(requestId, answerer);
+    auto request = awaited(requestId, answerer);
     // While a request is awaited the channel is there, and so is its dispatcher.
-    if (request != nullptr && isSeen()) {
+    if (request != outstanding_.end() && isSeen()) {
       tellReceived(lock, requestId, sizeOf(data), error);
       request = awaited(requestId, answerer);  // it may have been given up meanwhile
     }
-    if (request == nullptr) {
+    if (request == outstanding_.end()) {
       return;
     }
-    request->end({std::move(data), error});
-    waiter = request->waiter;
+    waiter = end(request, {std::move(data), error});
   }
   if (waiter != nullptr) {
     waiter->unpark();
@@ -229,62 +256,81 @@ void Mailbox::tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t req
 }
 
 /**
- * @returns, under the lock, the request that a reply is for; null when nobody waits any more, or
+ * @returns, under the lock, the request that a reply is for; none when nobody waits any more, or
  *     when it is the reply to an earlier request with that id, or to nothing that was asked.
  */
-Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t answerer) {
+Mailbox::Requests::iterator Mailbox::awaited(std::uint32_t requestId, std::uint64_t answerer) {
   const auto found = outstanding_.find(requestId);
   const bool waitsForIt =
-      found != outstanding_.end() && !found->second.ended && found->second.answerer == answerer;
-  return waitsForIt ? &found->second : nullptr;
-}
-
-Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
-  std::string error;
-  std::shared_ptr<Destination> asked;
-  std::shared_ptr<Input> input;
-  Outstanding* const request = startWaiting(requestId, asked, input, error);
-  if (request == nullptr) {
-    return {nullptr, std::move(error)};
-  }
-  const Forgetting forgetting(*this, requestId);
-  if (!request->ended && asked != nullptr && asked->waitsForCaller()) {
-    error = "channel '" + textOf(request->to) +
-            "' answers only after the waiting thread has started it";
-  } else if (!request->ended) {
-    asked.reset();
-    error = waitFor(*request, input.get());
-  }
-  // One that ended at the last moment has ended.
-  return request->ended ? std::move(request->outcome) : Outcome{nullptr, std::move(error)};
+      found != outstanding_.end() && !found->second.outcome && found->second.answerer == answerer;
+  return waitsForIt ? found : outstanding_.end();
 }
 
 /**
- * Waits until a request has ended.
+ * Ends a request that has not ended yet, under the lock.
  *
- * @param input where its answer comes from; null when from this process.
- * @returns why nobody waits any longer when it has not.
+ * @returns whom to unpark without the lock; null for nobody.
  */
-std::string Mailbox::waitFor(const Outstanding& request, Input* input) {
+std::shared_ptr<Parker> Mailbox::end(Requests::iterator which, Outcome how) {
+  Wait* const wait = which->second.wait;
+  if (wait == nullptr) {
+    which->second.outcome = std::move(how);
+    return nullptr;
+  }
+  forget(which);
+  std::shared_ptr<Parker> waiter = std::move(wait->parker);
+  wait->outcome = std::move(how);
+  wait->ended.store(true, std::memory_order_release);  // from here on it may be gone
+  return waiter;
+}
+
+Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
+  Wait wait;
+  if (std::string error = startWaiting(requestId, wait); !error.empty()) {
+    return {nullptr, std::move(error)};
+  }
+  const Forgetting forgetting(*this, requestId, wait);
+  std::string error = waitFor(requestId, wait);
+  // One that ended at the last moment has ended.
+  return wait.ended ? std::move(wait.outcome) : Outcome{nullptr, std::move(error)};
+}
+
+/** Waits until a request has ended. @returns why nobody waits any longer when it has not. */
+std::string Mailbox::waitFor(std::uint32_t requestId, Wait& wait) {
+  if (wait.ended) {
+    return {};
+  }
+  if (const auto asked = std::move(wait.asked); asked != nullptr && asked->waitsForCaller()) {
+    return "channel '" + channelAsked(requestId) +
+           "' answers only after the waiting thread has started it";
+  }
   ServingThread& thread = servingThread();
-  Parker& parker = *request.waiter;
+  Parker& parker = *Parker::ofThisThread();
   const WaitingScope waiting;
   bool inTime = true;
-  while (!request.ended) {
+  while (!wait.ended) {
     if (thread.serving != nullptr && thread.serving->isShutDown()) {
-      return "the service that waits for channel '" + textOf(request.to) + "' was shut down";
+      return "the service that waits for channel '" + channelAsked(requestId) + "' was shut down";
     }
     if (!inTime) {
-      return "channel '" + textOf(request.to) + "' did not answer in time";
+      return "channel '" + channelAsked(requestId) + "' did not answer in time";
     }
     if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
-      inTime = parker.park(request.deadline, input);
+      inTime = parker.park(wait.deadline, wait.input.get());
     }
   }
   return {};
 }
 
-std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to) {
+/**
+ * Notes a request that is to be sent.
+ *
+ * @param asked who is asked; null when nobody is found.
+ * @param ticket gets the obligation to answer.
+ * @returns why it cannot be sent; empty when it can.
+ */
+std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to,
+                            const std::shared_ptr<Destination>& asked, ReplyTicket& ticket) {
   const auto now = Clock::now();
   const std::lock_guard lock(mutex_);
   if (closed_) {
@@ -293,93 +339,122 @@ std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to) {
   if (outstanding_.size() >= kManyOutstanding) {
     dropForgotten(now);
   }
-  const auto [place, isNew] = outstanding_.try_emplace(requestId);
+  const auto [request, isNew] = place(requestId);
   if (!isNew) {
     return "request " + std::to_string(requestId) + " of channel '" + name() +
            "' is outstanding already";
   }
-  place->second.deadline = now + replyTimeout();
-  place->second.to = to;
+  request->second.deadline = now + replyTimeout();
+  request->second.to = to;
+  ticket = aimAt(*request, asked);
   return {};
 }
 
-/**
- * Notes who is asked.
- *
- * @returns what only the reply to this very request can know: its id may be used again before a
- *     late reply comes, which whoever is asked now may have been asked for, too.
- */
-std::uint64_t Mailbox::aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
-  const std::lock_guard lock(mutex_);
-  const std::uint64_t answerer = ++lastAnswerer_;
-  const auto found = outstanding_.find(requestId);
-  if (found != outstanding_.end()) {
-    found->second.asked = asked;
-    found->second.input = asked->input();
-    found->second.answerer = answerer;
+/** Makes room for a request, under the lock. @returns where, and whether it is not there yet. */
+std::pair<Mailbox::Requests::iterator, bool> Mailbox::place(std::uint32_t requestId) {
+  if (spare_.empty()) {
+    return outstanding_.try_emplace(requestId);
   }
-  return answerer;
+  spare_.key() = requestId;
+  auto placed = outstanding_.insert(std::move(spare_));
+  spare_ = std::move(placed.node);
+  return {placed.position, placed.inserted};
 }
 
-/** Ends a request that could not be delivered, if there is an error; the waiter finds the same. */
-std::string Mailbox::endWith(std::uint32_t requestId, const std::string& error) {
-  if (error.empty()) {
-    return {};
-  }
+/**
+ * Notes, under the lock, who is asked.
+ *
+ * @returns the obligation to answer. Only the reply to this very request can know what it is
+ *     answered as: the id may be used again before a late reply comes, which whoever is asked now
+ *     may have been asked for, too.
+ */
+ReplyTicket Mailbox::aimAt(Requests::value_type& request,
+                           const std::shared_ptr<Destination>& asked) {
+  request.second.asked = asked;
+  request.second.input = asked != nullptr ? asked->input() : nullptr;
+  request.second.answerer = ++lastAnswerer_;
+  ReplyTicket ticket(shared_from_this(), request.first);
+  ticket.answerAs(request.second.answerer);
+  return ticket;
+}
+
+/** Notes that another one is asked, since the one before did not take the request. */
+ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
+  const std::lock_guard lock(mutex_);
+  const auto found = outstanding_.find(requestId);
+  return found != outstanding_.end() ? aimAt(*found, asked) : ReplyTicket();
+}
+
+/** Ends a request that could not be delivered: who waits for it finds out why. */
+void Mailbox::failUnsent(std::uint32_t requestId, const std::string& error) {
   std::shared_ptr<Parker> waiter;
   {
     const std::lock_guard lock(mutex_);
     const auto found = outstanding_.find(requestId);
-    if (requestId != 0 && found != outstanding_.end() && !found->second.ended) {
-      found->second.end({nullptr, error});
-      waiter = found->second.waiter;
+    if (requestId != 0 && found != outstanding_.end() && !found->second.outcome) {
+      waiter = end(found, {nullptr, error});
     }
   }
   // Another thread may wait for it already.
   if (waiter != nullptr) {
     waiter->unpark();
   }
-  return error;
 }
 
-/**
- * @returns the request, which stays where it is until the calling thread forgets it; null when it
- *     cannot be waited for.
- * @param asked gets who was asked.
- * @param input gets where the answer comes from, when not from this process.
- * @param error gets why it cannot be waited for.
- */
-Mailbox::Outstanding* Mailbox::startWaiting(std::uint32_t requestId,
-                                            std::shared_ptr<Destination>& asked,
-                                            std::shared_ptr<Input>& input, std::string& error) {
+/** @returns why a request cannot be waited for; empty when it can, or has ended already. */
+std::string Mailbox::startWaiting(std::uint32_t requestId, Wait& wait) {
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
   if (found == outstanding_.end()) {
-    error = closed_ ? "channel '" + name() + "' is closed"
-                    : "request " + std::to_string(requestId) + " of channel '" + name() +
-                          "' is not outstanding";
-    return nullptr;
+    return closed_ ? "channel '" + name() + "' is closed"
+                   : "request " + std::to_string(requestId) + " of channel '" + name() +
+                         "' is not outstanding";
   }
-  if (found->second.waiter != nullptr) {
-    error = "another thread waits for request " + std::to_string(requestId) + " of channel '" +
-            name() + "'";
-    return nullptr;
+  Outstanding& request = found->second;
+  if (request.wait != nullptr) {
+    return "another thread waits for request " + std::to_string(requestId) + " of channel '" +
+           name() + "'";
   }
-  found->second.waiter = Parker::ofThisThread();
-  asked = found->second.asked.lock();
-  input = found->second.input.lock();
-  return &found->second;
+  if (request.outcome) {
+    wait.outcome = *std::move(request.outcome);
+    wait.ended = true;
+    forget(found);
+    return {};
+  }
+  wait.asked = request.asked.lock();
+  wait.input = request.input.lock();
+  wait.deadline = request.deadline;
+  wait.parker = Parker::ofThisThread();
+  request.wait = &wait;
+  return {};
+}
+
+/** @returns the channel that a request which has not ended was sent to. */
+std::string Mailbox::channelAsked(std::uint32_t requestId) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = outstanding_.find(requestId);
+  return found != outstanding_.end() ? textOf(found->second.to) : std::string();
+}
+
+/** Takes a request out, under the lock. */
+void Mailbox::forget(Requests::iterator which) {
+  if (!spare_.empty()) {
+    outstanding_.erase(which);
+    return;
+  }
+  spare_ = outstanding_.extract(which);
+  spare_.mapped() = {};
 }
 
 void Mailbox::dropForgotten(Clock::time_point now) {
   for (auto it = outstanding_.begin(); it != outstanding_.end();) {
-    const bool forgotten = it->second.waiter == nullptr && it->second.deadline < now;
+    const bool forgotten = it->second.wait == nullptr && it->second.deadline < now;
     it = forgotten ? outstanding_.erase(it) : std::next(it);
   }
 }
 
 void Mailbox::close() {
-  std::shared_ptr<RequestReceiver> unused;  // may be the last owner: not released under the lock
+  bool wasServed = false;
   std::vector<std::shared_ptr<Parker>> waiters;
   {
     const std::lock_guard lock(mutex_);
@@ -387,28 +462,31 @@ void Mailbox::close() {
       return;
     }
     closed_ = true;
-    served_.store(false, std::memory_order_release);
-    unused = std::move(receiver_);
-    for (auto& [id, request] : outstanding_) {
-      if (!request.ended) {
-        request.end({nullptr, "channel '" + name() + "' was closed"});
+    wasServed = served_.exchange(false);
+    for (auto it = outstanding_.begin(); it != outstanding_.end();) {
+      const auto request = it++;
+      if (request->second.outcome) {
+        continue;
       }
-      if (request.waiter != nullptr) {
-        waiters.push_back(request.waiter);
+      if (auto waiter = end(request, {nullptr, "channel '" + name() + "' was closed"})) {
+        waiters.push_back(std::move(waiter));
       }
     }
   }
   for (const auto& waiter : waiters) {
     waiter->unpark();
   }
-  if (unused != nullptr) {
+  if (wasServed) {
     ChannelDirectory::instance().servedMayHaveChanged(name());
   }
 }
 
 void Mailbox::waitForDeliveries() {
-  std::unique_lock lock(mutex_);
-  delivered_.wait(lock, [this] { return deliveries_ == 0; });
+  {
+    std::unique_lock lock(mutex_);
+    delivered_.wait(lock, [this] { return deliveries_ == 0; });
+  }
+  receiver_.reset();
 }
 
 }  // namespace zerva

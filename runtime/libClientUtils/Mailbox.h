@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -90,7 +91,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
    */
   void close();
 
-  /** Waits until no delivery is under way any more. Called after `close`. */
+  /** Waits until no delivery is under way any more, and lets the receiver go. After `close`. */
   void waitForDeliveries();
 
   std::string server() const override;
@@ -102,56 +103,57 @@ class ZERVA_EXPORT Mailbox final : public Destination,
 
  private:
   class Delivery;
+  struct Wait;
   class Forgetting;
 
-  /**
-   * A request that was sent and whose end nobody has heard of yet. Written under the lock; the
-   * thread that waits reads it without: when it has ended, and before that what does not change
-   * while somebody waits.
-   */
+  /** A request that was sent and whose end nobody has heard of yet. Guarded by the lock. */
   struct Outstanding {
-    void end(Outcome how) {
-      outcome = std::move(how);
-      ended.store(true, std::memory_order_release);
-    }
-
     SharedName to;
     std::weak_ptr<Destination> asked;
     std::weak_ptr<Input> input;  // where the answer comes from, when not from this process
     std::uint64_t answerer = 0;
     Clock::time_point deadline;
-    std::shared_ptr<Parker> waiter;
-    std::atomic<bool> ended{false};
-    Outcome outcome;  // once it has ended
+    Wait* wait = nullptr;            // of the thread that waits for it
+    std::optional<Outcome> outcome;  // when it ended before anybody waited
   };
+  using Requests = std::unordered_map<std::uint32_t, Outstanding>;
 
   bool isSeen() const;
-  std::shared_ptr<RequestReceiver> receiver() const;
-  std::string expect(std::uint32_t requestId, const SharedName& to);
-  std::uint64_t aimAt(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
-  std::string deliverTo(Envelope& envelope, std::uint32_t requestId);
+  std::string expect(std::uint32_t requestId, const SharedName& to,
+                     const std::shared_ptr<Destination>& asked, ReplyTicket& ticket);
+  std::pair<Requests::iterator, bool> place(std::uint32_t requestId);
+  ReplyTicket aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked);
+  ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
+  std::string deliverTo(std::shared_ptr<Destination> destination, Envelope& envelope);
   void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,
                     const std::string& error);
-  Outstanding* awaited(std::uint32_t requestId, std::uint64_t answerer);
-  std::string endWith(std::uint32_t requestId, const std::string& error);
-  Outstanding* startWaiting(std::uint32_t requestId, std::shared_ptr<Destination>& asked,
-                            std::shared_ptr<Input>& input, std::string& error);
-  std::string waitFor(const Outstanding& request, Input* input);
+  Requests::iterator awaited(std::uint32_t requestId, std::uint64_t answerer);
+  std::shared_ptr<Parker> end(Requests::iterator which, Outcome how);
+  void failUnsent(std::uint32_t requestId, const std::string& error);
+  std::string startWaiting(std::uint32_t requestId, Wait& wait);
+  std::string waitFor(std::uint32_t requestId, Wait& wait);
+  std::string channelAsked(std::uint32_t requestId) const;
+  void forget(Requests::iterator which);
   void dropForgotten(Clock::time_point now);
 
   const SharedName name_;
   const std::uint64_t number_;  // no other of this process ever has it
   CCInterceptorDispatcher* const dispatcher_;
-  std::atomic<bool> served_{false};
+  // Set before `served_` is; released when no delivery can look at it any more.
+  std::shared_ptr<RequestReceiver> receiver_;
+  mutable std::atomic<unsigned> deliveries_{0};
 
   mutable std::mutex mutex_;
+  // Written under mutex_, read without.
+  std::atomic<bool> served_{false};
+  std::atomic<bool> closed_{false};
   // Guarded by mutex_.
-  std::shared_ptr<RequestReceiver> receiver_;
-  bool closed_ = false;
-  unsigned deliveries_ = 0;
-  std::condition_variable delivered_;
+  mutable std::condition_variable delivered_;
   std::uint64_t lastAnswerer_ = 0;
-  std::unordered_map<std::uint32_t, Outstanding> outstanding_;
+  Requests outstanding_;
+  // The place of a request that ended, for the next one: it would be freed by another thread than
+  // the one that gets the next.
+  Requests::node_type spare_;
 };
 
 }  // namespace zerva

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #include "runtime/libClientUtils/Mailbox.h"
@@ -16,6 +18,22 @@ using testing::HasSubstr;
 using zerva::concurrently;
 using zerva::ReplyTimeoutIs;
 using zerva::waitUntil;
+
+/** Holds whoever delivers to it back until its gate is opened. */
+class SlowReceiver final : public zerva::RequestReceiver {
+ public:
+  explicit SlowReceiver(zerva::Gate& gate) : gate_(gate) {}
+  bool receive(zerva::Envelope& /*envelope*/) override {
+    gate_.wait();
+    return false;
+  }
+  bool waitsForCaller() const override { return false; }
+  const Executable* object() const override { return nullptr; }
+  bool isMaking() const override { return false; }
+
+ private:
+  zerva::Gate& gate_;
+};
 
 TEST(ARequest, ToANameThatNobodyServes_FailsAtOnceAndKeepsItsData) {
   CommsChannel sut("/test/caller", nullptr);
@@ -140,6 +158,32 @@ TEST(AReply, ThatDoesNotComeInTime_IsGivenUp) {
   EXPECT_EQ(answer.data, "request");
   EXPECT_EQ(answer.error, "channel '/svc' did not answer in time");
   gate.open();
+  world.end();
+}
+
+TEST(AReply, ThatComesTooLate_IsNotTakenForThatToTheNextRequestWithTheId) {
+  ExecutorWorld world;
+  zerva::Gate gate;
+  ScriptedService service([&](const std::string& request) {
+    gate.wait();
+    return "reply to " + request;
+  });
+  world.run(&service, "/svc", Mode::ST);
+  CommsChannel sut("/test/caller", nullptr);
+  {
+    const ReplyTimeoutIs shortTime(std::chrono::milliseconds(30));
+    EXPECT_FALSE(ask(sut, "/svc", "first", 1).ok);
+  }
+
+  CommsChannelDataContainerMessage second;
+  second.setChannel("/svc");
+  second.setData("second");
+  second.setRequestId(1);
+  ASSERT_TRUE(sut.send(second));
+  gate.open();
+
+  EXPECT_TRUE(sut.receiveReply(second, 1));
+  EXPECT_EQ(second.getData(), "reply to second");
   world.end();
 }
 
@@ -289,6 +333,36 @@ TEST(AMailbox, ThatIsClosed_SaysSoWhenSomethingIsSentOrAwaited) {
   EXPECT_EQ(sut->send(zerva::sharedName("/nobody"), {}, nullptr, 1), "channel '/closed' is closed");
   EXPECT_EQ(sut->send(zerva::sharedName("/nobody"), {}, nullptr, 0), "channel '/closed' is closed");
   EXPECT_EQ(sut->awaitReply(1).error, "channel '/closed' is closed");
+}
+
+TEST(AMailbox, WaitsForDeliveriesUnderWayAndThenLetsItsReceiverGo) {
+  zerva::Gate gate;
+  const auto sut = std::make_shared<zerva::Mailbox>("/svc", nullptr);
+  auto receiver = std::make_shared<SlowReceiver>(gate);
+  const std::weak_ptr<SlowReceiver> observed = receiver;
+  sut->serveWith(std::move(receiver));
+  std::thread delivering([&] {
+    zerva::Envelope envelope;
+    EXPECT_FALSE(sut->deliver(envelope));
+  });
+  ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+
+  sut->close();
+  zerva::Envelope late;
+  EXPECT_FALSE(sut->deliver(late));
+  std::atomic<bool> over{false};
+  std::thread ending([&] {
+    sut->waitForDeliveries();
+    over = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(over);
+  EXPECT_FALSE(observed.expired());
+
+  gate.open();
+  delivering.join();
+  ending.join();
+  EXPECT_TRUE(observed.expired());
 }
 
 }  // namespace
