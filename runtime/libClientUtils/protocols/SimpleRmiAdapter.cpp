@@ -35,7 +35,7 @@ std::string SimpleRmiAdapter::methodOf(const std::string& call) {
 
 void SimpleRmiAdapter::readCall(const std::string& call, Readable& arguments) {
   SimpleRmiReader reader(call);
-  reader.readText();
+  reader.readView();  // the method
   arguments.read(reader);
   reader.end();
 }

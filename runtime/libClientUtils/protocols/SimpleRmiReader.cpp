@@ -1,83 +1,151 @@
 #include "runtime/libClientUtils/protocols/SimpleRmiReader.h"
 
+#include <bit>
 #include <limits>
-#include <msgpack.hpp>
 
 #include "framework/DecodeException.h"
 
 namespace zerva {
-
-/** The next value, or only the head of it where it is a list. */
-struct SimpleRmiReader::Value {
-  enum class Kind { None, Nothing, Bool, Negative, Unsigned, Real, Text, List, Other };
-
-  Kind kind = Kind::None;
-  std::uint64_t number = 0;  // of a bool, of both kinds of integers, and the size of a list
-  double real = 0;
-  std::string_view text;
-};
-
 namespace {
 
 [[noreturn]] void failAt(std::size_t offset, const std::string& what) {
   throw DecodeException("at byte " + std::to_string(offset) + ": " + what);
 }
 
+/** What the bytes of one value are taken from. */
+class Bytes {
+ public:
+  Bytes(std::string_view all, std::size_t begin) : all_(all), begin_(begin), at_(begin) {}
+
+  /** @returns where the next value begins. */
+  std::size_t end() const { return at_; }
+
+  std::string_view take(std::size_t size) {
+    if (size > all_.size() - at_) fail();
+    at_ += size;
+    return {all_.data() + at_ - size, size};
+  }
+
+  /** Takes a number, which has its highest byte first. */
+  template <typename Number>
+  Number number() {
+    std::uint64_t number = 0;
+    for (const char byte : take(sizeof(Number))) {
+      number = number << 8U | static_cast<unsigned char>(byte);
+    }
+    return static_cast<Number>(number);
+  }
+
+  [[noreturn]] void fail() const {
+    failAt(begin_, "the bytes end early or are none of the protocol");
+  }
+
+ private:
+  const std::string_view all_;
+  const std::size_t begin_;
+  std::size_t at_;
+};
+
 }  // namespace
 
-SimpleRmiReader::Value SimpleRmiReader::next() {
-  // Stops behind the head of a list, whose values are then read one by one.
-  struct Visitor : msgpack::null_visitor {
-    explicit Visitor(Value& target) : value(target) {}
-    bool set(Value::Kind kind, std::uint64_t number = 0) {
-      value.kind = kind;
-      value.number = number;
-      return true;
-    }
-    // The names are those that the parser calls.
-    bool visit_nil() { return set(Value::Kind::Nothing); }
-    bool visit_boolean(bool is) { return set(Value::Kind::Bool, is ? 1 : 0); }
-    bool visit_positive_integer(std::uint64_t number) { return set(Value::Kind::Unsigned, number); }
-    bool visit_negative_integer(std::int64_t number) {
-      return set(Value::Kind::Negative, static_cast<std::uint64_t>(number));
-    }
-    bool visit_float32(float number) { return visit_float64(number); }
-    bool visit_float64(double number) {
-      value.real = number;
-      return set(Value::Kind::Real);
-    }
-    bool visit_str(const char* data, std::uint32_t size) {
-      value.text = {data, size};
-      return set(Value::Kind::Text);
-    }
-    bool visit_bin(const char* data, std::uint32_t size) { return visit_str(data, size); }
-    bool visit_ext(const char* /*data*/, std::uint32_t /*size*/) { return set(Value::Kind::Other); }
-    bool start_array(std::uint32_t size) { return set(Value::Kind::List, size); }
-    bool start_array_item() { return false; }
-    bool start_map(std::uint32_t /*size*/) {
-      set(Value::Kind::Other);
-      return false;
-    }
-    void parse_error(std::size_t /*from*/, std::size_t /*at*/) { value.kind = Value::Kind::None; }
-    void insufficient_bytes(std::size_t /*from*/, std::size_t /*at*/) {
-      value.kind = Value::Kind::None;
-    }
-    Value& value;
-  };
+/** The next value, or only the head of it where it is a list. */
+struct SimpleRmiReader::Value {
+  enum class Kind { Other, Nothing, Bool, Negative, Unsigned, Real, Text, List };
 
+  void takeFrom(Bytes& bytes);
+  void takeLong(std::uint8_t head, Bytes& bytes);
+
+  void set(Kind what, std::uint64_t itsNumber) {
+    kind = what;
+    number = itsNumber;
+  }
+  void setInteger(std::int64_t value) {
+    set(value < 0 ? Kind::Negative : Kind::Unsigned, static_cast<std::uint64_t>(value));
+  }
+  void setReal(double value) {
+    kind = Kind::Real;
+    real = value;
+  }
+  void setText(std::string_view value) {
+    kind = Kind::Text;
+    text = value;
+  }
+
+  Kind kind = Kind::Other;
+  std::uint64_t number = 0;  // of a bool, of both kinds of integers, and the size of a list
+  double real = 0;
+  std::string_view text;
+};
+
+// The library that writes values reads whole ones only, and takes memory for each list.
+void SimpleRmiReader::Value::takeFrom(Bytes& bytes) {
+  const auto head = bytes.number<std::uint8_t>();
+  if (head <= 0x7f) {
+    set(Kind::Unsigned, head);
+  } else if (head >= 0xe0) {
+    setInteger(static_cast<std::int8_t>(head));
+  } else if (head >= 0xc0) {
+    takeLong(head, bytes);
+  } else if (head >= 0xa0) {
+    setText(bytes.take(head & 0x1fU));
+  } else if (head >= 0x90) {
+    set(Kind::List, head & 0x0fU);
+  }  // else it is a map, which stays another kind
+}
+
+/** Takes a value whose kind and size the first byte says, and nothing else. */
+void SimpleRmiReader::Value::takeLong(std::uint8_t head, Bytes& bytes) {
+  switch (head) {
+    case 0xc0:
+      return set(Kind::Nothing, 0);
+    case 0xc1:
+      return bytes.fail();
+    case 0xc2:
+    case 0xc3:
+      return set(Kind::Bool, head & 1U);
+    case 0xc4:
+    case 0xd9:
+      return setText(bytes.take(bytes.number<std::uint8_t>()));
+    case 0xc5:
+    case 0xda:
+      return setText(bytes.take(bytes.number<std::uint16_t>()));
+    case 0xc6:
+    case 0xdb:
+      return setText(bytes.take(bytes.number<std::uint32_t>()));
+    case 0xca:
+      return setReal(std::bit_cast<float>(bytes.number<std::uint32_t>()));
+    case 0xcb:
+      return setReal(std::bit_cast<double>(bytes.number<std::uint64_t>()));
+    case 0xcc:
+      return set(Kind::Unsigned, bytes.number<std::uint8_t>());
+    case 0xcd:
+      return set(Kind::Unsigned, bytes.number<std::uint16_t>());
+    case 0xce:
+      return set(Kind::Unsigned, bytes.number<std::uint32_t>());
+    case 0xcf:
+      return set(Kind::Unsigned, bytes.number<std::uint64_t>());
+    case 0xd0:
+      return setInteger(bytes.number<std::int8_t>());
+    case 0xd1:
+      return setInteger(bytes.number<std::int16_t>());
+    case 0xd2:
+      return setInteger(bytes.number<std::int32_t>());
+    case 0xd3:
+      return setInteger(bytes.number<std::int64_t>());
+    case 0xdc:
+      return set(Kind::List, bytes.number<std::uint16_t>());
+    case 0xdd:
+      return set(Kind::List, bytes.number<std::uint32_t>());
+    default:  // a map or an extension, which stays another kind
+      return;
+  }
+}
+
+SimpleRmiReader::Value SimpleRmiReader::next() {
+  Bytes bytes(bytes_, at_);
   Value value;
-  Visitor visitor(value);
-  std::size_t end = at_;
-  try {
-    msgpack::parse(bytes_.data(), bytes_.size(), end, visitor);
-  } catch (const msgpack::unpack_error&) {
-    // Where sizes have 32 bits, an extension may claim to be larger than they can count.
-    value.kind = Value::Kind::None;
-  }
-  if (value.kind == Value::Kind::None) {
-    failAt(at_, "the bytes end early or are none of the protocol");
-  }
-  at_ = end;
+  value.takeFrom(bytes);
+  at_ = bytes.end();
   return value;
 }
 
@@ -126,11 +194,13 @@ double SimpleRmiReader::readReal() {
   return value.real;
 }
 
-std::string SimpleRmiReader::readText() {
+std::string SimpleRmiReader::readText() { return std::string(readView()); }
+
+std::string_view SimpleRmiReader::readView() {
   const std::size_t start = at_;
   const Value value = next();
   if (value.kind != Value::Kind::Text) failAt(start, "a text was expected");
-  return std::string(value.text);
+  return value.text;
 }
 
 std::size_t SimpleRmiReader::beginList() {

@@ -24,6 +24,8 @@ class SimpleRmiReader final : public ValueReader {
   std::uint64_t readUnsigned() override;
   double readReal() override;
   std::string readText() override;
+  /** @returns as `readText`, within the bytes. */
+  std::string_view readView();
   std::size_t beginList() override;
   void endList() override {}
 

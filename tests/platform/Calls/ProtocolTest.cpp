@@ -280,17 +280,74 @@ TEST(SimpleRmi, ReadsWholeNumbersThatAnotherWriterHasShortened) {
   });
 }
 
+TEST(SimpleRmi, ReadsWholeNumbersOfEveryLength) {
+  using namespace std::string_literals;
+  ProtocolRepository protocols;
+  ProtocolAdapter& sut = *protocols.findProtocolAdapter("zerva_simple_rmi");
+  const std::vector<std::pair<std::string, std::int64_t>> numbers = {
+      {"\x7f"s, 0x7f},
+      {"\xcc\xfe"s, 0xfe},
+      {"\xcd\xfe\xdc"s, 0xfedc},
+      {"\xce\xfe\xdc\xba\x98"s, 0xfedcba98},
+      {"\xcf\x76\x54\x32\x10\xfe\xdc\xba\x98"s, 0x76543210fedcba98},
+      {"\xd0\x05"s, 5},
+      {"\xd1\x05\xff"s, 0x5ff},
+      {"\xd2\x05\x00\x00\xff"s, 0x50000ff},
+      {"\xd3\x05\x00\x00\x00\x00\x00\x00\xff"s, 0x5000000000000ff},
+      {"\xe0"s, -32},
+      {"\xd0\x80"s, -128},
+      {"\xd1\xff\x00"s, -256},
+      {"\xd2\xff\xff\xff\x00"s, -256},
+      {"\xd3\xff\xff\xff\xff\xff\xff\xff\x00"s, -256}};
+  for (const auto& [bytes, number] : numbers) {
+    readBack(sut, bytes, [&](ValueReader& reader) { EXPECT_EQ(reader.readInteger(), number); });
+    if (number >= 0) {
+      readBack(sut, bytes, [&](ValueReader& reader) {
+        EXPECT_EQ(reader.readUnsigned(), static_cast<std::uint64_t>(number));
+      });
+    }
+    EXPECT_THROW(readBack(sut, bytes.substr(0, bytes.size() - 1),
+                          [](ValueReader& reader) { reader.readInteger(); }),
+                 DecodeException);
+  }
+}
+
+TEST(SimpleRmi, ReadsTextsAndListsOfEveryForm) {
+  using namespace std::string_literals;
+  ProtocolRepository protocols;
+  ProtocolAdapter& sut = *protocols.findProtocolAdapter("zerva_simple_rmi");
+  for (const std::string& head : {"\xa3"s, "\xd9\x03"s, "\xda\x00\x03"s, "\xdb\x00\x00\x00\x03"s,
+                                  "\xc4\x03"s, "\xc5\x00\x03"s, "\xc6\x00\x00\x00\x03"s}) {
+    readBack(sut, head + "abc", [](ValueReader& reader) { EXPECT_EQ(reader.readText(), "abc"); });
+    EXPECT_THROW(readBack(sut, head + "ab", [](ValueReader& reader) { reader.readText(); }),
+                 DecodeException);
+  }
+  for (const std::string& head : {"\x92"s, "\xdc\x00\x02"s, "\xdd\x00\x00\x00\x02"s}) {
+    readBack(sut, head + "\xc2\xc3", [](ValueReader& reader) {
+      EXPECT_EQ(reader.beginList(), 2U);
+      EXPECT_FALSE(reader.readBool());
+      EXPECT_TRUE(reader.readBool());
+    });
+  }
+}
+
+TEST(SimpleRmi, ReadsShortRealNumbers) {
+  using namespace std::string_literals;
+  ProtocolRepository protocols;
+  readBack(*protocols.findProtocolAdapter("zerva_simple_rmi"), "\xca\xbf\x40\x00\x00"s,
+           [](ValueReader& reader) { EXPECT_EQ(reader.readReal(), -0.75); });
+}
+
 TEST(SimpleRmi, RefusesTheKindsThatItDoesNotUse) {
   ProtocolRepository protocols;
-  for (const std::string bytes : {"\x81\xc3\xc3", "\xd4\x01\x02", "\xc1"}) {
+  for (const std::string bytes : {"\x81\xc3\xc3", "\xd4\x01\x02", "\xc7\x01\x02\x03", "\xc1"}) {
     EXPECT_THROW(readBack(*protocols.findProtocolAdapter("zerva_simple_rmi"), bytes,
                           [](ValueReader& reader) { reader.readText(); }),
                  DecodeException);
   }
 }
 
-// With 32 bits the parser does not find the bytes missing for an extension of this size, but throws
-// an exception of its own, which was handed on.
+// With 32 bits the bytes that such an extension claims cannot even be counted.
 TEST(SimpleRmi, RefusesAnExtensionThatIsLargerThanSizesCanCount) {
   ProtocolRepository protocols;
   EXPECT_THAT(
