@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "framework/Readable.h"
@@ -22,6 +24,27 @@ template <>
 struct Sent<void> final : Writable {
   void write(ValueWriter& writer) const override { writer.writeNothing(); }
 };
+
+namespace detail {
+
+/** What was given is only looked at, unless it has to become another type. */
+template <typename Wanted, typename Given>
+using Argument =
+    std::conditional_t<std::is_same_v<Wanted, std::remove_cvref_t<Given>>, const Wanted&, Wanted>;
+
+template <typename Wanted, typename... Given>
+struct Arguments;
+
+template <typename... Wanted, typename... Given>
+struct Arguments<std::tuple<Wanted...>, Given...> {
+  using Type = std::tuple<Argument<Wanted, Given>...>;
+};
+
+}  // namespace detail
+
+/** The arguments of a call as they are sent; valid as long as what was given. */
+template <typename Wanted, typename... Given>
+using ArgumentsFrom = typename detail::Arguments<Wanted, Given...>::Type;
 
 template <typename T>
 struct Received final : Readable {

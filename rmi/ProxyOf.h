@@ -36,7 +36,8 @@ class ProxyOf : public Proxy, public Interface {
     static_assert(std::is_base_of_v<typename Method<Pointer>::Class, Interface>,
                   "the method is of another interface");
     static_assert(std::tuple_size_v<Arguments> == sizeof...(Given), "the arguments do not fit");
-    const Sent<Arguments> arguments{Arguments(std::forward<Given>(given)...)};
+    using SentArguments = ArgumentsFrom<Arguments, Given...>;
+    const Sent<SentArguments> arguments{SentArguments(std::forward<Given>(given)...)};
     Received<ResultType> result;
     request_->call(std::string(method.name), arguments, result);
     if constexpr (!std::is_void_v<ResultType>) {

@@ -3,6 +3,7 @@
 
 #include "framework/DecodeException.h"
 #include "rmi/Carried.h"
+#include "rmi/ProxyOf.h"
 #include "runtime/libClientUtils/protocols/SimpleRmiAdapter.h"
 
 namespace zerva::rmi {
@@ -55,6 +56,76 @@ TEST(Values, OfEveryKindArriveAsTheyWere) {
   expectCarried(std::make_tuple(1, std::string("two"), 3.0));
   expectCarried(Sample{3.5, "west pier", Direction::West});
   expectCarried(std::vector<Sample>{{1, "a", Direction::North}, {2, "b", Direction::West}});
+}
+
+/** Counts how often it is copied. */
+struct Copied {
+  Copied() = default;
+  Copied(const Copied& other) : copies(other.copies + 1) {}
+  Copied& operator=(const Copied& other) {
+    copies = other.copies + 1;
+    return *this;
+  }
+  int copies = 0;
+  static constexpr auto fields = std::make_tuple(&Copied::copies);
+};
+
+class Station {
+ public:
+  virtual void keep(const Copied& copied, const std::string& name, double speed) = 0;
+
+ protected:
+  ~Station() = default;
+};
+
+class StationProxy : public ProxyOf<Station> {
+ public:
+  void keep(const Copied& copied, const std::string& name, double speed) override {
+    call(ZERVA_METHOD(Station::keep), copied, name, speed);
+  }
+  void keepOthers() const { call(ZERVA_METHOD(Station::keep), Copied(), "a longer name", 3); }
+};
+
+/** Writes what it is handed. */
+class WritingRequest final : public ProxyRequest {
+ public:
+  const std::string& getSvcChannel() const override { return name_; }
+  const std::string& getQualifier() const override { return name_; }
+  void call(const std::string& method, const Writable& arguments, Readable& result) override {
+    SimpleRmiAdapter().writeCall(method, arguments, bytes);
+    std::string reply;
+    SimpleRmiAdapter().writeReply(Sent<void>(), reply);
+    SimpleRmiAdapter().readReply(reply, result);
+  }
+
+  std::string bytes;
+
+ private:
+  const std::string name_;
+};
+
+/** @returns what the bytes of a call hold. */
+std::tuple<int, std::string, double> kept(const std::string& call) {
+  Received<std::tuple<std::tuple<int>, std::string, double>> received;
+  SimpleRmiAdapter().readCall(call, received);
+  const auto& [copied, name, speed] = received.value;
+  return {std::get<0>(copied), name, speed};
+}
+
+TEST(AProxy, SendsWhatItIsGivenWithoutACopy) {
+  WritingRequest request;
+  StationProxy sut;
+  sut.initialise(&request);
+  sut.keep({}, "pier", 1.5);
+  EXPECT_EQ(kept(request.bytes), std::make_tuple(0, "pier", 1.5));
+}
+
+TEST(AProxy, SendsWhatItIsGivenAsTheTypesOfItsMethod) {
+  WritingRequest request;
+  StationProxy sut;
+  sut.initialise(&request);
+  sut.keepOthers();
+  EXPECT_EQ(kept(request.bytes), std::make_tuple(0, "a longer name", 3.0));
 }
 
 TEST(Values, ThatDoNotFitTheExpectedNumberAreRefused) {
