@@ -19,17 +19,11 @@ void CCInterceptorDispatcher::removeInterceptor(CCInterceptor* interceptor) {
 }
 
 void CCInterceptorDispatcher::dispatchSent(const InterceptedMessage& message) {
-  const auto all = state_->interceptors.all();
-  for (CCInterceptor* const interceptor : *all) {
-    interceptor->messageSent(message);
-  }
+  state_->interceptors.forEach([&](CCInterceptor& each) { each.messageSent(message); });
 }
 
 void CCInterceptorDispatcher::dispatchReceived(const InterceptedMessage& message) {
-  const auto all = state_->interceptors.all();
-  for (CCInterceptor* const interceptor : *all) {
-    interceptor->messageReceived(message);
-  }
+  state_->interceptors.forEach([&](CCInterceptor& each) { each.messageReceived(message); });
 }
 
 bool CCInterceptorDispatcher::hasInterceptors() const { return !state_->interceptors.isEmpty(); }

@@ -19,10 +19,7 @@ void InvokeInterceptorDispatcher::removeInterceptor(InvokeInterceptor* intercept
 }
 
 void InvokeInterceptorDispatcher::dispatch(const Invocation& invocation) {
-  const auto all = state_->interceptors.all();
-  for (InvokeInterceptor* const interceptor : *all) {
-    interceptor->invoked(invocation);
-  }
+  state_->interceptors.forEach([&](InvokeInterceptor& each) { each.invoked(invocation); });
 }
 
 bool InvokeInterceptorDispatcher::hasInterceptors() const {

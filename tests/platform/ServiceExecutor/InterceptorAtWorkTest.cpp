@@ -202,6 +202,32 @@ TEST(AnInterceptor, OfMessages_MayAddAnotherWhileItIsCalled) {
   EXPECT_THAT(added.journal.entries(), ElementsAre("sent message to /nobody id 0 size 2"));
 }
 
+TEST(AnInterceptor, OfMessages_MayBeAddedAndRemovedWhileOthersAreTold) {
+  CCInterceptorDispatcher dispatcher;
+  std::atomic<unsigned> told{0};
+  Messages first;
+  first.then = [&] { ++told; };
+  dispatcher.addInterceptor(&first);
+  std::atomic<bool> over{false};
+  std::thread sending([&] {
+    CommsChannel caller("/test/caller", &dispatcher);
+    while (!over) caller.sendTo("/nobody", "x");
+  });
+  Messages others;
+  ASSERT_TRUE(waitUntil([&] { return told > 0; }));
+  for (int i = 0; i < 300; ++i) {
+    dispatcher.addInterceptor(&others);
+    dispatcher.removeInterceptor(&others);
+  }
+  over = true;
+  sending.join();
+
+  const unsigned before = told;
+  CommsChannel("/test/caller", &dispatcher).sendTo("/nobody", "x");
+  EXPECT_EQ(told, before + 1);
+  EXPECT_TRUE(dispatcher.hasInterceptors());
+}
+
 TEST(AnInterceptor, OfInvocations_SeesMessagesThatNobodyAnswers) {
   InvokeInterceptorDispatcher dispatcher;
   Invocations sut;
