@@ -11,14 +11,16 @@ namespace {
 /**
  * Chains and messages are known in other processes too, so each process counts from another place;
  * far enough below the end that none gets there.
+ *
+ * @returns the first of so many new ids.
  */
-std::uint64_t newId() {
+std::uint64_t newIds(unsigned count) {
   static std::atomic<std::uint64_t> last{[] {
     std::random_device random;
     constexpr unsigned kHalf = 32;
     return ((std::uint64_t{random()} << kHalf) | random()) >> 1U;
   }()};
-  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+  return last.fetch_add(count, std::memory_order_relaxed) + 1;
 }
 
 }  // namespace
@@ -29,18 +31,24 @@ struct CallChain::Link {
   std::shared_ptr<const Link> waiting;
 };
 
-CallChain::CallChain(std::uint64_t id, unsigned length, std::shared_ptr<const Link> waiting)
-    : id_(id), message_(newId()), length_(length), waiting_(std::move(waiting)) {}
+CallChain::CallChain(std::uint64_t id, std::uint64_t message, unsigned length,
+                     std::shared_ptr<const Link> waiting)
+    : id_(id), message_(message), length_(length), waiting_(std::move(waiting)) {}
 
-CallChain CallChain::begin() { return {newId(), 1, nullptr}; }
-
-CallChain CallChain::ofRequest() const {
-  return id_ == 0
-             ? begin()
-             : CallChain(id_, length_ + 1, std::make_shared<const Link>(Link{message_, waiting_}));
+CallChain CallChain::begin() {
+  const std::uint64_t id = newIds(2);
+  return {id, id + 1, 1, nullptr};
 }
 
-CallChain CallChain::ofMessage() const { return id_ == 0 ? begin() : CallChain(id_, 1, nullptr); }
+CallChain CallChain::ofRequest() const {
+  return id_ == 0 ? begin()
+                  : CallChain(id_, newIds(1), length_ + 1,
+                              std::make_shared<const Link>(Link{message_, waiting_}));
+}
+
+CallChain CallChain::ofMessage() const {
+  return id_ == 0 ? begin() : CallChain(id_, newIds(1), 1, nullptr);
+}
 
 bool CallChain::isAwaitedBy(const CallChain& other) const {
   if (other.message_ == 0) {

@@ -57,7 +57,8 @@ class ZERVA_EXPORT CallChain {
  private:
   struct Link;
 
-  CallChain(std::uint64_t id, unsigned length, std::shared_ptr<const Link> waiting);
+  CallChain(std::uint64_t id, std::uint64_t message, unsigned length,
+            std::shared_ptr<const Link> waiting);
 
   std::uint64_t id_ = 0;
   std::uint64_t message_ = 0;  // the newest one; 0 for none

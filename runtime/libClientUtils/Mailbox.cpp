@@ -119,26 +119,26 @@ bool Mailbox::isSeen() const { return dispatcher_ != nullptr && dispatcher_->has
 
 std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
-  auto destination = ChannelDirectory::instance().find(textOf(to));
-  ReplyTicket ticket;
-  if (requestId != 0) {
-    if (std::string error = expect(requestId, to, destination, ticket); !error.empty()) {
-      return error;
-    }
-  } else if (closed_) {
-    return "channel '" + name() + "' is closed";
-  }
   const CallChain& served = servingThread().chain();
   Envelope envelope{name_,
                     to,
                     callee,
                     std::move(data),
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
-                    std::move(ticket),
+                    {},
                     nullptr,
                     {},
                     nullptr};
+  auto destination = ChannelDirectory::instance().find(textOf(to));
   std::string error;
+  if (requestId != 0) {
+    error = expect(requestId, to, destination, envelope.ticket);
+    if (!error.empty()) {
+      return error;
+    }
+  } else if (closed_) {
+    return "channel '" + name() + "' is closed";
+  }
   if (envelope.chain.length() > kMaximumChainLength) {
     error = "more than " + std::to_string(kMaximumChainLength) +
             " requests wait for one another before channel '" + textOf(to) + "'";

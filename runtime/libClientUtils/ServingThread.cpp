@@ -13,16 +13,17 @@ const CallChain& ServingThread::chain() const {
   return served != nullptr ? *served : *none;
 }
 
-ServingScope::ServingScope(Serving* serving, const CallChain& chain) : before_(servingThread()) {
-  ServingThread& thread = servingThread();
-  thread.serving = serving;
-  thread.served = &chain;
-  ++thread.nesting;
+ServingScope::ServingScope(Serving* serving, const CallChain& chain)
+    : thread_(servingThread()), before_(thread_) {
+  thread_.serving = serving;
+  thread_.served = &chain;
+  ++thread_.nesting;
 }
 
-ServingScope::~ServingScope() { servingThread() = before_; }
+ServingScope::~ServingScope() { thread_ = before_; }
 
-WaitingScope::WaitingScope() : serving_(servingThread().serving), place_(servingThread().place) {
+WaitingScope::WaitingScope(const ServingThread& thread)
+    : serving_(thread.serving), place_(thread.place) {
   if (serving_ != nullptr) {
     serving_->waitBegins(Parker::ofThisThread());
   }

@@ -79,6 +79,7 @@ class ZERVA_EXPORT ServingScope {
   ServingScope& operator=(const ServingScope&) = delete;
 
  private:
+  ServingThread& thread_;
   const ServingThread before_;
 };
 
@@ -88,12 +89,14 @@ class ZERVA_EXPORT ServingScope {
  */
 class ZERVA_EXPORT WaitingScope {
  public:
-  WaitingScope();
+  WaitingScope() : WaitingScope(servingThread()) {}
   ~WaitingScope();
   WaitingScope(const WaitingScope&) = delete;
   WaitingScope& operator=(const WaitingScope&) = delete;
 
  private:
+  explicit WaitingScope(const ServingThread& thread);
+
   Serving* const serving_;
   RunningPlace* const place_;
 };
