@@ -38,6 +38,7 @@ RegistryText parseRegistryText(const std::string& text) {
   if (known == wordsWithFields().end()) {
     throw ZervaException(shown(text) + " begins with a word that is not known");
   }
+  parsed.fields.reserve(known->second);
   std::size_t start = colon + 1;
   for (;;) {
     const std::size_t comma = text.find(',', start);

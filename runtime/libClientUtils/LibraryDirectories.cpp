@@ -33,8 +33,10 @@ std::vector<std::string> LibraryDirectories::get() {
 
 std::string LibraryDirectories::resolve(const std::string& name) {
   if (name.empty() || name.find('/') != std::string::npos) return name;
-  for (const std::string& directory : get()) {
-    const std::string path = (directory.empty() ? "." : directory) + "/" + name;
+  for (std::string& path : get()) {
+    if (path.empty()) path += '.';
+    path += '/';
+    path += name;
     if (::access(path.c_str(), F_OK) == 0) return path;
   }
   return name;

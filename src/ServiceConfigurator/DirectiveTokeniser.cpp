@@ -26,6 +26,7 @@ std::vector<std::string> tokeniseDirective(const char* line, int length,
   }
 
   std::vector<std::string> tokens;
+  tokens.reserve(kLeastTokens);
   tokens.push_back(text.substr(0, colon));
   std::size_t start = colon + 1;
   for (std::size_t found = text.find_first_of(separators, start); found != std::string::npos;
@@ -34,8 +35,8 @@ std::vector<std::string> tokeniseDirective(const char* line, int length,
     start = found + 1;
   }
   tokens.push_back(text.substr(start));
-  while (tokens.size() < kLeastTokens) {
-    tokens.emplace_back();
+  if (tokens.size() < kLeastTokens) {
+    tokens.resize(kLeastTokens);
   }
   return tokens;
 }

@@ -66,9 +66,8 @@ Proxy* ServiceConfigurator::initProxyAndAddToRepository(std::string& lib, std::s
     proxySem->give();
     return nullptr;
   }
-  const std::string text =
-      "Proxy info found- Lib: " + lib + " Cr: " + creator + " Comm: " + svcChannel;
-  CONFIGURATOR_LOG_PROGRESS("%s", text.c_str());
+  CONFIGURATOR_LOG_PROGRESS(
+      "%s", ("Proxy info found- Lib: " + lib + " Cr: " + creator + " Comm: " + svcChannel).c_str());
   CONFIGURATOR_LOG_PROGRESS("Service Configurator: Resolving symbol to proxy creator function");
   // Library, channel and request are the repository's once the proxy is recorded with them.
   Dll* dll = openProxyLibrary(lib);
