@@ -14,7 +14,8 @@ class ZERVA_EXPORT ServiceThreadPoolIfc {
   /**
    * Runs a task on a thread of the pool. Tasks start in the order in which they were handed in, as
    * soon as fewer tasks than the pool's size are running; a task that waits for a reply does not
-   * count. Does not wait for the task.
+   * count. Where no processor is free for it, a task may be kept for some 100 us first, in which
+   * one that runs may end. Does not wait for the task.
    *
    * @param task run once; it throws nothing.
    * @returns false when the pool is being deleted or cannot make the one thread it needs: the task

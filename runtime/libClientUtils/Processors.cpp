@@ -4,10 +4,13 @@
 
 namespace zerva {
 
-bool mayUseSeveralProcessors() {
+unsigned usableProcessors() {
   cpu_set_t processors;
   // On a machine with more processors than the set has room for the call fails.
-  return ::sched_getaffinity(0, sizeof(processors), &processors) != 0 || CPU_COUNT(&processors) > 1;
+  if (::sched_getaffinity(0, sizeof(processors), &processors) != 0) return CPU_SETSIZE;
+  return static_cast<unsigned>(CPU_COUNT(&processors));
 }
+
+bool mayUseSeveralProcessors() { return usableProcessors() > 1; }
 
 }  // namespace zerva

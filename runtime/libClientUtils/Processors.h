@@ -4,6 +4,9 @@
 
 namespace zerva {
 
+/** @returns how many processors the calling thread may run on; at least 1. */
+ZERVA_EXPORT unsigned usableProcessors();
+
 /** @returns whether the calling thread may run on more than one processor. */
 ZERVA_EXPORT bool mayUseSeveralProcessors();
 

@@ -1,27 +1,43 @@
 #include "framework/ServiceThreadPool.h"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <utility>
 
 #include "framework/ServiceExecutor.h"
 #include "framework/Threader.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Processors.h"
 #include "runtime/libClientUtils/trace/Trace.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/LiveExecutors.h"
 #include "runtime/libServiceExecutor/PoolState.h"
 #include "runtime/libServiceExecutor/UnrecordedServices.h"
 
-/** While it lives, a task runs; the lock is released meanwhile. */
+namespace {
+
+// A task that nobody starts meanwhile is looked after; about what it takes to wake a thread.
+constexpr std::chrono::microseconds kPatience{50};
+
+// How many threads that are free are woken by one that looks after them.
+constexpr std::size_t kMostCalled = 8;
+
+// How many times as many tasks may start when those before did not get on.
+constexpr std::size_t kMoreAtOnce = 8;
+
+}  // namespace
+
+/** While it lives, a task runs. Made under the lock, which it has again afterwards. */
 class ServiceThreadPool::State::Running {
  public:
-  Running(State& pool, std::unique_lock<std::mutex>& lock) : pool_(pool), lock_(lock) {
-    ++pool_.running_;
-    lock_.unlock();
+  Running(State& pool, Worker& worker, std::unique_lock<std::mutex>& lock)
+      : pool_(pool), worker_(worker), lock_(lock) {
+    worker_.begun = pool_.running_.begin();
   }
   ~Running() {
-    lock_.lock();
-    --pool_.running_;
+    if (!lock_.owns_lock()) lock_.lock();
+    pool_.running_.end(worker_.begun);
     // This thread looks for a task next; others are for those that come in the meantime.
   }
   Running(const Running&) = delete;
@@ -29,19 +45,79 @@ class ServiceThreadPool::State::Running {
 
  private:
   State& pool_;
+  Worker& worker_;
   std::unique_lock<std::mutex>& lock_;
 };
 
-/** While it lives, a thread looks for a task. Made and destroyed under the lock. */
-class ServiceThreadPool::State::Looking {
+/** A thread that has nothing to do. Made and destroyed under the lock; it takes no memory. */
+class ServiceThreadPool::State::Sleeper {
  public:
-  explicit Looking(State& pool) : pool_(pool) { ++pool_.looking_; }
-  ~Looking() { --pool_.looking_; }
-  Looking(const Looking&) = delete;
-  Looking& operator=(const Looking&) = delete;
+  explicit Sleeper(State& pool) : pool_(pool), parker_(zerva::Parker::ofThisThread()) {}
+  ~Sleeper() { getUp(); }
+  Sleeper(const Sleeper&) = delete;
+  Sleeper& operator=(const Sleeper&) = delete;
+
+  const std::shared_ptr<zerva::Parker>& parker() const { return parker_; }
+
+  /** Sleeps until it is called, or without a reason. */
+  void sleep(std::unique_lock<std::mutex>& lock) {
+    next_ = pool_.sleepers_;
+    pool_.sleepers_ = this;
+    lock.unlock();
+    parker_->park();
+    lock.lock();
+    getUp();
+  }
+
+  /** As above, and not longer than that. @returns whether the time is over. */
+  bool watch(std::unique_lock<std::mutex>& lock, zerva::Clock::time_point until) {
+    pool_.watcher_ = this;
+    lock.unlock();
+    const bool over = !parker_->park(until);
+    lock.lock();
+    getUp();
+    return over;
+  }
+
+  /** Takes the one that slept last, whose memory is the warmest; the one that watches if need be.
+   */
+  static Sleeper* callOne(State& pool) {
+    Sleeper*& first = pool.sleepers_ != nullptr ? pool.sleepers_ : pool.watcher_;
+    Sleeper* const called = first;
+    if (called != nullptr) {
+      first = std::exchange(called->next_, nullptr);
+      called->called_ = true;
+      ++pool.called_;
+    }
+    return called;
+  }
+
+  static void wakeAll(const State& pool) {
+    for (const Sleeper* one = pool.sleepers_; one != nullptr; one = one->next_) {
+      one->parker_->unpark();
+    }
+    if (pool.watcher_ != nullptr) pool.watcher_->parker_->unpark();
+  }
 
  private:
+  /** Is no sleeper any more, however that came. */
+  void getUp() {
+    if (std::exchange(called_, false)) {
+      --pool_.called_;
+      return;
+    }
+    if (pool_.watcher_ == this) pool_.watcher_ = nullptr;
+    for (Sleeper** one = &pool_.sleepers_; *one != nullptr; one = &(*one)->next_) {
+      if (*one != this) continue;
+      *one = std::exchange(next_, nullptr);
+      return;
+    }
+  }
+
   State& pool_;
+  const std::shared_ptr<zerva::Parker>& parker_;
+  Sleeper* next_ = nullptr;
+  bool called_ = false;
 };
 
 /** Takes a thread out of the pool when it ends, also when somebody ends it in the middle. */
@@ -54,14 +130,12 @@ class ServiceThreadPool::State::Leaving {
     earlier.swap(pool_.ended_);
     lock.unlock();
     // So that at most one thread that has ended is kept, however many were needed once.
-    for (const auto& ended : earlier) {
-      ended->waitForThreadCompletion();
-    }
+    waitFor(earlier);
     lock.lock();
     const auto self = std::find_if(pool_.workers_.begin(), pool_.workers_.end(),
                                    [this](const auto& known) { return known.get() == &worker_; });
     pool_.ended_.splice(pool_.ended_.end(), pool_.workers_, self);
-    pool_.wakeAll();
+    Sleeper::wakeAll(pool_);
     pool_.workerEnded_.notify_all();
   }
   Leaving(const Leaving&) = delete;
@@ -110,7 +184,10 @@ void ServiceThreadPool::remove(ServiceExecutor* executor) {
 InvokeInterceptorDispatcher* ServiceThreadPool::dispatcher() const { return state_->dispatcher; }
 
 ServiceThreadPool::State::State(unsigned size, InvokeInterceptorDispatcher* forOthers)
-    : dispatcher(forOthers), size_(size) {}
+    : dispatcher(forOthers),
+      size_(size),
+      processors_(zerva::usableProcessors()),
+      atOnce_(processors_) {}
 
 ServiceThreadPool::State::~State() = default;
 
@@ -121,17 +198,7 @@ bool ServiceThreadPool::State::execute(std::function<void()> task) {
   }
   const std::uint64_t number = ++lastTask_;
   tasks_.push_back({number, std::move(task)});
-  if (!needsThread()) {
-    const std::shared_ptr<zerva::Parker> sleeper = mayStart() ? takeSleeper() : nullptr;
-    lock.unlock();
-    if (sleeper != nullptr) {
-      sleeper->unpark();
-    }
-    return true;
-  }
-  // Without a new thread the task starts when one of those that look for tasks is free. Threads
-  // that are only being made do not count: they may fail as this one did.
-  if (addThread(lock) || workers_.size() > starting_) {
+  if (callThreads(lock)) {
     return true;
   }
   const auto mine = std::find_if(tasks_.begin(), tasks_.end(),
@@ -145,94 +212,150 @@ bool ServiceThreadPool::State::execute(std::function<void()> task) {
   return false;
 }
 
-void ServiceThreadPool::State::leave() {
+void ServiceThreadPool::State::leave(const Worker& worker) {
   std::unique_lock lock(mutex_);
-  --running_;
+  running_.end(worker.begun);
   ++waiting_;
-  if (needsThread()) {
-    addThread(lock);
-  } else if (const auto sleeper = mayStart() ? takeSleeper() : nullptr; sleeper != nullptr) {
-    lock.unlock();
-    sleeper->unpark();
-  }
+  callThreads(lock);
 }
 
-void ServiceThreadPool::State::comeBack() {
+void ServiceThreadPool::State::comeBack(Worker& worker) {
   const std::lock_guard lock(mutex_);
   --waiting_;
-  ++running_;
+  worker.begun = running_.begin();
 }
 
-/** Makes a thread; the lock is released while the system does. */
+/** @returns how many tasks may start at once, as far as they are there. */
+std::size_t ServiceThreadPool::State::room() const {
+  const std::size_t all = running_.count() < size_ ? size_ - running_.count() : 0;
+  if (ending_) return all;
+  return std::min(all, running_.young() < atOnce_ ? atOnce_ - running_.young() : 0);
+}
+
+bool ServiceThreadPool::State::mayTake() const { return !tasks_.empty() && room() > 0; }
+
+/** @returns whether there are tasks that are kept waiting for want of a processor only. */
+bool ServiceThreadPool::State::needsWatch() const {
+  const std::size_t now = room();
+  return watcher_ == nullptr && tasks_.size() > now && running_.count() + now < size_;
+}
+
+/** @returns whether one more thread is to look for a task than those that are about to. */
+bool ServiceThreadPool::State::needsThread() const {
+  const std::size_t now = std::min(tasks_.size(), room());
+  // Threads that are only being made may fail; as long as there are no others, each task has one.
+  if (starting_ == workers_.size()) return now > 0 && tasks_.size() > starting_;
+  const std::size_t coming = called_ + starting_;
+  return now > coming || (coming == 0 && needsWatch());
+}
+
+/**
+ * Gets threads to look for a task, if some are needed: those that are free, or else a new one. The
+ * lock may be released. Whoever takes a task then calls further ones.
+ *
+ * @returns false when nobody would start a task.
+ */
+bool ServiceThreadPool::State::callThreads(std::unique_lock<std::mutex>& lock) {
+  if (!needsThread()) {
+    return true;
+  }
+  std::array<std::shared_ptr<zerva::Parker>, kMostCalled> called;
+  std::size_t count = 0;
+  do {
+    const Sleeper* const sleeper = Sleeper::callOne(*this);
+    if (sleeper == nullptr) break;
+    called[count++] = sleeper->parker();
+  } while (count < called.size() && needsThread());
+  if (count > 0) {
+    // Woken under the lock they would run into it.
+    lock.unlock();
+    for (std::size_t one = 0; one < count; ++one) called[one]->unpark();
+    return true;
+  }
+  // Without a new thread the task starts when one of those that look for tasks is free. Threads
+  // that are only being made do not count: they may fail as this one did.
+  return addThread(lock) || workers_.size() > starting_;
+}
+
+/** Makes a thread; the lock is released while the system does. @returns whether there is one. */
 bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
+  Workers added;
+  // There may be no memory for it, which is as good as no thread.
+  if (zerva::exceptionOf([&] { added.push_back(std::make_unique<Worker>(*this)); })) return false;
+  Worker& worker = *added.front();
+  const auto place = added.begin();
+  workers_.splice(workers_.end(), added);
+  ++starting_;
   Workers ended;
   ended.swap(ended_);
-  workers_.push_back(std::make_unique<Worker>(*this));
-  const auto added = std::prev(workers_.end());
-  ++starting_;
   lock.unlock();
-  for (const auto& worker : ended) {
-    worker->waitForThreadCompletion();
-  }
+  waitFor(ended);
   bool started = false;
   // A worker that is counted and has no thread would be waited for at the end.
   zerva::exceptionOf([&] {
     unsigned long threadId = 0;
     const zerva::TraceWorkScope nobody{{}};
-    started = Threader().spawn(&threadId, added->get(), "pool", THREAD_PRIORITY_NORMAL, 0);
+    started = Threader().spawn(&threadId, &worker, "pool", THREAD_PRIORITY_NORMAL, 0);
   });
   lock.lock();
   if (!started) {
     --starting_;
-    workers_.erase(added);
-    wakeAll();
+    workers_.erase(place);
+    Sleeper::wakeAll(*this);
     workerEnded_.notify_all();
   }
   return started;
 }
 
-/** @returns who slept last of those that look for a task, whose memory is the warmest; or null. */
-std::shared_ptr<zerva::Parker> ServiceThreadPool::State::takeSleeper() {
-  if (sleepers_.empty()) return nullptr;
-  const std::shared_ptr<zerva::Parker> last = std::move(sleepers_.back());
-  sleepers_.pop_back();
-  return last;
-}
-
-void ServiceThreadPool::State::wakeAll() {
-  for (const auto& sleeper : sleepers_) {
-    sleeper->unpark();
-  }
-}
-
-/** Waits until there is a task, or the thread is not needed any more; counted meanwhile. */
+/** Waits until there is a task to be started, or the thread is not needed any more. */
 void ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
-  // However it ends, also for want of memory: one that is counted is relied on.
-  const Looking looking(*this);
-  while (!mayStart() && !ending_ && !tooMany()) {
-    const std::shared_ptr<zerva::Parker>& parker = zerva::Parker::ofThisThread();
-    sleepers_.push_back(parker);
-    lock.unlock();
-    parker->park();
-    lock.lock();
-    // It is there no more when a sleeper was wanted.
-    sleepers_.erase(std::remove(sleepers_.begin(), sleepers_.end(), parker), sleepers_.end());
+  Sleeper self(*this);
+  while (!mayTake() && !ending_) {
+    if (needsWatch()) {
+      watch(lock, self);
+    } else if (tooMany()) {
+      return;
+    } else {
+      self.sleep(lock);
+    }
   }
+}
+
+/** Sees to it that a task that no processor is free for does not wait for those that do not end. */
+void ServiceThreadPool::State::watch(std::unique_lock<std::mutex>& lock, Sleeper& watcher) {
+  processors_ = zerva::usableProcessors();
+  atOnce_ = std::max(atOnce_, processors_);
+  const bool over = watcher.watch(lock, zerva::Clock::now() + kPatience);
+  if (!over || tasks_.empty()) return;
+  bool stuck = running_.nextRound();
+  // Where some do not get on, others are believed to be like them.
+  if (atOnce_ > processors_) stuck = running_.nextRound() || stuck;
+  if (stuck) atOnce_ = std::min<std::size_t>(atOnce_ * kMoreAtOnce, size_);
+}
+
+/** @returns the first task. */
+std::function<void()> ServiceThreadPool::State::take() {
+  std::function<void()> task = std::move(tasks_.front().run);
+  tasks_.pop_front();
+  if (tasks_.empty()) atOnce_ = processors_;
+  return task;
 }
 
 void ServiceThreadPool::State::work(Worker& worker) {
-  zerva::servingThread().place = this;
+  zerva::servingThread().place = &worker;
   const Leaving leaving(*this, worker);
   std::unique_lock lock(mutex_);
   --starting_;
   for (;;) {
     awaitTask(lock);
-    if (!mayStart()) {
+    if (!mayTake()) {
       return;
     }
-    const std::function<void()> task = std::move(tasks_.front().run);
-    tasks_.pop_front();
-    const Running running(*this, lock);
+    const Running running(*this, worker, lock);
+    const std::function<void()> task = take();
+    // Others are not to wait for this one.
+    callThreads(lock);
+    if (lock.owns_lock()) lock.unlock();
     task();
   }
 }
@@ -240,12 +363,17 @@ void ServiceThreadPool::State::work(Worker& worker) {
 void ServiceThreadPool::State::end() {
   std::unique_lock lock(mutex_);
   ending_ = true;
-  wakeAll();
+  Sleeper::wakeAll(*this);
   workerEnded_.wait(lock, [this] { return workers_.empty(); });
   Workers ended;
   ended.swap(ended_);
   lock.unlock();
+  waitFor(ended);
+}
+
+/** Waits for threads that have ended. One that cannot be waited for is left to the system. */
+void ServiceThreadPool::State::waitFor(const Workers& ended) {
   for (const auto& worker : ended) {
-    worker->waitForThreadCompletion();
+    zerva::exceptionOf([&] { worker->waitForThreadCompletion(); });
   }
 }

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <thread>
 
+#include "runtime/libClientUtils/Processors.h"
 #include "runtime/libServiceExecutor/Drain.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
@@ -33,6 +35,58 @@ TEST(APool, RunsAsManyTasksAtOnceAsItsSizeSaysAndNoMore) {
     ASSERT_TRUE(waitUntil([&] { return done == 30; }));
   }
   EXPECT_EQ(most, 3);
+}
+
+// On one processor each waits for one that sleeps, until somebody looks after them.
+TEST(APool, StartsATaskAlthoughThoseBeforeItDoNotEnd) {
+  constexpr int kTasks = 40;
+  std::atomic<int> done{0};
+  {
+    ServiceThreadPool sut(kTasks, nullptr);
+    zerva::Barrier all(kTasks);
+    for (int round = 1; round <= 3; ++round) {
+      for (int i = 0; i < kTasks; ++i) {
+        ASSERT_TRUE(sut.execute([&] {
+          all.arriveAndWait();
+          ++done;
+        }));
+      }
+      ASSERT_TRUE(waitUntil([&] { return done == round * kTasks; }));
+    }
+  }
+}
+
+TEST(APool, StartsATaskAlthoughTheOneBeforeItDoesNotEndAndItHasLittleToDo) {
+  ServiceThreadPool sut(2, nullptr);
+  zerva::Gate gate;
+  ASSERT_TRUE(sut.execute([&] { gate.wait(); }));
+  ASSERT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+  for (int i = 1; i <= 20; ++i) {
+    std::atomic<bool> done{false};
+    ASSERT_TRUE(sut.execute([&] { done = true; }));
+    ASSERT_TRUE(waitUntil([&] { return done.load(); }));
+  }
+  gate.open();
+}
+
+long threadsNow() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                       std::filesystem::directory_iterator());
+}
+
+// How many it makes is a matter of time: what takes long for want of a processor looks like what
+// does not end. So it has as many goes as it likes.
+TEST(APool, MakesNoThreadForEachOfManyShortTasks) {
+  constexpr int kTasks = 30;
+  const long few = threadsNow() + static_cast<long>(std::max(2U, zerva::usableProcessors())) + 1;
+  EXPECT_TRUE(waitUntil([&] {
+    ServiceThreadPool sut(kTasks, nullptr);
+    std::atomic<int> done{0};
+    for (int i = 0; i < kTasks; ++i) {
+      sut.execute([&] { ++done; });
+    }
+    return waitUntil([&] { return done == kTasks; }) && threadsNow() <= few;
+  }));
 }
 
 TEST(APool, FinishesItsTasksBeforeItIsGone) {
@@ -86,10 +140,6 @@ TEST(APool, KeepsReachableTheServiceOfAnExecutorThatNobodyElseDeleted) {
 }
 
 TEST(APool, EndsTheThreadsThatItNeededOnlyWhileOthersWaited) {
-  const auto threads = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                         std::filesystem::directory_iterator());
-  };
   ExecutorWorld world(2);
   zerva::Gate gate;
   ScriptedService slow([&](const std::string& request) {
@@ -99,14 +149,14 @@ TEST(APool, EndsTheThreadsThatItNeededOnlyWhileOthersWaited) {
   world.run(&slow, "/slow", Mode::ST);
   ScriptedService service([](const std::string& request) { return ask("/slow", request).data; });
   world.run(&service, "/svc", Mode::MT);
-  const auto before = threads();
+  const auto before = threadsNow();
   CommsChannel caller("/test/caller", nullptr);
   for (int i = 0; i < 20; ++i) {
     caller.sendTo("/svc", "x");
   }
-  ASSERT_TRUE(waitUntil([&] { return threads() >= before + 20; }));
+  ASSERT_TRUE(waitUntil([&] { return threadsNow() >= before + 20; }));
   gate.open();
-  EXPECT_TRUE(waitUntil([&] { return threads() <= before + 2; }));
+  EXPECT_TRUE(waitUntil([&] { return threadsNow() <= before + 2; }));
   world.end();
 }
 
