@@ -2,24 +2,16 @@
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
 #include <utility>
 
-#include "FrameworkContext.h"
 #include "framework/CommsChannel.h"
-#include "framework/CommsChannelDataContainerMessage.h"
-#include "framework/DecodeException.h"
-#include "framework/Executable.h"
-#include "framework/InvokeInterceptorDispatcher.h"
-#include "framework/Invoker.h"
-#include "framework/ProtocolAdapter.h"
 #include "framework/ServiceThreadPoolIfc.h"
 #include "framework/Threader.h"
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/ExceptionText.h"
-#include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
+#include "runtime/libServiceExecutor/TakenMessage.h"
 
 namespace zerva {
 
@@ -28,12 +20,6 @@ namespace {
 std::shared_ptr<Mailbox> mailboxOf(CommsChannelIfc* channel) {
   auto* const own = dynamic_cast<CommsChannel*>(channel);
   return own != nullptr ? own->state().mailbox : nullptr;
-}
-
-const Payload& nothing() {
-  // Never destroyed, since threads may serve while the process ends.
-  static const auto* const empty = new Payload(std::make_shared<const std::string>());
-  return *empty;
 }
 
 void unparkAll(const std::vector<std::shared_ptr<Parker>>& parkers) {
@@ -75,6 +61,8 @@ ExecutorCore::ExecutorCore(ExecutorSettings settings)
   }
 }
 
+ExecutorCore::~ExecutorCore() = default;
+
 void ExecutorCore::trace(TraceKind kind) const {
   if (!Trace::on()) return;
   TraceEvent(kind)
@@ -95,6 +83,7 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
     started_ = true;
     if (runsOnPool()) {
       waitingForPool = queue_.size();
+      enterPool(waitingForPool);
     }
   }
   trace(TraceKind::ExecutorStarted);
@@ -135,12 +124,17 @@ void ExecutorCore::shutdown() {
 
 bool ExecutorCore::waitUntilIdle(Clock::time_point deadline) {
   std::unique_lock lock(mutex_);
-  return ended_.wait_until(lock, deadline, [this] { return underWay_ == 0; });
+  ++awaitingIdle_;
+  const bool idle = ended_.wait_until(lock, deadline, [this] { return underWay_ == 0; });
+  --awaitingIdle_;
+  return idle;
 }
 
 void ExecutorCore::waitUntilIdle() {
   std::unique_lock lock(mutex_);
+  ++awaitingIdle_;
   ended_.wait(lock, [this] { return underWay_ == 0; });
+  --awaitingIdle_;
 }
 
 std::function<std::string()> ExecutorCore::laterDescription() const {
@@ -178,18 +172,6 @@ void ExecutorCore::append(Envelope& envelope) {
   }
 }
 
-/** Takes a message out of the queue, to be served. Called under the lock. */
-Envelope ExecutorCore::take(Queue::iterator which) {
-  Envelope taken = std::move(*which);
-  if (spare_.empty()) {
-    spare_.splice(spare_.begin(), queue_, which);
-  } else {
-    queue_.erase(which);
-  }
-  ++begun_;
-  return taken;
-}
-
 Executable* ExecutorCore::service() const {
   const std::lock_guard lock(mutex_);
   return service_;
@@ -209,7 +191,8 @@ bool ExecutorCore::receive(Envelope& envelope) {
       error = finalError_;
     } else {
       toPool = started_ && runsOnPool();
-      if (!toPool && (ownThreadIdle_ || envelope.chain.sameAs(ownChain_))) {
+      const bool ownChain = ownChain_ != 0 && envelope.chain.id() == ownChain_;
+      if (!toPool && (ownThreadIdle_ || ownChain)) {
         woken = ownParker_;
       }
       // A timer's expiry is for a service that exists or is being made; it asks for none.
@@ -217,6 +200,7 @@ bool ExecutorCore::receive(Envelope& envelope) {
         wish(envelope.chain);
       }
       append(envelope);
+      if (toPool) enterPool(1);
     }
   }
   if (!error.empty()) {
@@ -262,38 +246,36 @@ void ExecutorCore::waitEnds(const std::shared_ptr<Parker>& parker) {
 }
 
 bool ExecutorCore::serveNext(const CallChain& chain) {
-  Envelope envelope;
-  Executable* target = nullptr;
-  {
-    const std::lock_guard lock(mutex_);
-    if (runsOnPool()) {
-      return false;
-    }
-    // The messages of the chain keep the order in which they came. While the service is being made
-    // it serves only what the making itself waits for: the others come before it exists.
-    const auto next = std::find_if(queue_.begin(), queue_.end(), [&](const Envelope& queued) {
-      return creating_ ? queued.chain.isAwaitedBy(making_) : queued.chain.sameAs(chain);
-    });
-    if (next == queue_.end()) {
-      return false;
-    }
-    envelope = take(next);
-    target = service_;
+  std::unique_lock lock(mutex_);
+  if (runsOnPool()) {
+    return false;
   }
+  // The messages of the chain keep the order in which they came. While the service is being made
+  // it serves only what the making itself waits for: the others come before it exists.
+  const auto next = std::find_if(queue_.begin(), queue_.end(), [&](const Envelope& queued) {
+    return creating_ ? queued.chain.isAwaitedBy(making_) : queued.chain.sameAs(chain);
+  });
+  if (next == queue_.end()) {
+    return false;
+  }
+  Taken taken(*this, lock, next);
+  Executable* target = service_;
+  lock.unlock();
   if (servingThread().nesting >= kMaximumNestingOnOneThread) {
-    failNested(envelope, "more than " + std::to_string(kMaximumNestingOnOneThread) +
-                             " requests inside each other on the thread of channel '" +
-                             channelName_ + "'");
+    failNested(taken.envelope(), "more than " + std::to_string(kMaximumNestingOnOneThread) +
+                                     " requests inside each other on the thread of channel '" +
+                                     channelName_ + "'");
     return true;
   }
   if (target == nullptr) {
     target = serviceInTheMaking();
   }
   if (target == nullptr) {
-    failNested(envelope, "the service of channel '" + channelName_ + "' does not exist yet");
+    failNested(taken.envelope(),
+               "the service of channel '" + channelName_ + "' does not exist yet");
     return true;
   }
-  serve(envelope, *target);
+  serve(taken, *target);
   return true;
 }
 
@@ -312,17 +294,15 @@ void ExecutorCore::serveOnOwnThread() {
     if (service_ == nullptr && wished_) {
       makeService(lock);
     } else if (service_ != nullptr && !queue_.empty()) {
-      Envelope envelope = take(queue_.begin());
-      ownChain_ = envelope.chain;
+      const UnderWay underWay(*this, lock);
+      Taken taken(*this, lock, queue_.begin());
+      ownChain_ = taken.envelope().chain.id();
       Executable& service = *service_;
-      {
-        const UnderWay underWay(*this);
-        lock.unlock();
-        parker->isGivenWorkFrom(envelope.input);
-        serve(envelope, service);
-      }
+      lock.unlock();
+      parker->isGivenWorkFrom(taken.envelope().input);
+      serve(taken, service);
       lock.lock();
-      ownChain_ = {};
+      ownChain_ = 0;
     } else {
       ownThreadIdle_ = true;
       lock.unlock();
@@ -334,149 +314,42 @@ void ExecutorCore::serveOnOwnThread() {
 }
 
 void ExecutorCore::serveOneOnPool() {
+  std::shared_ptr<ExecutorCore> last;  // released without the lock
   std::unique_lock lock(mutex_);
+  const InPool inPool(*this, last);
   if (queue_.empty()) {
     return;  // refused meanwhile
   }
-  Envelope envelope = take(queue_.begin());
+  const UnderWay underWay(*this, lock);
+  Taken taken(*this, lock, queue_.begin());
   Executable& service = *service_;
-  const UnderWay underWay(*this);
   lock.unlock();
-  Parker::ofThisThread()->isGivenWorkFrom(envelope.input);
-  serve(envelope, service);
+  Parker::ofThisThread()->isGivenWorkFrom(taken.envelope().input);
+  serve(taken, service);
 }
 
-void ExecutorCore::serve(Envelope& envelope, Executable& service) {
-  const ServingScope scope(this, envelope.chain);
-  const auto error = exceptionOf([&] {
-    if (envelope.expiry != nullptr) {
-      fire(*envelope.expiry, service);
-    } else {
-      serveMessage(envelope, service);
-    }
-  });
-  if (error) {
-    // The service is not to blame: an interceptor, or no memory for the answer. The envelope
-    // answers by itself when it goes.
-    countFailure();
-    EXECUTOR_LOG(2, "channel '%s': a message was lost: %s", channelName_.c_str(), error->c_str());
-  }
+/** Says, under the lock, that so many tasks are about to be handed to the pool. */
+void ExecutorCore::enterPool(std::size_t tasks) {
+  if (tasks > 0 && inPool_ == 0) heldByPool_ = shared_from_this();
+  inPool_ += tasks;
 }
 
-void ExecutorCore::serveMessage(Envelope& envelope, Executable& service) {
-  const bool seen = settings_.dispatcher != nullptr && settings_.dispatcher->hasInterceptors();
-  const auto start = seen ? Clock::now() : Clock::time_point();
-  Payload answer = nothing();
-  const bool isCall = envelope.callee != nullptr && !envelope.callee->interface.empty();
-  std::string method;
-  const std::string error = isCall ? call(service, envelope, seen ? &method : nullptr, answer)
-                                   : handOver(service, envelope, answer);
-  const auto duration = seen ? Clock::now() - start : Clock::duration();
-  if (!error.empty()) {
-    countFailure();
-    EXECUTOR_LOG(2, "%s: a message from channel '%s' failed: %s", description().c_str(),
-                 envelope.from().c_str(), error.c_str());
-  }
-  // Reported first, so that whoever gets the answer finds the request counted.
-  if (seen) {
-    settings_.dispatcher->dispatch({isCall ? envelope.callee->interface : settings_.interfaces,
-                                    method, envelope.from(), channelName_, duration, error});
-  }
-  mailbox_->answer(envelope, std::move(answer), error);
-}
-
-/**
- * Makes a call of an interface method.
- *
- * @param method gets its name, for those who see the call; may be null.
- * @returns why it failed, or "".
- */
-std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
-                               Payload& answer) {
-  std::string interface = envelope.callee->interface;
-  std::string protocol = envelope.callee->protocol;
-  std::string reply;
-  std::optional<std::string> refusal;
-  ProtocolAdapter* adapter = nullptr;
-  Invoker* invoker = nullptr;
-  if (const auto error = exceptionOf([&] {
-        adapter = settings_.context->findProtocolAdapter(protocol);
-        invoker = settings_.context->findInvoker(interface, protocol);
-      })) {
-    return "looking up its invoker failed: " + *error;
-  }
-  if (adapter == nullptr) {
-    return "protocol '" + protocol + "' is not known there";
-  }
-  if (invoker == nullptr) {
-    return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
-  }
-  const auto error = exceptionOf([&] {
-    try {
-      if (method != nullptr) {
-        *method = adapter->methodOf(*envelope.data);
-      }
-      invoker->invoke(service, *adapter, *envelope.data, reply);
-    } catch (const DecodeException& exception) {
-      refusal = exception.what();
-    }
-  });
-  if (error) {
-    return "the service threw: " + *error;
-  }
-  if (refusal && refusal->empty()) {
-    // Also a refusal without a text is one.
-    return "the call was refused without a reason";
-  }
-  answer = std::make_shared<const std::string>(std::move(reply));
-  return refusal.value_or(std::string());
-}
-
-/** Hands the service a message that is no call. @returns why it failed, or "". */
-std::string ExecutorCore::handOver(Executable& service, const Envelope& envelope, Payload& answer) {
-  CommsChannelDataContainerMessage message;
-  message.state() = {
-      envelope.sender, {}, envelope.data, static_cast<long>(envelope.ticket.requestId()), {}};
-  CommsChannelDataContainerMessage reply;
-  if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
-    // Also a service that throws an empty text has failed.
-    return error->empty() ? "an exception without a text" : *std::move(error);
-  }
-  if (reply.state().data != nullptr) {
-    answer = reply.state().data;
-  }
-  return {};
-}
-
-void ExecutorCore::fire(Expiry& expiry, const Executable& service) {
-  // Two channels may have one name; the timer is then told apart by its owner.
-  if (expiry.owner() != &service) {
-    EXECUTOR_LOG(2, "%s: got an expiry of another owner's timer", description().c_str());
-    return;
-  }
-  if (const auto error = exceptionOf([&] { expiry.fire(); })) {
-    countFailure();
-    EXECUTOR_LOG(2, "%s: timerExpired failed: %s", description().c_str(), error->c_str());
-  }
-}
-
+/** Makes a task for each of so many requests, which `enterPool` was told of. */
 void ExecutorCore::handToPool(std::size_t requests) {
   for (; requests > 0; --requests) {
     bool taken = false;
     // Whatever it is that the pool fails of: a request without its task would never be served.
-    const auto error = exceptionOf([&] {
-      taken = settings_.pool->execute([self = shared_from_this()] { self->serveOneOnPool(); });
-    });
+    const auto error =
+        exceptionOf([&] { taken = settings_.pool->execute([this] { serveOneOnPool(); }); });
     if (taken) {
       continue;
     }
+    std::shared_ptr<ExecutorCore> last;  // released without the lock
     Queue refused;
     {
       const std::lock_guard lock(mutex_);
-      if (!queue_.empty()) {
-        refused.push_back(std::move(queue_.front()));
-        queue_.pop_front();
-      }
+      const InPool inPool(*this, last);
+      if (!queue_.empty()) refused.splice(refused.begin(), queue_, queue_.begin());
     }
     const std::string cause = "the pool has no thread for channel '" + channelName_ + "'";
     for (const Envelope& request : refused) {

@@ -59,6 +59,7 @@ class ExecutorCore final : public RequestReceiver,
                            public std::enable_shared_from_this<ExecutorCore> {
  public:
   explicit ExecutorCore(ExecutorSettings settings);
+  ~ExecutorCore() override;
 
   /** Lets requests in; see `ServiceExecutor::startThread`. */
   void start(Threader& threader, unsigned long& threadId);
@@ -120,37 +121,62 @@ class ExecutorCore final : public RequestReceiver,
     bool final;
   };
 
-  /** While it lives, a request or the making of the service is under way. Made under the lock. */
+  /** What a service gets that is handed a message; kept for the next one. */
+  struct Handed;
+
+  /**
+   * While it lives, a request or the making of the service is under way. Made under the lock, which
+   * may be released meanwhile, and is held again afterwards.
+   */
   class UnderWay {
    public:
-    explicit UnderWay(ExecutorCore& core) : core_(core) { ++core_.underWay_; }
+    UnderWay(ExecutorCore& core, std::unique_lock<std::mutex>& lock) : core_(core), lock_(lock) {
+      ++core_.underWay_;
+    }
     ~UnderWay() {
-      const std::lock_guard lock(core_.mutex_);
-      if (--core_.underWay_ == 0) {
-        core_.ended_.notify_all();
-      }
+      if (!lock_.owns_lock()) lock_.lock();
+      if (--core_.underWay_ == 0 && core_.awaitingIdle_ > 0) core_.ended_.notify_all();
     }
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;
 
    private:
     ExecutorCore& core_;
+    std::unique_lock<std::mutex>& lock_;
+  };
+
+  class Taken;
+
+  /** While it lives, a task of the pool that runs, or is refused. Lives under the lock. */
+  class InPool {
+   public:
+    /** @param last gets the executor when it was the last one, which may be its end. */
+    InPool(ExecutorCore& core, std::shared_ptr<ExecutorCore>& last) : core_(core), last_(last) {}
+    ~InPool() {
+      if (--core_.inPool_ == 0) last_ = std::move(core_.heldByPool_);
+    }
+    InPool(const InPool&) = delete;
+    InPool& operator=(const InPool&) = delete;
+
+   private:
+    ExecutorCore& core_;
+    std::shared_ptr<ExecutorCore>& last_;
   };
 
   bool runsOnPool() const { return settings_.multiThreaded && service_ != nullptr; }
   void serveOnOwnThread();
   void serveOneOnPool();
-  void serve(Envelope& envelope, Executable& service);
-  void serveMessage(Envelope& envelope, Executable& service);
+  void serve(Taken& taken, Executable& service);
+  void serveMessage(Taken& taken, Executable& service);
   void failNested(Envelope& envelope, const std::string& error);
-  std::string handOver(Executable& service, const Envelope& envelope, Payload& answer);
+  std::string handOver(Executable& service, Taken& taken, Payload& answer);
   std::string call(Executable& service, const Envelope& envelope, std::string* method,
                    Payload& answer);
   void fire(Expiry& expiry, const Executable& service);
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
+  void enterPool(std::size_t tasks);
   void handToPool(std::size_t requests);
   void append(Envelope& envelope);
-  Envelope take(Queue::iterator which);
   void refuse(Queue& requests, const std::string& error);
   void trace(TraceKind kind) const;
   void traceFirst(const Envelope& envelope);
@@ -182,12 +208,18 @@ class ExecutorCore final : public RequestReceiver,
   // The place of a message that was taken, for the next one: it would be freed by another thread
   // than the one that gets the next, which costs the allocator several times as much.
   Queue spare_;
+  std::unique_ptr<Handed> spareHanded_;
+  // Tasks that the pool has of this executor, and what keeps it alive meanwhile: a task that did so
+  // itself would take memory for each request.
+  std::size_t inPool_ = 0;
+  std::shared_ptr<ExecutorCore> heldByPool_;
   std::uint64_t begun_ = 0;  // how many messages and makings of the service were begun
   unsigned underWay_ = 0;
+  unsigned awaitingIdle_ = 0;                     // how many wait until nothing is under way
   std::vector<std::shared_ptr<Parker>> waiting_;  // threads of the executor that wait for a reply
   std::shared_ptr<Parker> ownParker_;             // of the executor's own thread
   bool ownThreadIdle_ = false;
-  CallChain ownChain_;  // what the own thread serves or makes the service for
+  std::uint64_t ownChain_ = 0;  // id of what the own thread serves or makes the service for
 
   // Making of a lazy service; guarded by mutex_.
   bool wished_ = false;

@@ -37,17 +37,14 @@ void ExecutorCore::makeService(std::unique_lock<std::mutex>& lock) {
   ++begun_;
   creatingThread_ = std::this_thread::get_id();
   making_ = chain;
-  ownChain_ = chain;
-  {
-    const UnderWay underWay(*this);
-    lock.unlock();
-    const Made made = callContext(chain);
-    if (made.service == nullptr) {
-      EXECUTOR_LOG(2, "%s: %s", description().c_str(), made.error.c_str());
-    }
-    settle(made);
+  ownChain_ = chain.id();
+  const UnderWay underWay(*this, lock);
+  lock.unlock();
+  const Made made = callContext(chain);
+  if (made.service == nullptr) {
+    EXECUTOR_LOG(2, "%s: %s", description().c_str(), made.error.c_str());
   }
-  lock.lock();
+  settle(made);
 }
 
 ExecutorCore::Made ExecutorCore::callContext(const CallChain& chain) {
@@ -82,7 +79,7 @@ void ExecutorCore::settle(const Made& made) {
     causeQueued_ = false;
     creatingThread_ = {};
     making_ = {};
-    ownChain_ = {};
+    ownChain_ = 0;
     ++attempts_;
     service_ = made.service;
     if (service_ != nullptr) {
@@ -97,6 +94,7 @@ void ExecutorCore::settle(const Made& made) {
       }
     } else if (settings_.multiThreaded) {
       forPool = queue_.size();
+      enterPool(forPool);
     }
   }
   for (const auto& parker : woken) {

@@ -309,6 +309,7 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
 
 /** Waits until there is a task to be started, or the thread is not needed any more. */
 void ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
+  if (mayTake()) return;
   Sleeper self(*this);
   while (!mayTake() && !ending_) {
     if (needsWatch()) {

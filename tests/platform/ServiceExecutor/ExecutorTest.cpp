@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
@@ -135,6 +136,56 @@ TEST_P(AnExecutorInEitherMode, TurnsAnExceptionIntoAnErrorReplyAndALogLine) {
   EXPECT_EQ(answer.data, "print");
   EXPECT_EQ(answer.error, "out of paper");
   EXPECT_THAT(log.journal.entries(), Contains(HasSubstr("out of paper")));
+  world.end();
+}
+
+/** Says something about each reply that only the next one could tell. */
+class WritingService final : public Service {
+ public:
+  void init(SvcRTEContext* /*context*/) override {}
+
+  void messageReceived(const CommsChannelDataContainerMessage& message,
+                       CommsChannelDataContainerMessage& reply) override {
+    journal.add(message.getChannel() + ' ' + message.getData() + ' ' + reply.getChannel() +
+                reply.getData() + reply.getError() + std::to_string(reply.getRequestId()));
+    reply.setChannel("/elsewhere");
+    reply.setRequestId(7);
+    reply.setError("wrong");
+    if (message.getData() == "throw") throw std::runtime_error("no");
+    if (message.getData() == "answer") reply.setData("answered");
+  }
+
+  Journal journal;
+};
+
+TEST_P(AnExecutorInEitherMode, HandsOutNothingOfTheMessageBefore) {
+  ExecutorWorld world;
+  WritingService service;
+  world.run(&service, "/svc", GetParam());
+  EXPECT_EQ(ask("/svc", "answer").data, "answered");
+  EXPECT_EQ(ask("/svc", "").data, "");
+  EXPECT_FALSE(ask("/svc", "throw").ok);
+  EXPECT_EQ(ask("/svc", "x").data, "");
+  EXPECT_EQ(service.journal.entries(),
+            (std::vector<std::string>{"/test/caller answer 0", "/test/caller  0",
+                                      "/test/caller throw 0", "/test/caller x 0"}));
+  world.end();
+}
+
+TEST_P(AnExecutorInEitherMode, KeepsNoDataOfAMessageThatWasServed) {
+  ExecutorWorld world;
+  ScriptedService service;
+  world.run(&service, "/svc", GetParam());
+  const auto mailbox = zerva::ChannelDirectory::instance().find("/svc");
+  ASSERT_NE(mailbox, nullptr);
+  for (int i = 0; i < 3; ++i) {
+    zerva::Envelope envelope;
+    const auto data = std::make_shared<const std::string>("data");
+    envelope.data = data;
+    envelope.chain = zerva::CallChain::begin();
+    ASSERT_TRUE(mailbox->deliver(envelope));
+    EXPECT_TRUE(waitUntil([&] { return data.use_count() == 1; }));
+  }
   world.end();
 }
 

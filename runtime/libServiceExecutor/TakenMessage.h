@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "framework/CommsChannelDataContainerMessage.h"
+#include "runtime/libServiceExecutor/ExecutorCore.h"
+
+namespace zerva {
+
+struct ExecutorCore::Handed {
+  CommsChannelDataContainerMessage message;
+  CommsChannelDataContainerMessage reply;
+};
+
+/**
+ * A message that was taken out of the queue, to be served. Made under the lock, which may be
+ * released meanwhile, and is held again afterwards.
+ */
+class ExecutorCore::Taken {
+ public:
+  Taken(ExecutorCore& core, std::unique_lock<std::mutex>& lock, Queue::iterator which)
+      : core_(core),
+        lock_(lock),
+        keepsPlace_(core.spare_.empty()),
+        handed_(std::move(core.spareHanded_)) {
+    place_.splice(place_.begin(), core.queue_, which);
+    ++core.begun_;
+  }
+  ~Taken() {
+    // Not under the lock: whoever still waits for an answer gets one.
+    if (lock_.owns_lock()) lock_.unlock();
+    if (keepsPlace_) {
+      envelope() = {};
+    } else {
+      place_.clear();
+    }
+    lock_.lock();
+    if (core_.spare_.empty()) core_.spare_.splice(core_.spare_.begin(), place_);
+    if (core_.spareHanded_ == nullptr) core_.spareHanded_ = std::move(handed_);
+  }
+  Taken(const Taken&) = delete;
+  Taken& operator=(const Taken&) = delete;
+
+  Envelope& envelope() { return place_.front(); }
+
+  /** @returns what the service gets, to be left empty. */
+  Handed& handed() {
+    if (handed_ == nullptr) handed_ = std::make_unique<Handed>();
+    return *handed_;
+  }
+
+  /** What it was handed is not used again. */
+  void dropHanded() { handed_.reset(); }
+
+ private:
+  ExecutorCore& core_;
+  std::unique_lock<std::mutex>& lock_;
+  const bool keepsPlace_;
+  Queue place_;
+  std::unique_ptr<Handed> handed_;
+};
+
+}  // namespace zerva
