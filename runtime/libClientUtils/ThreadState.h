@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "framework/Threadable.h"
+#include "runtime/libClientUtils/Description.h"
 
 /**
  * What a body, its thread and those who wait for it share. It outlives all of them, so that one who
@@ -27,6 +28,8 @@ struct Threadable::State {
   // Guarded by mutex.
   Phase phase = Phase::kNone;
   pthread_t thread{};
+  /** What the body was when it got the thread; the thread itself may read it without the lock. */
+  std::shared_ptr<const zerva::Description> body;
   /** Whether the thread has left the body; what is left of it is to be joined. */
   bool bodyLeft = false;
   /** Counts the joins that have ended. */

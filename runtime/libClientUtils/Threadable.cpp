@@ -27,13 +27,14 @@ void Threadable::waitForThreadCompletion() {
   const std::shared_ptr<State> state = state_;
   std::unique_lock lock(state->mutex);
   if (state->phase == State::Phase::kNone) return;
-  const zerva::Description body(this);
+  // The body may get another thread while this one is waited for.
+  const std::shared_ptr<const zerva::Description> body = state->body;
   const bool own = state->onOwnThread();
   lock.unlock();
   if (own) {
     logAppUni(kModule, kSource, kError, __LINE__,
               "The thread body %s waits for its own thread; the wait is given up",
-              body.text().c_str());
+              body->text().c_str());
     return;
   }
   const zerva::Waiting waiting("the end of the thread body ", body);

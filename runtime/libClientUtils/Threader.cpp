@@ -29,8 +29,7 @@ constexpr int kWarning = 3;
 /** What a new thread is told. */
 struct Start {
   Threadable* body;
-  /** Said before the body runs, which may delete itself. */
-  zerva::Description description;
+  /** Has what the body is: the body may delete itself. */
   std::shared_ptr<Threadable::State> state;
   std::string name;
   ThreadPriority priority;
@@ -63,7 +62,7 @@ void traceStart(const Start& start) {
   // What leaves this thread ends the process.
   zerva::Trace::guarded([&] {
     zerva::TraceEvent(zerva::TraceKind::ThreadRunning)
-        .with(zerva::TraceKey::Body, start.description.text())
+        .with(zerva::TraceKey::Body, start.state->body->text())
         .write();
   });
 }
@@ -111,7 +110,7 @@ void reportException(const Start& start) {
     const std::string text = zerva::currentExceptionText();
     logAppUni(kModule, kSource, kError, __LINE__,
               "An exception ended the thread '%s' with the body %s: %s", start.name.c_str(),
-              start.description.text().c_str(), text.c_str());
+              start.state->body->text().c_str(), text.c_str());
   });
   if (!noWords) return;
   logAppUni(kModule, kSource, kError, __LINE__, "An exception ended the thread '%s'",
@@ -172,18 +171,13 @@ Threader::~Threader() = default;
 bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name,
                      ThreadPriority priority, int stackSize) {
   if (threadId != nullptr) *threadId = 0;
-  auto start = std::make_unique<Start>(Start{body,
-                                             zerva::Description(body),
-                                             {},
-                                             std::move(name),
-                                             priority,
-                                             handsProcessScheduling(),
-                                             {},
-                                             {}});
+  auto description = std::make_shared<const zerva::Description>(body);
+  auto start = std::make_unique<Start>(
+      Start{body, {}, std::move(name), priority, handsProcessScheduling(), {}, {}});
   const auto fail = [&](const std::string& cause) {
     logAppUni(kModule, kSource, kError, __LINE__,
               "The thread '%s' with the body %s cannot be made: %s", start->name.c_str(),
-              start->description.text().c_str(), cause.c_str());
+              description->text().c_str(), cause.c_str());
     return false;
   };
   if (body == nullptr) return fail("there is no body");
@@ -205,6 +199,7 @@ bool Threader::spawn(unsigned long* threadId, Threadable* body, std::string name
       lock.unlock();
       return fail("the body runs already");
     }
+    state->body = description;
     error = makeThread(state->thread, start, bytes);
     if (error == 0) {
       state->phase = Threadable::State::Phase::kThere;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,14 +12,19 @@ namespace zerva {
 
 /**
  * Says, while it lives, what the calling thread waits for, so that a host that hangs can name it.
+ * Where it is made of what is there already, it takes no memory: there is one for each thread that
+ * ends.
  */
 class ZERVA_EXPORT Waiting {
  public:
   /** @param what a phrase that completes "waits for". */
   explicit Waiting(std::string what);
 
-  /** @param whose what the phrase ends with. */
-  Waiting(std::string what, Description whose);
+  /**
+   * @param what as above; not copied.
+   * @param whose what the phrase ends with.
+   */
+  Waiting(const char* what, std::shared_ptr<const Description> whose);
 
   ~Waiting();
   Waiting(const Waiting&) = delete;
@@ -40,7 +45,15 @@ class ZERVA_EXPORT Waiting {
   static std::string lastShutdown();
 
  private:
-  void begin(std::string what, std::optional<Description> whose);
+  void begin();
+  std::string text() const;
+
+  const std::string phrase_;
+  const char* const what_;
+  const std::shared_ptr<const Description> whose_;
+  // Its place among all waits, guarded by their mutex.
+  Waiting* before_ = nullptr;
+  Waiting* next_ = nullptr;
 };
 
 }  // namespace zerva

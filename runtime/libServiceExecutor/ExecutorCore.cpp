@@ -102,24 +102,29 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
 void ExecutorCore::shutdown() {
   Queue refused;
   std::vector<std::shared_ptr<Parker>> woken;
-  bool first = false;
+  std::shared_ptr<Parker> own;
   {
     const std::lock_guard lock(mutex_);
-    first = !closed_;
+    // What comes later finds it closed: there is nobody to be told again.
+    if (closed_) return;
     closed_.store(true, std::memory_order_release);
     refused.swap(queue_);
     woken = waiting_;
     woken.insert(woken.end(), awaitingService_.begin(), awaitingService_.end());
-    if (ownParker_ != nullptr) {
-      woken.push_back(ownParker_);
-    }
+    own = ownParker_;
   }
   if (mailbox_ != nullptr) {
     mailbox_->close();
   }
   unparkAll(woken);
-  refuse(refused, "channel '" + channelName_ + "' was closed");
-  if (first) trace(TraceKind::ExecutorStopped);
+  if (own != nullptr) own->unpark();
+  if (!refused.empty()) refuse(refused, "channel '" + channelName_ + "' was closed");
+  trace(TraceKind::ExecutorStopped);
+}
+
+bool ExecutorCore::isIdle() const {
+  const std::lock_guard lock(mutex_);
+  return underWay_ == 0;
 }
 
 bool ExecutorCore::waitUntilIdle(Clock::time_point deadline) {
@@ -137,14 +142,14 @@ void ExecutorCore::waitUntilIdle() {
   --awaitingIdle_;
 }
 
-std::function<std::string()> ExecutorCore::laterDescription() const {
-  const std::lock_guard lock(mutex_);
-  const std::string planned =
-      what_ ? "" : "service of " + settings_.creator + " in " + settings_.lib;
-  return [what = what_, planned, interfaces = settings_.interfaces, channel = channelName_] {
-    return (what ? what->text() : planned) + " (interface '" + interfaces + "', channel '" +
-           channel + "')";
-  };
+std::string ExecutorCore::description() const {
+  std::string what;
+  {
+    const std::lock_guard lock(mutex_);
+    if (what_) what = what_->text();
+  }
+  if (what.empty()) what = "service of " + settings_.creator + " in " + settings_.lib;
+  return what + " (interface '" + settings_.interfaces + "', channel '" + channelName_ + "')";
 }
 
 ExecutorProgress ExecutorCore::progress() const {

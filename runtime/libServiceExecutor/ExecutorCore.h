@@ -70,6 +70,9 @@ class ExecutorCore final : public RequestReceiver,
   /** See `ServiceExecutor::initService`. */
   void awaitService();
 
+  /** @returns whether no request and no creation is under way. */
+  bool isIdle() const;
+
   /** Waits until no request and no creation is under way. @returns false when time ran out. */
   bool waitUntilIdle(Clock::time_point deadline);
   void waitUntilIdle();
@@ -77,11 +80,8 @@ class ExecutorCore final : public RequestReceiver,
   /** Waits until the executor's own thread has ended. Called after `shutdown`. */
   void waitForThread() { thread_.waitForThreadCompletion(); }
 
-  /** @returns the service, its interfaces and its channel, for people. */
-  std::string description() const { return laterDescription()(); }
-
-  /** @returns what makes the same, also when the executor is gone. */
-  std::function<std::string()> laterDescription() const;
+  /** @returns the service, its interfaces and its channel, for people; also when they are gone. */
+  std::string description() const;
 
   /** @returns the service; null as long as it is not made. */
   Executable* service() const;

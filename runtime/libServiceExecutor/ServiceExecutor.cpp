@@ -72,7 +72,7 @@ ServiceExecutor::~ServiceExecutor() {
   ExecutorCore& core = *state_->core;
   const std::int64_t begin = zerva::Trace::begin();
   core.shutdown();
-  if (!core.waitUntilIdle(zerva::Clock::now())) {
+  if (!core.isIdle()) {
     const zerva::Waiting waiting("requests under way in " + core.description());
     core.waitUntilIdle();
   }
@@ -99,6 +99,7 @@ void ServiceExecutor::initService() {
 }
 
 void ServiceExecutor::shutdown() {
-  zerva::Waiting::noteShutdown(state_->core->laterDescription());
+  // What it tells of the executor may be wanted when the executor is gone.
+  zerva::Waiting::noteShutdown([core = state_->core] { return core->description(); });
   state_->core->shutdown();
 }

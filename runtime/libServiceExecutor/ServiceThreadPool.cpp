@@ -372,9 +372,9 @@ void ServiceThreadPool::State::end() {
   waitFor(ended);
 }
 
-/** Waits for threads that have ended. One that cannot be waited for is left to the system. */
+/** Waits for threads that have ended; that takes no memory. */
 void ServiceThreadPool::State::waitFor(const Workers& ended) {
   for (const auto& worker : ended) {
-    zerva::exceptionOf([&] { worker->waitForThreadCompletion(); });
+    worker->waitForThreadCompletion();
   }
 }

@@ -37,6 +37,20 @@ TEST(Waits, AreListedInTheOrderInWhichTheyBegan) {
   EXPECT_THAT(Waiting::all(), ElementsAre("another", "a third"));
 }
 
+TEST(Waits, MayEndInAnyOrder) {
+  std::optional<Waiting> first("one thing");
+  std::optional<Waiting> second("another");
+  std::optional<Waiting> third("a third");
+
+  second.reset();
+  EXPECT_THAT(Waiting::all(), ElementsAre("one thing", "a third"));
+  third.reset();
+  EXPECT_THAT(Waiting::all(), ElementsAre("one thing"));
+  second.emplace("one more");
+  first.reset();
+  EXPECT_THAT(Waiting::all(), ElementsAre("one more"));
+}
+
 TEST(Waits, AreNotListedWhenTheyAreOver) {
   { const Waiting sut("something"); }
 
@@ -46,7 +60,8 @@ TEST(Waits, AreNotListedWhenTheyAreOver) {
 TEST(Waits, MayEndWithADescription) {
   const DescribedService service;
 
-  const Waiting sut("the end of ", Description(static_cast<const Threadable*>(&service)));
+  const Waiting sut("the end of ",
+                    std::make_shared<const Description>(static_cast<const Threadable*>(&service)));
 
   EXPECT_THAT(Waiting::all(),
               ElementsAre(AllOf(StartsWith("the end of "), HasSubstr("DescribedService of "))));

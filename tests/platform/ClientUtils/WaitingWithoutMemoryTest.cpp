@@ -27,6 +27,16 @@ TEST(AThread, ThatOnlyWaits_NeedsNoMemoryOfItsOwn) {
   EXPECT_TRUE(place.expired());
 }
 
+// A pool waits for threads that have ended wherever it needs another one, and while it goes down.
+TEST(AThread, IsWaitedForWithoutMemory) {
+  FunctionBody sut([] {});
+  ASSERT_TRUE(Threader().spawn(nullptr, &sut, "ends", THREAD_PRIORITY_NORMAL, 0));
+  letAllocationFail(1);
+  sut.waitForThreadCompletion();
+  EXPECT_TRUE(allocationIsToFail()) << "it took some";
+  letAllocationFail(0);
+}
+
 TEST(AMessage, ThatNoOtherWaitsFor_NeedsNoMemoryForItsChain) {
   letAllocationFail(1);
   const CallChain request = CallChain::begin();

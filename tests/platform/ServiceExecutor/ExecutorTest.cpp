@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
+#include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libLoggingHandler/LogSettings.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
@@ -273,6 +274,18 @@ TEST_P(AnExecutorInEitherMode, WaitsForTheRequestsUnderWayWhenItIsDeleted) {
   EXPECT_TRUE(finished);
   opening.join();
   world.end();
+}
+
+TEST_P(AnExecutorInEitherMode, IsNamedAsTheOneThatWasShutDownLastAlsoWhenItIsGone) {
+  {
+    ExecutorWorld world;
+    ScriptedService service;
+    world.run(&service, "/svc", GetParam());
+    world.end();
+  }
+  EXPECT_THAT(zerva::Waiting::lastShutdown(),
+              testing::AllOf(HasSubstr("ScriptedService of service_executo"),
+                             HasSubstr(" (interface 'Ifc', channel '/svc')")));
 }
 
 TEST_P(AnExecutorInEitherMode, ThatWasNeverStarted_CanBeShutDownAndDeleted) {
