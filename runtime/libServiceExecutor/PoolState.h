@@ -14,6 +14,7 @@
 #include "runtime/libClientUtils/Parker.h"
 #include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libServiceExecutor/RunningTasks.h"
+#include "runtime/libServiceExecutor/StartLimit.h"
 
 /**
  * The pool's threads and what they have to do. A task starts at once as long as fewer tasks run
@@ -94,7 +95,6 @@ struct ServiceThreadPool::State final {
   std::size_t starting_ = 0;     // threads that were made and do not look for a task yet
   zerva::RunningTasks running_;  // tasks that run and do not wait
   std::size_t waiting_ = 0;      // tasks that wait
-  std::size_t processors_;
-  std::size_t atOnce_;  // how many tasks may run that are not old
+  zerva::StartLimit young_;      // how many tasks may run that are not old
   bool ending_ = false;
 };

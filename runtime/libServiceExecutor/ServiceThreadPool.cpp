@@ -23,9 +23,6 @@ constexpr std::chrono::microseconds kPatience{50};
 // How many threads that are free are woken by one that looks after them.
 constexpr std::size_t kMostCalled = 8;
 
-// How many times as many tasks may start when those before did not get on.
-constexpr std::size_t kMoreAtOnce = 8;
-
 }  // namespace
 
 /** While it lives, a task runs. Made under the lock, which it has again afterwards. */
@@ -184,10 +181,7 @@ void ServiceThreadPool::remove(ServiceExecutor* executor) {
 InvokeInterceptorDispatcher* ServiceThreadPool::dispatcher() const { return state_->dispatcher; }
 
 ServiceThreadPool::State::State(unsigned size, InvokeInterceptorDispatcher* forOthers)
-    : dispatcher(forOthers),
-      size_(size),
-      processors_(zerva::usableProcessors()),
-      atOnce_(processors_) {}
+    : dispatcher(forOthers), size_(size), young_(zerva::usableProcessors(), size) {}
 
 ServiceThreadPool::State::~State() = default;
 
@@ -229,7 +223,8 @@ void ServiceThreadPool::State::comeBack(Worker& worker) {
 std::size_t ServiceThreadPool::State::room() const {
   const std::size_t all = running_.count() < size_ ? size_ - running_.count() : 0;
   if (ending_) return all;
-  return std::min(all, running_.young() < atOnce_ ? atOnce_ - running_.young() : 0);
+  const std::size_t limit = young_.tasks();
+  return std::min(all, running_.young() < limit ? limit - running_.young() : 0);
 }
 
 bool ServiceThreadPool::State::mayTake() const { return !tasks_.empty() && room() > 0; }
@@ -324,21 +319,20 @@ void ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
 
 /** Sees to it that a task that no processor is free for does not wait for those that do not end. */
 void ServiceThreadPool::State::watch(std::unique_lock<std::mutex>& lock, Sleeper& watcher) {
-  processors_ = zerva::usableProcessors();
-  atOnce_ = std::max(atOnce_, processors_);
+  young_.setProcessors(zerva::usableProcessors());
   const bool over = watcher.watch(lock, zerva::Clock::now() + kPatience);
   if (!over || tasks_.empty()) return;
   bool stuck = running_.nextRound();
   // Where some do not get on, others are believed to be like them.
-  if (atOnce_ > processors_) stuck = running_.nextRound() || stuck;
-  if (stuck) atOnce_ = std::min<std::size_t>(atOnce_ * kMoreAtOnce, size_);
+  if (young_.isRaised()) stuck = running_.nextRound() || stuck;
+  young_.look(stuck, tasks_.front().number, lastTask_);
 }
 
 /** @returns the first task. */
 std::function<void()> ServiceThreadPool::State::take() {
   std::function<void()> task = std::move(tasks_.front().run);
   tasks_.pop_front();
-  if (tasks_.empty()) atOnce_ = processors_;
+  if (tasks_.empty()) young_.reset();
   return task;
 }
 
