@@ -68,7 +68,7 @@ struct ServiceThreadPool::State final {
   void work(Worker& worker);
   void leave(const Worker& worker);
   void comeBack(Worker& worker);
-  void awaitTask(std::unique_lock<std::mutex>& lock);
+  bool awaitTask(std::unique_lock<std::mutex>& lock);
   void watch(std::unique_lock<std::mutex>& lock, Sleeper& watcher);
   std::size_t room() const;
   bool mayTake() const;
@@ -77,6 +77,7 @@ struct ServiceThreadPool::State final {
   bool tooMany() const { return workers_.size() - waiting_ > size_; }
   std::function<void()> take();
   bool callThreads(std::unique_lock<std::mutex>& lock);
+  void callMore(std::unique_lock<std::mutex>& lock);
   bool addThread(std::unique_lock<std::mutex>& lock);
   static void waitFor(const Workers& ended);
 

@@ -60,6 +60,7 @@ class ServiceThreadPool::State::Sleeper {
   void sleep(std::unique_lock<std::mutex>& lock) {
     next_ = pool_.sleepers_;
     pool_.sleepers_ = this;
+    listed_ = true;
     lock.unlock();
     parker_->park();
     lock.lock();
@@ -69,6 +70,7 @@ class ServiceThreadPool::State::Sleeper {
   /** As above, and not longer than that. @returns whether the time is over. */
   bool watch(std::unique_lock<std::mutex>& lock, zerva::Clock::time_point until) {
     pool_.watcher_ = this;
+    listed_ = true;
     lock.unlock();
     const bool over = !parker_->park(until);
     lock.lock();
@@ -82,7 +84,8 @@ class ServiceThreadPool::State::Sleeper {
     Sleeper*& first = pool.sleepers_ != nullptr ? pool.sleepers_ : pool.watcher_;
     Sleeper* const called = first;
     if (called != nullptr) {
-      first = std::exchange(called->next_, nullptr);
+      first = called->next_;
+      called->listed_ = false;
       called->called_ = true;
       ++pool.called_;
     }
@@ -99,21 +102,19 @@ class ServiceThreadPool::State::Sleeper {
  private:
   /** Is no sleeper any more, however that came. */
   void getUp() {
-    if (std::exchange(called_, false)) {
-      --pool_.called_;
-      return;
+    if (std::exchange(called_, false)) --pool_.called_;
+    if (std::exchange(listed_, false)) {
+      Sleeper** place = pool_.watcher_ == this ? &pool_.watcher_ : &pool_.sleepers_;
+      while (*place != this) place = &(*place)->next_;
+      *place = next_;
     }
-    if (pool_.watcher_ == this) pool_.watcher_ = nullptr;
-    for (Sleeper** one = &pool_.sleepers_; *one != nullptr; one = &(*one)->next_) {
-      if (*one != this) continue;
-      *one = std::exchange(next_, nullptr);
-      return;
-    }
+    next_ = nullptr;
   }
 
   State& pool_;
   const std::shared_ptr<zerva::Parker>& parker_;
   Sleeper* next_ = nullptr;
+  bool listed_ = false;
   bool called_ = false;
 };
 
@@ -237,6 +238,7 @@ bool ServiceThreadPool::State::needsWatch() const {
 
 /** @returns whether one more thread is to look for a task than those that are about to. */
 bool ServiceThreadPool::State::needsThread() const {
+  if (tasks_.empty()) return false;
   const std::size_t now = std::min(tasks_.size(), room());
   // Threads that are only being made may fail; as long as there are no others, each task has one.
   if (starting_ == workers_.size()) return now > 0 && tasks_.size() > starting_;
@@ -254,22 +256,33 @@ bool ServiceThreadPool::State::callThreads(std::unique_lock<std::mutex>& lock) {
   if (!needsThread()) {
     return true;
   }
-  std::array<std::shared_ptr<zerva::Parker>, kMostCalled> called;
-  std::size_t count = 0;
-  do {
-    const Sleeper* const sleeper = Sleeper::callOne(*this);
-    if (sleeper == nullptr) break;
-    called[count++] = sleeper->parker();
-  } while (count < called.size() && needsThread());
-  if (count > 0) {
-    // Woken under the lock they would run into it.
-    lock.unlock();
-    for (std::size_t one = 0; one < count; ++one) called[one]->unpark();
+  if (const Sleeper* const sleeper = Sleeper::callOne(*this); sleeper != nullptr) {
+    const std::shared_ptr<zerva::Parker> parker = sleeper->parker();
+    if (needsThread()) {
+      callMore(lock);
+    } else {
+      lock.unlock();
+    }
+    // Woken under the lock it would run into it.
+    parker->unpark();
     return true;
   }
   // Without a new thread the task starts when one of those that look for tasks is free. Threads
   // that are only being made do not count: they may fail as this one did.
   return addThread(lock) || workers_.size() > starting_;
+}
+
+/** Wakes more of those that are free, and releases the lock. */
+void ServiceThreadPool::State::callMore(std::unique_lock<std::mutex>& lock) {
+  std::array<std::shared_ptr<zerva::Parker>, kMostCalled> called;
+  std::size_t count = 0;
+  while (count < called.size() && needsThread()) {
+    const Sleeper* const sleeper = Sleeper::callOne(*this);
+    if (sleeper == nullptr) break;
+    called[count++] = sleeper->parker();
+  }
+  lock.unlock();
+  for (std::size_t one = 0; one < count; ++one) called[one]->unpark();
 }
 
 /** Makes a thread; the lock is released while the system does. @returns whether there is one. */
@@ -302,19 +315,21 @@ bool ServiceThreadPool::State::addThread(std::unique_lock<std::mutex>& lock) {
   return started;
 }
 
-/** Waits until there is a task to be started, or the thread is not needed any more. */
-void ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
-  if (mayTake()) return;
+/** Waits for a task to be started. @returns false when the thread is not needed any more. */
+bool ServiceThreadPool::State::awaitTask(std::unique_lock<std::mutex>& lock) {
+  if (mayTake()) return true;
   Sleeper self(*this);
-  while (!mayTake() && !ending_) {
+  while (!ending_) {
     if (needsWatch()) {
       watch(lock, self);
     } else if (tooMany()) {
-      return;
+      return false;
     } else {
       self.sleep(lock);
     }
+    if (mayTake()) return true;
   }
+  return false;
 }
 
 /** Sees to it that a task that no processor is free for does not wait for those that do not end. */
@@ -342,10 +357,7 @@ void ServiceThreadPool::State::work(Worker& worker) {
   std::unique_lock lock(mutex_);
   --starting_;
   for (;;) {
-    awaitTask(lock);
-    if (!mayTake()) {
-      return;
-    }
+    if (!awaitTask(lock)) return;
     const Running running(*this, worker, lock);
     const std::function<void()> task = take();
     // Others are not to wait for this one.

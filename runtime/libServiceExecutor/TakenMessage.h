@@ -32,7 +32,8 @@ class ExecutorCore::Taken {
     // Not under the lock: whoever still waits for an answer gets one.
     if (lock_.owns_lock()) lock_.unlock();
     if (keepsPlace_) {
-      envelope() = {};
+      std::destroy_at(&envelope());
+      std::construct_at(&envelope());
     } else {
       place_.clear();
     }
