@@ -13,13 +13,6 @@
 
 namespace zerva {
 
-namespace {
-
-// Then whoever reads looks after what it has read, and others get their turn.
-constexpr int kReadsAtOnce = 16;
-
-}  // namespace
-
 Connection::Connection(std::shared_ptr<SocketWatch> watch, FileDescriptor socket, std::size_t limit)
     : watch_(std::move(watch)), frames_(limit), socket_(std::move(socket)) {}
 
@@ -111,15 +104,9 @@ void Connection::endReading() {
 }
 
 Input::Read Connection::read() {
-  Read result = Read::Nothing;
+  Read result = Read::Ended;
   std::optional<std::string> error;
-  auto noWords = exceptionOf([&] {
-    error = exceptionOf([&] {
-      // As long as it comes faster than it is taken: to ask for the rest to be looked after, and
-      // then no more, would wake the bus thread each time.
-      for (int reads = kReadsAtOnce; reads > 0 && readOnce(result); --reads) continue;
-    });
-  });
+  auto noWords = exceptionOf([&] { error = exceptionOf([&] { result = readOnce(); }); });
   // There is no memory then for what is wrong.
   if (noWords) error.swap(noWords);
   if (!error) return result;
@@ -127,22 +114,13 @@ Input::Read Connection::read() {
   return Read::Ended;
 }
 
-/** @returns whether more has arrived than was read. */
-bool Connection::readOnce(Read& result) {
+Input::Read Connection::readOnce() {
   const std::span<char> room = frames_.room();
   const ssize_t size = ::recv(socket_.get(), room.data(), room.size(), MSG_DONTWAIT);
-  if (size < 0 && (errno == EAGAIN || errno == EINTR)) return false;
-  if (size <= 0) {
-    result = Read::Ended;
-    return false;
-  }
+  if (size < 0 && (errno == EAGAIN || errno == EINTR)) return Read::Nothing;
+  if (size <= 0) return Read::Ended;
   frames_.arrived(static_cast<std::size_t>(size));
-  if (takeFrames()) {
-    result = Read::Messages;
-  } else if (result == Read::Nothing) {
-    result = Read::Part;
-  }
-  return static_cast<std::size_t>(size) == room.size();
+  return takeFrames() ? Read::Messages : Read::Part;
 }
 
 /** @returns whether there was a whole one. */

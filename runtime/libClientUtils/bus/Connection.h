@@ -107,7 +107,7 @@ class ZERVA_EXPORT Connection final : public Input,
   using HandlerPointer = std::shared_ptr<const Handler>;
 
   bool beginReadingHere();
-  bool readOnce(Read& result);
+  Read readOnce();
   bool takeFrames();
   bool hasLine();
   void fail(std::string why);

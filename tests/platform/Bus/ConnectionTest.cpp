@@ -138,20 +138,6 @@ TEST_F(AConnection, HalfOfAFrame_IsKeptForWhoeverReadsTheRest) {
   EXPECT_EQ(taken, Texts{"whole"});
 }
 
-// The bus thread would be woken for the rest, and find that it is read already.
-TEST_F(AConnection, WithMoreThanIsReadAtOnce_IsReadOnByTheSameThread) {
-  constexpr std::size_t kMany = 1000;
-  std::string many;
-  for (std::size_t i = 0; i < kMany; ++i) many += frame(std::string(100, 'x'));
-  ASSERT_TRUE(sut->beginReading());
-  say(many);
-
-  EXPECT_EQ(sut->read(), Input::Read::Messages);
-
-  EXPECT_EQ(taken.size(), kMany);
-  sut->endReading();
-}
-
 TEST_F(AConnection, WhoseOtherSideIsGone_IsEndedOnTheBusThread) {
   ASSERT_TRUE(sut->beginReading());
   other.reset();
