@@ -70,6 +70,9 @@ class ZERVA_EXPORT ReplyTicket {
   /** Says what the receiver knows the reply by. */
   void answerAs(std::uint64_t answerer) { answerer_ = answerer; }
 
+  /** @returns what the receiver knows the reply by. */
+  std::uint64_t answerer() const { return answerer_; }
+
   void answer(Payload data);
   void fail(const std::string& error);
 

@@ -149,8 +149,9 @@ std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload da
     error = deliverTo(std::move(destination), envelope);
   }
   if (!error.empty()) {
+    const std::uint64_t answerer = envelope.ticket.answerer();
     envelope.ticket.cancel();
-    failUnsent(requestId, error);
+    failUnsent(requestId, answerer, error);
   }
   return error;
 }
@@ -169,6 +170,8 @@ std::string Mailbox::deliverTo(std::shared_ptr<Destination> destination, Envelop
     if (const std::uint32_t requestId = envelope.ticket.requestId(); requestId != 0) {
       envelope.ticket.cancel();
       envelope.ticket = aimAgain(requestId, destination);
+      // Given up meanwhile, and its sender told: it is no message for which nobody waits.
+      if (envelope.ticket.requestId() == 0) return {};
     }
   }
   return "nobody serves channel '" + envelope.to() + "'";
@@ -386,12 +389,13 @@ ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Des
 }
 
 /** Ends a request that could not be delivered: who waits for it finds out why. */
-void Mailbox::failUnsent(std::uint32_t requestId, const std::string& error) {
+void Mailbox::failUnsent(std::uint32_t requestId, std::uint64_t answerer,
+                         const std::string& error) {
   std::shared_ptr<Parker> waiter;
   {
     const std::lock_guard lock(mutex_);
-    const auto found = outstanding_.find(requestId);
-    if (requestId != 0 && found != outstanding_.end() && !found->second.outcome) {
+    const auto found = awaited(requestId, answerer);
+    if (found != outstanding_.end()) {
       waiter = end(found, {nullptr, error});
     }
   }

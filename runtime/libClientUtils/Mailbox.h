@@ -129,7 +129,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
                     const std::string& error);
   Requests::iterator awaited(std::uint32_t requestId, std::uint64_t answerer);
   std::shared_ptr<Parker> end(Requests::iterator which, Outcome how);
-  void failUnsent(std::uint32_t requestId, const std::string& error);
+  void failUnsent(std::uint32_t requestId, std::uint64_t answerer, const std::string& error);
   std::string startWaiting(std::uint32_t requestId, Wait& wait);
   std::string waitFor(std::uint32_t requestId, Wait& wait);
   std::string channelAsked(std::uint32_t requestId) const;

@@ -101,23 +101,20 @@ void ExecutorCore::start(Threader& threader, unsigned long& threadId) {
 
 void ExecutorCore::shutdown() {
   Queue refused;
-  std::vector<std::shared_ptr<Parker>> woken;
-  std::shared_ptr<Parker> own;
   {
     const std::lock_guard lock(mutex_);
     // What comes later finds it closed: there is nobody to be told again.
     if (closed_) return;
     closed_.store(true, std::memory_order_release);
     refused.swap(queue_);
-    woken = waiting_;
-    woken.insert(woken.end(), awaitingService_.begin(), awaitingService_.end());
-    own = ownParker_;
+    // First of all, since it takes no memory, without which the rest is left undone.
+    unparkAll(waiting_);
+    unparkAll(awaitingService_);
+    if (ownParker_ != nullptr) ownParker_->unpark();
   }
   if (mailbox_ != nullptr) {
     mailbox_->close();
   }
-  unparkAll(woken);
-  if (own != nullptr) own->unpark();
   if (!refused.empty()) refuse(refused, "channel '" + channelName_ + "' was closed");
   trace(TraceKind::ExecutorStopped);
 }

@@ -100,8 +100,8 @@ void ExecutorCore::settle(const Made& made) {
   for (const auto& parker : woken) {
     parker->unpark();
   }
-  refuse(refused, "channel '" + channelName_ + "': " + made.error);
   handToPool(forPool);
+  if (!refused.empty()) refuse(refused, "channel '" + channelName_ + "': " + made.error);
 }
 
 /** @returns, under the lock, whether `initService` has nothing to wait for. */

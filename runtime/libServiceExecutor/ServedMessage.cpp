@@ -124,14 +124,14 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
  */
 std::string ExecutorCore::handOver(Executable& service, Taken& taken, Payload& answer) {
   Envelope& envelope = taken.envelope();
-  CommsChannelDataContainerMessage& message = taken.handed().message;
-  CommsChannelDataContainerMessage& reply = taken.handed().reply;
+  Handed& used = taken.handed();
+  CommsChannelDataContainerMessage& message = used.message;
+  CommsChannelDataContainerMessage& reply = used.reply;
   auto& handed = message.state();
   handed.channel = envelope.sender;
   handed.data = std::move(envelope.data);
   handed.requestId = static_cast<long>(envelope.ticket.requestId());
   if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
-    taken.dropHanded();
     // Also a service that throws an empty text has failed.
     return error->empty() ? "an exception without a text" : *std::move(error);
   }
@@ -139,6 +139,7 @@ std::string ExecutorCore::handOver(Executable& service, Taken& taken, Payload& a
   handed.channel.reset();
   handed.data.reset();
   reply.state() = {};
+  taken.handedIsEmpty();
   return {};
 }
 

@@ -39,21 +39,21 @@ class ExecutorCore::Taken {
     }
     lock_.lock();
     if (core_.spare_.empty()) core_.spare_.splice(core_.spare_.begin(), place_);
-    if (core_.spareHanded_ == nullptr) core_.spareHanded_ = std::move(handed_);
+    if (core_.spareHanded_ == nullptr && !handedIsUsed_) core_.spareHanded_ = std::move(handed_);
   }
   Taken(const Taken&) = delete;
   Taken& operator=(const Taken&) = delete;
 
   Envelope& envelope() { return place_.front(); }
 
-  /** @returns what the service gets, to be left empty. */
+  /** @returns what the service gets; it is used again only when `handedIsEmpty` says so. */
   Handed& handed() {
     if (handed_ == nullptr) handed_ = std::make_unique<Handed>();
+    handedIsUsed_ = true;
     return *handed_;
   }
 
-  /** What it was handed is not used again. */
-  void dropHanded() { handed_.reset(); }
+  void handedIsEmpty() { handedIsUsed_ = false; }
 
  private:
   ExecutorCore& core_;
@@ -61,6 +61,7 @@ class ExecutorCore::Taken {
   const bool keepsPlace_;
   Queue place_;
   std::unique_ptr<Handed> handed_;
+  bool handedIsUsed_ = false;
 };
 
 }  // namespace zerva
