@@ -36,6 +36,11 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+// As the library's own does; a sanitizer brings another one.
+__attribute__((visibility("default"))) void* operator new[](std::size_t size) {
+  return operator new(size);
+}
+
 // The library sorts with what this one gives, and gives it back to those below.
 __attribute__((visibility("default"))) void* operator new(std::size_t size,
                                                           const std::nothrow_t& /*none*/) noexcept {
@@ -49,5 +54,14 @@ __attribute__((visibility("default"))) void operator delete(void* memory) noexce
 
 __attribute__((visibility("default"))) void operator delete(void* memory,
                                                             std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+
+__attribute__((visibility("default"))) void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+
+__attribute__((visibility("default"))) void operator delete[](void* memory,
+                                                              std::size_t /*size*/) noexcept {
   std::free(memory);
 }
