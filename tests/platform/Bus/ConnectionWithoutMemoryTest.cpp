@@ -23,18 +23,26 @@ class WordyError final : public std::exception {
   }
 };
 
+class AConnection : public testing::Test {
+ protected:
+  AConnection() {
+    int sockets[2] = {};
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
+    other = FileDescriptor(sockets[1]);
+    watch->start();
+    sut = std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
+  }
+
+  const std::shared_ptr<asio::io_context> context = std::make_shared<asio::io_context>(1);
+  const std::shared_ptr<SocketWatch> watch = std::make_shared<SocketWatch>(context);
+  FileDescriptor other;
+  std::shared_ptr<Connection> sut;
+  std::string ended = "not yet";
+};
+
 // It stayed as it was, half made: nothing that came was read, and whoever waited for an answer from
 // the other process waited for the reply time-out, again and again.
-TEST(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
-  const auto context = std::make_shared<asio::io_context>(1);
-  const auto watch = std::make_shared<SocketWatch>(context);
-  watch->start();
-  int sockets[2] = {};
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
-  const FileDescriptor other(sockets[1]);
-  const auto sut =
-      std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
-  std::string ended = "not yet";
+TEST_F(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
   sut->setHandler({[](std::string_view) {}, [&](const std::string& why) { ended = why; }, {}},
                   kMaximumFrame);
   sut->start();
@@ -50,16 +58,7 @@ TEST(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
 }
 
 // The turn to read was never given back, and whoever waited for its end waited for ever.
-TEST(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
-  const auto context = std::make_shared<asio::io_context>(1);
-  const auto watch = std::make_shared<SocketWatch>(context);
-  watch->start();
-  int sockets[2] = {};
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
-  const FileDescriptor other(sockets[1]);
-  const auto sut =
-      std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
-  std::string ended = "not yet";
+TEST_F(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
   sut->setHandler({[](std::string_view) { throw WordyError(); },
                    [&](const std::string& why) { ended = why; },
                    {}},
