@@ -7,7 +7,10 @@
 
 namespace zerva {
 
-/** The one thread on which everything is read, accepted and taken up again later. */
+/**
+ * The one thread on which connections are accepted, what is left is taken up again later, and all
+ * is read that no waiting thread reads.
+ */
 class BusThread final : public Threadable {
  public:
   /** @param context what the thread runs. */

@@ -8,23 +8,16 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/libClientUtils/bus/Connection.h"
-#include "runtime/libClientUtils/bus/Frames.h"
+#include "tests/platform/Bus/ConnectionWorld.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
 
 using namespace zerva;
 
-/** A connection whose other end the test holds; the bus thread runs when the test says so. */
-class AConnection : public testing::Test {
+class AConnection : public ConnectionWorld {
  protected:
   AConnection() {
-    int sockets[2] = {};
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
-    other = FileDescriptor(sockets[1]);
-    watch->start();
-    sut = std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumFrame);
     sut->setHandler(
         {[this](std::string_view body) { take(body); },
          [this](const std::string& why) { ended.push_back(why); }, [this] { ++timesWritable; }},
@@ -38,18 +31,8 @@ class AConnection : public testing::Test {
     taken.emplace_back(body);
   }
 
-  void say(const std::string& bytes) const {
-    EXPECT_EQ(::send(other.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
-              static_cast<ssize_t>(bytes.size()));
-  }
-
   static std::string frame(const std::string& body) {
     return std::string(3, '\0') + static_cast<char>(body.size()) + body;
-  }
-
-  void runBusThread() const {
-    context->restart();
-    context->poll();
   }
 
   /** Whether the other side sees the end. */
@@ -58,10 +41,6 @@ class AConnection : public testing::Test {
     return ::recv(other.get(), &byte, 1, MSG_DONTWAIT) == 0;
   }
 
-  const std::shared_ptr<asio::io_context> context = std::make_shared<asio::io_context>(1);
-  const std::shared_ptr<SocketWatch> watch = std::make_shared<SocketWatch>(context);
-  FileDescriptor other;
-  std::shared_ptr<Connection> sut;
   std::function<void()> whenTaken;
   std::vector<std::string> taken;
   std::vector<std::string> ended;

@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include <exception>
-#include <memory>
 #include <string>
 
 #include "runtime/libClientUtils/ExceptionText.h"
-#include "runtime/libClientUtils/bus/Connection.h"
-#include "runtime/libClientUtils/bus/Frames.h"
+#include "tests/platform/Bus/ConnectionWorld.h"
 #include "tests/support/NoMemory.h"
 
 namespace {
@@ -23,20 +20,8 @@ class WordyError final : public std::exception {
   }
 };
 
-class AConnection : public testing::Test {
+class AConnection : public ConnectionWorld {
  protected:
-  AConnection() {
-    int sockets[2] = {};
-    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
-    other = FileDescriptor(sockets[1]);
-    watch->start();
-    sut = std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumGreeting);
-  }
-
-  const std::shared_ptr<asio::io_context> context = std::make_shared<asio::io_context>(1);
-  const std::shared_ptr<SocketWatch> watch = std::make_shared<SocketWatch>(context);
-  FileDescriptor other;
-  std::shared_ptr<Connection> sut;
   std::string ended = "not yet";
 };
 
@@ -46,7 +31,7 @@ TEST_F(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
   sut->setHandler({[](std::string_view) {}, [&](const std::string& why) { ended = why; }, {}},
                   kMaximumFrame);
   sut->start();
-  ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
+  say("x");
 
   letAllocationFail(1);
   const auto error = exceptionOf([&] { context->poll(); });
@@ -65,7 +50,7 @@ TEST_F(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
                   kMaximumFrame);
   sut->start();
   sut->share();
-  ASSERT_EQ(::send(other.get(), "\0\0\0\1x", 5, 0), 5);
+  say(std::string("\0\0\0\1x", 5));
   ASSERT_TRUE(sut->beginReading());
 
   EXPECT_EQ(sut->read(), Input::Read::Ended);
