@@ -36,9 +36,12 @@ class PipeInput final : public Input {
     finish();
   }
 
+  /** Blocks while the pipe is full: somebody must be reading. */
   void say(char message) const {
-    while (::write(ends_[1], &message, 1) < 0) std::this_thread::yield();  // it is full
+    while (!sayIfThereIsRoom(message)) std::this_thread::yield();
   }
+
+  bool sayIfThereIsRoom(char message) const { return ::write(ends_[1], &message, 1) == 1; }
 
   /** Nothing comes any more. */
   void finish() {
@@ -248,7 +251,7 @@ TEST_F(AParkerAtAnInput, WhoseThreadIsNicerThanOthers_DoesNotRead) {
 TEST_F(AParkerAtAnInput, KeepsItsDeadlineHoweverMuchComesThatIsNothingWhole) {
   std::atomic<bool> over{false};
   std::thread sender([&] {
-    while (!over) input.say(PipeInput::kPart);
+    while (!over) input.sayIfThereIsRoom(PipeInput::kPart);  // nobody reads at the end
   });
   EXPECT_FALSE(sut.park(Clock::now() + milliseconds(20), &input));
   over = true;
