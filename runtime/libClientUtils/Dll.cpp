@@ -52,7 +52,8 @@ void Dll::State::succeed() {
 
 Dll::Dll(const std::string& path) : state_(std::make_unique<State>()) {
   const std::string name = path.c_str();
-  state_->path = zerva::LibraryDirectories::resolve(name);
+  state_->path = zerva::OpenLibraries::placeOf(name);
+  if (state_->path.empty()) state_->path = zerva::LibraryDirectories::resolve(name);
   zerva::OpenLibraries::add(this, name);
   // The loader takes an empty name for the program itself.
   if (name.empty()) {
@@ -61,7 +62,11 @@ Dll::Dll(const std::string& path) : state_(std::make_unique<State>()) {
   }
   const std::int64_t begin = zerva::Trace::begin();
   state_->handle = ::dlopen(state_->path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (state_->handle == nullptr) state_->fail(loaderError());
+  if (state_->handle == nullptr) {
+    state_->fail(loaderError());
+  } else {
+    zerva::OpenLibraries::opened(this, state_->path);
+  }
   if (zerva::Trace::on()) {
     traceLibrary(zerva::TraceKind::LibraryOpened, state_->path, begin, nullptr, error());
   }

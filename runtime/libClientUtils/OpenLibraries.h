@@ -22,9 +22,18 @@ class ZERVA_EXPORT OpenLibraries {
   /** @returns the names that they were made with, the oldest first. */
   static std::vector<std::string> names();
 
+  /**
+   * @returns where the library of a name is that is open already; empty when there is none. As long
+   *     as it is open its name stands for that place.
+   */
+  static std::string placeOf(const std::string& name);
+
   /** A `Dll` tells that it begins to live, and that it ends. */
   static void add(const Dll* library, std::string name);
   static void remove(const Dll* library);
+
+  /** It tells where it has opened its library. Without memory that is not remembered. */
+  static void opened(const Dll* library, const std::string& path) noexcept;
 };
 
 }  // namespace zerva

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "framework/Dll.h"
 #include "runtime/libClientUtils/LibraryDirectories.h"
 #include "tests/platform/Libraries.h"
@@ -57,6 +59,32 @@ TEST_F(TheLibraryDirectories, AreWhereALibraryIsOpenedFrom) {
   Dll sut("libMoved.so");
 
   EXPECT_EQ(sut.error(), nullptr);
+}
+
+TEST_F(TheLibraryDirectories, AreNotSearchedForALibraryThatIsOpen) {
+  std::filesystem::copy(libraryDirectory() / "libplatform_plugin.so", second.file("libMoved.so"));
+  LibraryDirectories::set({first.path(), second.path()});
+  {
+    Dll open("libMoved.so");
+    first.write("libMoved.so", "this is no library");
+    auto again = std::make_unique<Dll>("libMoved.so");
+    EXPECT_EQ(again->error(), nullptr);
+    again.reset();
+    EXPECT_EQ(Dll("libMoved.so").error(), nullptr);
+  }
+
+  EXPECT_NE(Dll("libMoved.so").error(), nullptr);
+}
+
+TEST_F(TheLibraryDirectories, AreSearchedAgainForALibraryThatDidNotOpen) {
+  second.write("libBroken.so", "this is no library");
+  LibraryDirectories::set({first.path(), second.path()});
+  Dll broken("libBroken.so");
+  ASSERT_NE(broken.error(), nullptr);
+
+  std::filesystem::copy(libraryDirectory() / "libplatform_plugin.so", first.file("libBroken.so"));
+
+  EXPECT_EQ(Dll("libBroken.so").error(), nullptr);
 }
 
 TEST_F(TheLibraryDirectories, HideALibraryOfTheSystem) {
