@@ -29,18 +29,19 @@ void ServiceRepository::shutdownAllServices() {
 
 void ServiceRepository::deleteAllServices() {
   const zerva::SemaphoreHolder holder(svcMapSem);
-  zerva::OnceEach executors;
-  zerva::OnceEach services;
-  zerva::OnceEach libraries;
-  for (auto& [name, data] : svcMap) {
-    if (executors.isNew(data.executor)) {
+  zerva::OnceEach executors(svcMap, &SvcData::executor);
+  zerva::OnceEach services(svcMap, &SvcData::service);
+  zerva::OnceEach libraries(svcMap, &SvcData::dll);
+  for (auto entry = svcMap.begin(); entry != svcMap.end(); ++entry) {
+    const auto& data = entry->second;
+    if (executors.isNew(entry)) {
       delete data.executor;
     }
-    if (services.isNew(data.service)) {
+    if (services.isNew(entry)) {
       data.service->waitForThreadCompletion();
       delete data.service;
     }
-    if (libraries.isNew(data.dll)) {
+    if (libraries.isNew(entry)) {
       delete data.dll;
     }
   }
@@ -49,21 +50,22 @@ void ServiceRepository::deleteAllServices() {
 
 void ServiceRepository::deleteAllServiceProxies() {
   const zerva::SemaphoreHolder holder(proxyMapSem);
-  zerva::OnceEach proxies;
-  zerva::OnceEach requests;
-  zerva::OnceEach channels;
-  zerva::OnceEach libraries;
-  for (auto& [name, data] : proxyMap) {
-    if (proxies.isNew(data.proxy)) {
+  zerva::OnceEach proxies(proxyMap, &SvcProxyData::proxy);
+  zerva::OnceEach requests(proxyMap, &SvcProxyData::request);
+  zerva::OnceEach channels(proxyMap, &SvcProxyData::channel);
+  zerva::OnceEach libraries(proxyMap, &SvcProxyData::dll);
+  for (auto entry = proxyMap.begin(); entry != proxyMap.end(); ++entry) {
+    const auto& data = entry->second;
+    if (proxies.isNew(entry)) {
       delete data.proxy;
     }
-    if (requests.isNew(data.request)) {
+    if (requests.isNew(entry)) {
       delete data.request;
     }
-    if (channels.isNew(data.channel)) {
+    if (channels.isNew(entry)) {
       delete data.channel;
     }
-    if (libraries.isNew(data.dll)) {
+    if (libraries.isNew(entry)) {
       delete data.dll;
     }
   }
@@ -91,13 +93,14 @@ void ServiceRepository::deleteOneServiceProxy(Proxy* proxy, std::string& interfa
 
 void ServiceRepository::deleteAllServiceInvokers() {
   const zerva::SemaphoreHolder holder(invokerMapSem);
-  zerva::OnceEach invokers;
-  zerva::OnceEach libraries;
-  for (auto& [key, data] : invokerMap) {
-    if (invokers.isNew(data.invoker)) {
+  zerva::OnceEach invokers(invokerMap, &SvcInvokerData::invoker);
+  zerva::OnceEach libraries(invokerMap, &SvcInvokerData::dll);
+  for (auto entry = invokerMap.begin(); entry != invokerMap.end(); ++entry) {
+    const auto& data = entry->second;
+    if (invokers.isNew(entry)) {
       delete data.invoker;
     }
-    if (libraries.isNew(data.dll)) {
+    if (libraries.isNew(entry)) {
       delete data.dll;
     }
   }

@@ -48,6 +48,11 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size,
   return std::malloc(size == 0 ? 1 : size);
 }
 
+__attribute__((visibility("default"))) void* operator new[](std::size_t size,
+                                                            const std::nothrow_t& none) noexcept {
+  return operator new(size, none);
+}
+
 __attribute__((visibility("default"))) void operator delete(void* memory) noexcept {
   std::free(memory);
 }
