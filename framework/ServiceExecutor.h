@@ -78,9 +78,11 @@ class ZERVA_EXPORT ServiceExecutor {
 
   /**
    * Makes sure that the service exists and that its initialisation is complete; a lazy service is
-   * made on the executor's thread and this waits for it. Returns at once when it exists already, on
-   * the thread that is creating it or in a call chain that the creation waits for, and when the
-   * executor is shut down or was never started. Harmless when repeated.
+   * made on the executor's thread and this waits for it, for the reply time-out at the longest:
+   * after that it logs an error and returns, since what makes the service may be waiting for this
+   * very caller. Returns at once when it exists already, on the thread that is creating it or in a
+   * call chain that the creation waits for, and when the executor is shut down or was never
+   * started. Harmless when repeated.
    */
   void initService();
 

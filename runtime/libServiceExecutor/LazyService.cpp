@@ -153,8 +153,16 @@ void ExecutorCore::awaitService() {
         .with(TraceKey::Channel, channelName_)
         .write();
   }
-  const std::lock_guard lock(mutex_);
-  awaitingService_.erase(std::find(awaitingService_.begin(), awaitingService_.end(), parker));
+  {
+    const std::lock_guard lock(mutex_);
+    awaitingService_.erase(std::find(awaitingService_.begin(), awaitingService_.end(), parker));
+    inTime = inTime || attempts_ != attemptsBefore || closed_;
+  }
+  // Whoever waited may now use a service that is not ready, and this is all that tells why.
+  if (!inTime) {
+    EXECUTOR_LOG(2, "%s: to make it takes longer than the reply time-out; it is not waited for",
+                 description().c_str());
+  }
 }
 
 /** @returns, while the service is being made, what is recorded of it already; or null. */

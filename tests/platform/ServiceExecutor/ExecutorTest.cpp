@@ -6,7 +6,7 @@
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/Waiting.h"
-#include "runtime/libLoggingHandler/LogSettings.h"
+#include "tests/platform/ServiceExecutor/LogLines.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
 #include "tests/support/ExecutorWorld.h"
@@ -18,19 +18,8 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::SizeIs;
 using zerva::concurrently;
+using zerva::LogLines;
 using zerva::waitUntil;
-
-class LogLines final : public zerva::LogSink {
- public:
-  LogLines() { zerva::LogSettings::addSink(*this, "Service Executor", 5); }
-  ~LogLines() { zerva::LogSettings::removeSink(*this); }
-  LogLines(const LogLines&) = delete;
-  LogLines& operator=(const LogLines&) = delete;
-
-  void write(const zerva::LogRecord& record) override { journal.add(std::string(record.text)); }
-
-  Journal journal;
-};
 
 TEST(AnExecutorWithOneThread, ServesOneRequestAfterTheOtherOnAThreadOfItsOwn) {
   ExecutorWorld world;

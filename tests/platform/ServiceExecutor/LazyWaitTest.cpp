@@ -4,6 +4,7 @@
 #include <chrono>
 #include <string>
 
+#include "tests/platform/ServiceExecutor/LogLines.h"
 #include "tests/platform/ServiceExecutor/ReplyTimeoutIs.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/ExecutorWorld.h"
@@ -150,6 +151,29 @@ TEST_P(AMakingThatIsWaitedFor, LetsARequestGoThatWaitsInInitServiceWhenItsExecut
 
   EXPECT_TRUE(waitUntil([&] { return returned.load(); }));
   gate.open();
+  world.end();
+}
+
+// What makes the service may be waiting for the one that waits here.
+TEST_P(AMakingThatIsWaitedFor, LongerThanForAReply_LetsInitServiceGoWithAnError) {
+  ExecutorWorld world;
+  world.context.make = [&] {
+    gate.wait();
+    return &service;
+  };
+  ServiceExecutor& sut = world.runLazy("/lazy", GetParam());
+  const zerva::LogLines log;
+  {
+    const ReplyTimeoutIs shortTime(std::chrono::milliseconds(20));
+    sut.initService();
+  }
+  EXPECT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
+  EXPECT_THAT(log.journal.entries(),
+              testing::Contains(testing::AllOf(testing::HasSubstr("/lazy"),
+                                               testing::HasSubstr("longer than the reply"))));
+  gate.open();
+  sut.initService();
+  EXPECT_TRUE(ask("/lazy", "x").ok);
   world.end();
 }
 
