@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 
 namespace zerva {
@@ -12,9 +11,7 @@ Permits::Permits(int free, int maximum)
     : maximum_(static_cast<std::uint32_t>(std::max(0, maximum))),
       word_(static_cast<std::uint32_t>(std::max(0, free))) {}
 
-bool Permits::take(int timeout) {
-  if (takeFree(0)) return true;
-  if (timeout == 0) return false;
+bool Permits::waitFor(int timeout) {
   const std::int64_t begin = Trace::begin();
   bool taken = false;
   if (timeout < 0) {
@@ -28,33 +25,6 @@ bool Permits::take(int timeout) {
     TraceEvent(TraceKind::Waited).since(begin).with(TraceKey::For, "semaphore").write();
   }
   return taken;
-}
-
-bool Permits::give() {
-  std::uint32_t word = word_.load(std::memory_order_relaxed);
-  do {
-    if ((word & ~kSleepers) >= maximum_) return false;
-  } while (!word_.compare_exchange_weak(word, (word & ~kSleepers) + 1, std::memory_order_acq_rel,
-                                        std::memory_order_relaxed));
-  // From here on the object may be gone: its address is all that is used, and a thread that is
-  // woken by mistake sleeps again.
-  if ((word & kSleepers) != 0) wakeOne(word_);
-  return true;
-}
-
-/**
- * @param mark what is set in the word then: `kSleepers` by one who has slept.
- * @returns false when none is free.
- */
-bool Permits::takeFree(std::uint32_t mark) {
-  std::uint32_t word = word_.load(std::memory_order_relaxed);
-  do {
-    if ((word & ~kSleepers) == 0) return false;
-  } while (!word_.compare_exchange_weak(word, (word - 1) | mark, std::memory_order_acq_rel,
-                                        std::memory_order_relaxed));
-  // Whoever gave the others may have found no mark, since this thread had been woken already.
-  if (mark != 0 && (word & ~kSleepers) > 1) wakeOne(word_);
-  return true;
 }
 
 bool Permits::await(const Clock::time_point* deadline) {

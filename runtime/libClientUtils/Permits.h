@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdint>
 
+#include "runtime/libClientUtils/Futex.h"
+
 namespace zerva {
 
 /**
@@ -21,15 +23,40 @@ class Permits {
   Permits(int free, int maximum);
 
   /** See `Semaphore::take`. */
-  bool take(int timeout);
+  bool take(int timeout) { return takeFree(0) || (timeout != 0 && waitFor(timeout)); }
 
   /** See `Semaphore::give`. */
-  bool give();
+  bool give() {
+    std::uint32_t word = word_.load(std::memory_order_relaxed);
+    do {
+      if ((word & ~kSleepers) >= maximum_) return false;
+    } while (!word_.compare_exchange_weak(word, (word & ~kSleepers) + 1, std::memory_order_acq_rel,
+                                          std::memory_order_relaxed));
+    // From here on the object may be gone: its address is all that is used, and a thread that is
+    // woken by mistake sleeps again.
+    if ((word & kSleepers) != 0) wakeOne(word_);
+    return true;
+  }
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  bool takeFree(std::uint32_t mark);
+  /**
+   * @param mark what is set in the word then: `kSleepers` by one who has slept.
+   * @returns false when none is free.
+   */
+  bool takeFree(std::uint32_t mark) {
+    std::uint32_t word = word_.load(std::memory_order_relaxed);
+    do {
+      if ((word & ~kSleepers) == 0) return false;
+    } while (!word_.compare_exchange_weak(word, (word - 1) | mark, std::memory_order_acq_rel,
+                                          std::memory_order_relaxed));
+    // Whoever gave the others may have found no mark, since this thread had been woken already.
+    if (mark != 0 && (word & ~kSleepers) > 1) wakeOne(word_);
+    return true;
+  }
+
+  bool waitFor(int timeout);
   bool await(const Clock::time_point* deadline);
 
   static constexpr std::uint32_t kSleepers = std::uint32_t{1} << 31;

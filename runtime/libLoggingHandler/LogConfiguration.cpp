@@ -23,8 +23,7 @@ LogConfiguration& LogConfiguration::instance() {
   return *configuration;
 }
 
-bool LogConfiguration::isOn(const char* module, int level) {
-  if (level > highest_.load(std::memory_order_relaxed)) return false;
+bool LogConfiguration::isOnFor(const char* module, int level) {
   const unsigned generation = generation_.load(std::memory_order_relaxed);
   const auto known = KnownLevels::ofThisThread().find(module, generation);
   return known ? level <= *known : instance().lookUp(module, level);

@@ -32,7 +32,10 @@ class LogConfiguration {
    * any module; else one more, and the lock only when this thread has not asked for the module
    * since the last change. A change counts for every question that comes after it.
    */
-  static bool isOn(const char* module, int level);
+  static bool isOn(const char* module, int level) {
+    return level <= highest_.load(std::memory_order_relaxed) && isOnFor(module, level);
+  }
+
   Receivers receivers(std::string_view module, int level) const;
 
   void setDefaultLevel(int level);
@@ -51,6 +54,7 @@ class LogConfiguration {
  private:
   static constexpr int kDefaultLevel = 4;
 
+  static bool isOnFor(const char* module, int level);
   bool lookUp(const char* module, int level) const;
   int ordinaryLevel(std::string_view module) const;
   int highestLevel(std::string_view module) const;
