@@ -5,14 +5,15 @@
 #
 # Third-party headers are included as system headers, so that their warnings are not ours.
 
-# zerva_calls_itself_directly(TARGET)
+# zerva_calls_directly(TARGET)
 #
 # What a library calls of its own is called directly, or not called at all but put in its place: not
 # looked up, in case a program brings another function of that name along, which ours do not expect.
-# Instrumented builds are left as they are.
-function(zerva_calls_itself_directly target)
+# And memory is given back without its size, which the C++ library takes only to drop it in another
+# call. Instrumented builds are left as they are.
+function(zerva_calls_directly target)
   if(ZERVA_SANITIZE STREQUAL "" AND NOT ZERVA_COVERAGE AND NOT ZERVA_FUZZ)
-    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-sized-deallocation)
     target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
   endif()
 endfunction()
@@ -25,7 +26,7 @@ function(zerva_runtime_library name)
   add_library(${name} SHARED ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PUBLIC zerva_include ${arg_DEPENDS})
-  zerva_calls_itself_directly(${name})
+  zerva_calls_directly(${name})
   zerva_install_library(${name})
 endfunction()
 
