@@ -54,7 +54,7 @@ Dll::Dll(const std::string& path) : state_(std::make_unique<State>()) {
   const std::string name = path.c_str();
   state_->path = zerva::OpenLibraries::placeOf(name);
   if (state_->path.empty()) state_->path = zerva::LibraryDirectories::resolve(name);
-  zerva::OpenLibraries::add(this, name);
+  zerva::OpenLibraries::add(this);
   // The loader takes an empty name for the program itself.
   if (name.empty()) {
     state_->fail("no library is named");
@@ -65,7 +65,7 @@ Dll::Dll(const std::string& path) : state_(std::make_unique<State>()) {
   if (state_->handle == nullptr) {
     state_->fail(loaderError());
   } else {
-    zerva::OpenLibraries::opened(this, state_->path);
+    zerva::OpenLibraries::opened(this, name, state_->path);
   }
   if (zerva::Trace::on()) {
     traceLibrary(zerva::TraceKind::LibraryOpened, state_->path, begin, nullptr, error());

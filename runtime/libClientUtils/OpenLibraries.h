@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
 #include "framework/Export.h"
 
@@ -19,9 +18,6 @@ class ZERVA_EXPORT OpenLibraries {
   /** @returns how many `Dll` objects live, those whose library did not open included. */
   static std::size_t objects();
 
-  /** @returns the names that they were made with, the oldest first. */
-  static std::vector<std::string> names();
-
   /**
    * @returns where the library of a name is that is open already; empty when there is none. As long
    *     as it is open its name stands for that place.
@@ -29,11 +25,11 @@ class ZERVA_EXPORT OpenLibraries {
   static std::string placeOf(const std::string& name);
 
   /** A `Dll` tells that it begins to live, and that it ends. */
-  static void add(const Dll* library, std::string name);
+  static void add(const Dll* library);
   static void remove(const Dll* library);
 
-  /** It tells where it has opened its library. Without memory that is not remembered. */
-  static void opened(const Dll* library, const std::string& path) noexcept;
+  /** It tells what it has opened, and where. Without memory that is not remembered. */
+  static void opened(const Dll* library, const std::string& name, const std::string& path) noexcept;
 };
 
 }  // namespace zerva
