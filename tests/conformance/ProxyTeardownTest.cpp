@@ -53,6 +53,18 @@ TEST_F(DeletingProxies, WithoutAnything_DeletesNothing) {
   EXPECT_TRUE(sut->proxyMap.empty());
 }
 
+TEST_F(DeletingProxies, LeavesServicesAndInvokersAlone) {
+  sut->addService(newService(), newDll(), "FooIfc");
+  addInvoker(newInvoker(), newDll(), "FooIfc", "tcp");
+  forget();
+  sut->deleteAllServiceProxies();
+  expectTrace({locked("proxyMapSem", {})});
+  EXPECT_EQ(sut->svcMap.size(), 1u);
+  EXPECT_EQ(sut->invokerMap.size(), 1u);
+  sut->deleteAllServices();
+  sut->deleteAllServiceInvokers();
+}
+
 /** The parts of a proxy's record, of which each may be missing or shared. */
 struct ProxyParts {
   Proxy* proxy;

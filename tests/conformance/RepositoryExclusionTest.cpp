@@ -1,6 +1,7 @@
 // What the repository does with its maps happens between the taking and the giving back of their
 // semaphores: another thread's change while this one waits is seen, and one afterwards is not.
 
+#include <algorithm>
 #include <functional>
 
 #include "tests/conformance/RepositoryTest.h"
@@ -153,6 +154,99 @@ TEST_F(TheRemovalOfAProxy, SaysThatItIsDoneAfterTheEntryIsErased) {
                        "\"deleteOneServiceProxy: Proxy found and deleted"),
             0u);
 }
+
+/** A tear-down of one kind, and the object that ends last where two of each kind are recorded. */
+struct Teardown {
+  const char* name;
+  void (ServiceRepository::*operation)();
+  const char* semaphore;
+  /** What is done last to the first two objects that were made. */
+  const char* last;
+  bool erases;
+};
+
+class ATeardown : public RepositoryTest, public testing::WithParamInterface<Teardown> {
+ protected:
+  ~ATeardown() override { deleteAll(); }
+
+  /** One more entry in each map. */
+  void record(const std::string& name) {
+    auto* const service = newService();
+    auto* const channel = newChannel("c");
+    sut->svcMap.insert({name, SvcData{service, newExecutor(service, channel), channel, newDll()}});
+    sut->proxyMap.insert({name, SvcProxyData{newProxy(), newDll(), nullptr, nullptr}});
+    sut->invokerMap.insert({name, SvcInvokerData{newInvoker(), newDll()}});
+  }
+
+  void tearDown() { (*sut.*GetParam().operation)(); }
+
+  void deleteAll() {
+    sut->deleteAllServices();
+    sut->deleteAllServiceProxies();
+    sut->deleteAllServiceInvokers();
+  }
+
+  /** How many entries the map of this semaphore has. */
+  std::size_t entries() const {
+    const std::string semaphore = GetParam().semaphore;
+    if (semaphore == "svcMapSem") return sut->svcMap.size();
+    return semaphore == "proxyMapSem" ? sut->proxyMap.size() : sut->invokerMap.size();
+  }
+
+  /** How many entries there are when a call is made in the tear-down; 99 without such a call. */
+  std::size_t entriesAt(const std::string& call) {
+    std::size_t number = 99;
+    Platform::once(call, [&] { number = entries(); });
+    tearDown();
+    return number;
+  }
+
+  static std::ptrdiff_t timesOfTheLast() {
+    const Lines lines = Trace::lines();
+    return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+      return line.rfind(GetParam().last, 0) == 0;
+    });
+  }
+};
+
+TEST_P(ATeardown, WhileItWaitsForTheSemaphore_HasLookedAtNothing) {
+  Platform::once(GetParam().semaphore + std::string(".take("), [this] {
+    record("B");
+    record("A");
+  });
+  tearDown();
+  EXPECT_EQ(timesOfTheLast(), 1);
+  EXPECT_EQ(entries(), GetParam().erases ? 0u : 2u);
+}
+
+TEST_P(ATeardown, WhenItGivesTheSemaphoreBack_HasDoneAll) {
+  record("B");
+  record("A");
+  std::ptrdiff_t times = 0;
+  Platform::once(GetParam().semaphore + std::string(".give("),
+                 [&times] { times = timesOfTheLast(); });
+  EXPECT_EQ(entriesAt(GetParam().semaphore + std::string(".give(")), GetParam().erases ? 0u : 2u);
+  EXPECT_EQ(times, 1);
+}
+
+// What looks at the map from an object's end sees all of it.
+TEST_P(ATeardown, AtTheLastObject_StillHasAllEntries) {
+  record("B");
+  record("A");
+  EXPECT_EQ(entriesAt(GetParam().last), 2u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEachKind, ATeardown,
+    testing::Values(Teardown{"ShuttingServicesDown", &ServiceRepository::shutdownAllServices,
+                             "svcMapSem", "Service#1.stop(", false},
+                    Teardown{"DeletingServices", &ServiceRepository::deleteAllServices, "svcMapSem",
+                             "~Dll#1", true},
+                    Teardown{"DeletingProxies", &ServiceRepository::deleteAllServiceProxies,
+                             "proxyMapSem", "~Dll#2", true},
+                    Teardown{"DeletingInvokers", &ServiceRepository::deleteAllServiceInvokers,
+                             "invokerMapSem", "~Dll#3", true}),
+    [](const auto& parameter) { return parameter.param.name; });
 
 }  // namespace
 }  // namespace zerva::conformance

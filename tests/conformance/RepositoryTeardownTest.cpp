@@ -336,6 +336,18 @@ TEST_F(DeletingInvokers, WithoutAnything_DeletesNothing) {
   expectTrace({locked("invokerMapSem", {})});
 }
 
+TEST_F(DeletingInvokers, LeavesServicesAndProxiesAlone) {
+  sut->addService(newService(), newDll(), "FooIfc");
+  addProxy(newProxy(), newDll(), newChannel("p"), newRequest("s", ""), "FooIfc");
+  forget();
+  sut->deleteAllServiceInvokers();
+  expectTrace({locked("invokerMapSem", {})});
+  EXPECT_EQ(sut->svcMap.size(), 1u);
+  EXPECT_EQ(sut->proxyMap.size(), 1u);
+  sut->deleteAllServices();
+  sut->deleteAllServiceProxies();
+}
+
 class DestroyingARepository : public RepositoryTest {};
 
 TEST_F(DestroyingARepository, DestroysTheSemaphoresInReverseAndNothingElse) {
