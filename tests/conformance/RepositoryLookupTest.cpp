@@ -81,6 +81,13 @@ TEST_F(FindingAService, ThatHasNoChannelByChannel_PassesItOver) {
   EXPECT_EQ(findService("OldIfc", "C"), nullptr);
 }
 
+TEST_F(FindingAService, WhoseOldestIsNull_GivesNull) {
+  sut->addService(nullptr, nullptr, channelB, nullptr, "BazIfc");
+  sut->addService(onB, nullptr, channelB, nullptr, "BazIfc");
+  EXPECT_EQ(findService("BazIfc", ""), nullptr);
+  EXPECT_EQ(findService("BazIfc", "B"), nullptr);
+}
+
 TEST_F(FindingAService, OnAChannelWhoseNameCannotBeRead_LeavesTheSemaphoreFree) {
   failOnce("CommsChannel#1.getName(");
   expectToPass([this] { findService("FooIfc", "A"); });
@@ -188,6 +195,13 @@ TEST_F(FindingAProxy, ThatHasNoRequestByChannel_PassesItOver) {
   EXPECT_EQ(findProxy("BarIfc", "/svc/b", ""), onB);
 }
 
+TEST_F(FindingAProxy, WhoseOldestIsNull_GivesNull) {
+  addProxy(nullptr, nullptr, nullptr, requestToB, "BarIfc");
+  addProxy(onB, nullptr, nullptr, requestToB, "BarIfc");
+  EXPECT_EQ(findProxy("BarIfc"), nullptr);
+  EXPECT_EQ(findProxy("BarIfc", "/svc/b", ""), nullptr);
+}
+
 TEST_F(FindingAProxy, WhoseRequestsChannelCannotBeRead_LeavesTheSemaphoreFree) {
   failOnce("ProxyRequestImpl#1.getSvcChannel(");
   expectToPass([this] { findProxy("FooIfc", "/svc/a", ""); });
@@ -227,6 +241,21 @@ TEST_F(FindingAnInvoker, ByAnyOtherPair_GivesNull) {
 TEST_F(FindingAnInvoker, RecordedTwiceForAPair_GivesTheOlder) {
   addInvoker(keep(newInvoker()), nullptr, "FooIfc", "tcp");
   EXPECT_EQ(findInvoker("FooIfc", "tcp"), invoker);
+}
+
+TEST_F(FindingAnInvoker, WhoseOldestIsNull_GivesNull) {
+  addInvoker(nullptr, nullptr, "FooIfc", "udp");
+  addInvoker(keep(newInvoker()), nullptr, "FooIfc", "udp");
+  EXPECT_EQ(findInvoker("FooIfc", "udp"), nullptr);
+}
+
+// Whoever has the semaphore may write into the caller's texts meanwhile.
+TEST_F(FindingAnInvoker, WhileItWaitsForTheSemaphore_HasReadTheTexts) {
+  std::string ifc = "FooIfc";
+  std::string protocol = "tcp";
+  Platform::once("invokerMapSem.take(", [&] { ifc = protocol = "changed"; });
+  EXPECT_EQ(sut->findServiceInvoker(ifc, protocol), invoker);
+  EXPECT_EQ(protocol, "changed");
 }
 
 class AskingAboutAService : public RepositoryTest {

@@ -143,6 +143,15 @@ TEST_F(ARepository, GivenAProxy_RecordsAllItsPartsWhileItLocks) {
   EXPECT_EQ(data.channel, channel);
 }
 
+// Whoever has the semaphore may write into the caller's text meanwhile.
+TEST_F(ARepository, GivenAProxy_LocksBeforeItCopiesTheName) {
+  std::string ifc = "FooIfc";
+  Platform::once("proxyMapSem.take(", [&ifc] { ifc = "changed"; });
+  sut->addServiceProxy(nullptr, nullptr, nullptr, nullptr, ifc);
+  ASSERT_EQ(sut->proxyMap.size(), 1u);
+  EXPECT_EQ(sut->proxyMap.begin()->first, "changed");
+}
+
 TEST_F(ARepository, GivenAProxyOfANameWithABlank_RecordsItUnderTheWholeName) {
   addProxy(nullptr, nullptr, nullptr, nullptr, "Foo Ifc");
   EXPECT_EQ(sut->proxyMap.begin()->first, "Foo Ifc");
@@ -165,6 +174,16 @@ TEST_F(ARepository, GivenAnInvoker_RecordsItUnderInterfaceAndProtocol) {
   EXPECT_EQ(sut->invokerMap.begin()->first, "Ifc,proto");
   EXPECT_EQ(sut->invokerMap.begin()->second.invoker, invoker);
   EXPECT_EQ(sut->invokerMap.begin()->second.dll, dll);
+}
+
+TEST_F(ARepository, GivenAnInvoker_CopiesTheTextsBeforeItLocks) {
+  std::string ifc = "Ifc";
+  std::string protocol = "proto";
+  Platform::once("invokerMapSem.take(", [&] { ifc = protocol = "changed"; });
+  sut->addServiceInvoker(nullptr, nullptr, ifc, protocol);
+  ASSERT_EQ(sut->invokerMap.size(), 1u);
+  EXPECT_EQ(sut->invokerMap.begin()->first, "Ifc,proto");
+  EXPECT_EQ(protocol, "changed");
 }
 
 TEST_F(ARepository, GivenAnInvokerOfANameWithAComma_DoesNotEscapeIt) {
