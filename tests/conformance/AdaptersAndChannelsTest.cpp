@@ -4,6 +4,7 @@
 #include "framework/Dll.h"
 #include "framework/ProxyRequestImpl.h"
 #include "framework/ServiceExecutor.h"
+#include "framework/ServiceThreadPool.h"
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -81,6 +82,21 @@ TEST_F(FindingARealService, ThatIsALegacyOne_InitialisesNothing) {
   Service* service = recordLegacyService("OldIfc");
   EXPECT_EQ(sut->findRealService("OldIfc", ""), service);
   expectTrace({"repository.findService(\"OldIfc\", \"\")", "repository.getServiceData(Service#1)"});
+}
+
+// The record of a service is that of its first name in their order, whichever it was found under.
+TEST_F(FindingARealService, UnderTwoNamesWithDifferentExecutors_InitialisesTheFirstNames) {
+  auto* service = new fakes::RecordingService;
+  for (const char* ifc : {"ZooIfc", "AppleIfc"}) {
+    auto* own = new CommsChannel(ifc, nullptr);
+    auto* executor =
+        new ServiceExecutor(service, own, ifc, &sut->framework(), sut->threadPool, nullptr, true);
+    inner.addService(service, executor, own, nullptr, ifc);
+  }
+  forget();
+  EXPECT_EQ(sut->findRealService("ZooIfc", "ZooIfc"), service);
+  expectTrace({"repository.findService(\"ZooIfc\", \"ZooIfc\")",
+               "repository.getServiceData(Service#1)", "ServiceExecutor#2.initService()"});
 }
 
 /** A repository of the host's own that keeps no records of services. */

@@ -88,6 +88,41 @@ TEST_P(FindInvoker, WhoseCreatorGivesNull_IsRecordedAllTheSame) {
   expectTrace({asked(), made("null")});
 }
 
+TEST_P(FindInvoker, AfterOneThatIsNull_IsAskedForAndMadeEachTime) {
+  answer("found_invoker:libA.so,createA");
+  offerNoInvoker("libA.so", "createA");
+  EXPECT_EQ(find(), nullptr);
+  offerInvoker("libA.so", "createA");
+  for (const auto& [invoker, dll] : {std::pair("Invoker#1", "Dll#2"), {"Invoker#2", "Dll#3"}}) {
+    forget();
+    EXPECT_EQ(fakes::Objects::name(find()), invoker);
+    const Lines lines = Trace::lines();
+    EXPECT_THAT(lines, testing::Contains(testing::StartsWith("host.receiveReply(")));
+    EXPECT_THAT(lines, testing::Contains(
+                           fakes::joined({std::string("repository.addServiceInvoker(") + invoker,
+                                          dll, "\"FooIfc\"", "\"tcp\") [invokerSem]"})));
+  }
+}
+
+// Each pair of interface and protocol has an invoker of its own.
+TEST_P(FindInvoker, OfTwoProtocols_IsAskedForAndMadeForEach) {
+  for (const char* protocol : {"tcp", "udp"}) {
+    Platform::reply(std::string("find_invoker:FooIfc,") + protocol,
+                    "found_invoker:libA.so,createA");
+  }
+  offerInvoker("libA.so", "createA");
+  Invoker* const ofTcp = find("FooIfc", "tcp");
+  forget();
+  Invoker* const ofUdp = find("FooIfc", "udp");
+  EXPECT_NE(ofUdp, nullptr);
+  EXPECT_NE(ofUdp, ofTcp);
+  EXPECT_THAT(Trace::lines(), testing::Contains("Message#2.setData(\"find_invoker:FooIfc,udp\")"));
+  forget();
+  EXPECT_EQ(find("FooIfc", "tcp"), ofTcp);
+  EXPECT_EQ(find("FooIfc", "udp"), ofUdp);
+  EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("host."))));
+}
+
 TEST_P(FindInvoker, ThatNobodyKnows_GivesNullAndTakesNoSemaphore) {
   for (const char* reply : {"unknown:", "Found_invoker:libA.so,createA", "found:libA.so,createA",
                             "found_invoker_:libA.so,createA", "", "found_invoker"}) {
@@ -97,6 +132,15 @@ TEST_P(FindInvoker, ThatNobodyKnows_GivesNullAndTakesNoSemaphore) {
   }
   EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("invokerSem."))));
   EXPECT_THAT(Trace::lines(), testing::Not(testing::Contains(testing::HasSubstr("Dll"))));
+}
+
+TEST_P(FindInvoker, WithACommaOrAZeroByteInItsNames_IsAskedForWithThem) {
+  const std::string ifc("Foo,If\0c", 8);
+  const std::string protocol("t,c\0p", 5);
+  EXPECT_EQ(find(ifc, protocol), nullptr);
+  EXPECT_THAT(Trace::lines(),
+              testing::Contains("Message#1.setData(" +
+                                fakes::inQuotes("find_invoker:" + ifc + "," + protocol) + ")"));
 }
 
 TEST_P(FindInvoker, ThatNobodyAnswersFor_GivesNull) {

@@ -238,6 +238,13 @@ TEST_P(TheNameOfAProxysChannel, EndsInLocalTimeAndBlankPaddedMicroseconds) {
   EXPECT_EQ(nameFor("/svc/a"), std::string("/svc/a_proxy-") + GetParam().suffix);
 }
 
+TEST_P(TheNameOfAProxysChannel, BeginsWithTheWholeNameOfTheServices) {
+  Platform::setWallClock(GetParam().seconds, GetParam().microseconds);
+  for (const std::string& name : {std::string(300, 'c'), std::string("/svc/100%s%n%5d")}) {
+    EXPECT_EQ(nameFor(name), name + "_proxy-" + GetParam().suffix);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Each, TheNameOfAProxysChannel,
                          testing::Values(Moment{1794725515, 7, "2026-11-15.08:51:55.     7"},
                                          Moment{1794725515, 0, "2026-11-15.08:51:55.     0"},

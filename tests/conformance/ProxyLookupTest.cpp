@@ -98,6 +98,24 @@ TEST_P(FindService, WithMoreFieldsInTheReplies_IgnoresThem) {
                query("find:FooIfc,host", 1), query("find_proxy:FooIfc", 2), made("Proxy#1")});
 }
 
+TEST_P(FindService, WithACommaOrAZeroByteInItsName_IsAskedForWithThem) {
+  const std::string ifc("Foo,If\0c", 8);
+  Platform::reply("find:" + ifc + ",host", "found:/svc/a");
+  EXPECT_EQ(find(ifc), nullptr);
+  const Lines lines = Trace::lines();
+  EXPECT_THAT(lines, testing::Contains("Message#1.setData(" +
+                                       fakes::inQuotes("find:" + ifc + ",host") + ")"));
+  EXPECT_THAT(lines,
+              testing::Contains("Message#2.setData(" + fakes::inQuotes("find_proxy:" + ifc) + ")"));
+}
+
+TEST_P(FindService, OnAHostsChannelWithACommaInItsName_IsAskedForWithIt) {
+  CommsChannel other("ho,st", nullptr);
+  const auto another = make<OpenConfigurator>(&other, &repository);
+  EXPECT_EQ(another->findService("FooIfc"), nullptr);
+  EXPECT_THAT(Trace::lines(), testing::Contains("Message#1.setData(\"find:FooIfc,ho,st\")"));
+}
+
 INSTANTIATE_TEST_SUITE_P(AtLevel, FindService, testing::Values(4, 5));
 
 class AReply : public ProxyLookup {
@@ -232,6 +250,13 @@ TEST_P(FindProxy, ThatIsRecorded_IsGivenWithoutAQuery) {
 TEST_P(FindProxy, ThatNobodyKnows_GivesNull) {
   EXPECT_EQ(find("FooIfc", "/svc/a", ""), nullptr);
   expectTrace({asked("FooIfc", "/svc/a"), askedRepository(""), query("find_proxy:FooIfc")});
+}
+
+TEST_P(FindProxy, WithACommaOrAZeroByteInItsName_IsAskedForWithThem) {
+  const std::string ifc("Foo,If\0c", 8);
+  EXPECT_EQ(find(ifc, "/svc/a", ""), nullptr);
+  EXPECT_THAT(Trace::lines(),
+              testing::Contains("Message#1.setData(" + fakes::inQuotes("find_proxy:" + ifc) + ")"));
 }
 
 TEST_P(FindProxy, WithAnotherQualifier_MakesAnotherProxy) {
