@@ -114,6 +114,26 @@ TEST_P(CreatingALegacyService, WhoseInitThrows_KeepsItRecordedAndStartsNoThread)
   EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "")), "Service#1");
 }
 
+TEST_P(CreatingALegacyService, OfABlankForAnInterface_IsStartedAndRecordedNowhere) {
+  offerService("libold.so", "createOld");
+  Service* service = create(" ");
+  expectTrace({made(), initialised(" "), spawned()});
+  EXPECT_EQ(fakes::Objects::name(service), "Service#1");
+  EXPECT_FALSE(inner.containsService(service));
+  // Nobody deletes them.
+  leaves("Service#1");
+  leaves("Dll#1");
+}
+
+TEST_P(CreatingALegacyService, WhoseThreadDoesNotStart_IsGivenAndRecordedAllTheSame) {
+  offerService("libold.so", "createOld");
+  Platform::answer("Threader#1.spawn(", 0);
+  Service* service = create("OldIfc");
+  expectTrace({made(), initialised("OldIfc"), spawned()});
+  EXPECT_EQ(fakes::Objects::name(service), "Service#1");
+  EXPECT_TRUE(inner.containsService(service));
+}
+
 TEST_P(CreatingALegacyService, IsWaitedForWhenItIsDeleted) {
   offerService("libold.so", "createOld");
   create("OldIfc");

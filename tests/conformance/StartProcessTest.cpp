@@ -51,6 +51,15 @@ TEST_P(AStartProcessDirective, WithAMode_TakesItForTheProgram) {
                "Process#1.ID()", started("MT")});
 }
 
+TEST_P(AStartProcessDirective, OnAPlatformWithoutAVersionText_HasAnEmptyLastArgument) {
+  leaves("Process#1");
+  Platform::setVersion("");
+  process("start_process:worker -v\n");
+  expectTrace({"ZervaVersion()",
+               "Process#1 = Process(3, \"worker\", \"-v\", \"\", null, environ, null)",
+               "Process#1.ID()", started("worker")});
+}
+
 TEST_P(AStartProcessDirective, WithAnIdOfZeroOrLess_IsReportedAndTheFileGoesOn) {
   leaves("Process#1");
   leaves("Process#2");

@@ -22,6 +22,7 @@ struct Scripts {
   std::vector<std::pair<std::string, long>> answers;
   std::map<std::string, int> logLevels;
   std::map<std::string, Library> libraries;
+  std::string version;
   std::map<std::string, std::string> replies;
   std::function<std::optional<std::string>(const std::string&, const std::string&)> replier;
   std::int64_t monotonic = 0;
@@ -40,6 +41,7 @@ bool beginsWith(const std::string& text, const std::string& beginning) {
 
 constexpr std::int64_t kFirstMonotonic = 1'000'000'000'000;
 constexpr int kAllLevels = 9;
+constexpr const char* kVersion = "7.8.9-recording";
 
 }  // namespace
 
@@ -52,6 +54,7 @@ void Platform::reset() {
     all.answers.clear();
     all.logLevels.clear();
     all.libraries.clear();
+    all.version = kVersion;
     all.replies.clear();
     all.replier = nullptr;
     all.monotonic = kFirstMonotonic;
@@ -124,6 +127,16 @@ const Library* Platform::findLibrary(const std::string& path) {
   const std::lock_guard lock(scripts().mutex);
   const auto found = scripts().libraries.find(path);
   return found == scripts().libraries.end() ? nullptr : &found->second;
+}
+
+void Platform::setVersion(const std::string& text) {
+  const std::lock_guard lock(scripts().mutex);
+  scripts().version = text;
+}
+
+std::string Platform::version() {
+  const std::lock_guard lock(scripts().mutex);
+  return scripts().version;
 }
 
 void Platform::reply(const std::string& request, const std::string& reply) {

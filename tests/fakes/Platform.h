@@ -72,6 +72,12 @@ class Platform {
   static Library& library(const std::string& path);
   static const Library* findLibrary(const std::string& path);
 
+  // ---- processes ----
+
+  /** What `ZervaVersion` answers; "7.8.9-recording" for a new platform. */
+  static void setVersion(const std::string& text);
+  static std::string version();
+
   // ---- messages ----
 
   /** Answers each request with this text with that reply, whatever channel it is sent to. */

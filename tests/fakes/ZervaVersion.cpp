@@ -1,8 +1,8 @@
 #include "framework/ZervaVersion.h"
 
-#include "tests/fakes/Trace.h"
+#include "tests/fakes/Platform.h"
 
 std::string ZervaVersion() {
   zerva::fakes::Trace::record("ZervaVersion()");
-  return "7.8.9-recording";
+  return zerva::fakes::Platform::version();
 }
