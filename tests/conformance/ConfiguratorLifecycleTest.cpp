@@ -1,4 +1,8 @@
+#include <stdexcept>
+
 #include "FrameworkException.h"
+#include "framework/Semaphore.h"
+#include "framework/ServiceThreadPool.h"
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -98,6 +102,43 @@ TEST_F(AConfigurator, OfAllPartsWithNullDispatchers_IsComplete) {
   EXPECT_EQ(sut->ccInterceptorDispatcher, nullptr);
 }
 
+/** What a configurator of less than all parts hands to its services' channels and executors. */
+class TheDispatchersOfAService : public AConfigurator {
+ protected:
+  void expectHandedOn(OpenConfigurator& sut, const std::string& toChannel) {
+    offerService("libfoo.so", "createFoo");
+    sut.createServiceExecutor("libfoo.so", "createFoo", "c", "ServiceRegistryIfc", true);
+    sut.createServiceExecutorDelayedInitialisation("lib", "create", "d", "ServiceRegistryIfc",
+                                                   false);
+    const Lines lines = Trace::lines();
+    EXPECT_THAT(lines,
+                testing::Contains("CommsChannel#1 = CommsChannel(\"c\", " + toChannel + ")"));
+    EXPECT_THAT(lines, testing::Contains("ServiceExecutor#1 = ServiceExecutor(Service#1, "
+                                         "CommsChannel#1, \"ServiceRegistryIfc\", "
+                                         "FrameworkContext, pool, null, true)"));
+    EXPECT_THAT(lines,
+                testing::Contains("CommsChannel#2 = CommsChannel(\"d\", " + toChannel + ")"));
+    EXPECT_THAT(lines, testing::Contains("ServiceExecutor#2 = ServiceExecutor(\"lib\", "
+                                         "\"create\", \"ServiceRegistryIfc\", CommsChannel#2, "
+                                         "FrameworkContext, pool, null, false)"));
+  }
+};
+
+TEST_F(TheDispatchersOfAService, OfChannelAndRepository_AreNull) {
+  expectHandedOn(*make<OpenConfigurator>(&channel, &repository), "null");
+}
+
+TEST_F(TheDispatchersOfAService, WithChannelDispatcher_AreThatOneAndNull) {
+  expectHandedOn(*make<OpenConfigurator>(&channel, &repository, &interceptors), "interceptors");
+}
+
+TEST_F(TheDispatchersOfAService, OfAllPartsWithNullDispatchers_AreNull) {
+  expectHandedOn(*make<OpenConfigurator>(&channel, &repository, &protocols,
+                                         static_cast<CCInterceptorDispatcher*>(nullptr),
+                                         static_cast<InvokeInterceptorDispatcher*>(nullptr)),
+                 "null");
+}
+
 template <class Construction>
 std::string frameworkExceptionOf(const Construction& construct) {
   try {
@@ -180,6 +221,38 @@ TEST_F(AConfigurator, ThatIsDeleted_StopsTheTimerThenTheServicesAndDeletesInOrde
   auto sut = full();
   sut.reset();
   expectTrace(destroyed());
+}
+
+TEST_F(AConfigurator, ThatIsDeleted_PassesOverWhatItHasNot) {
+  auto sut = full();
+  for (Semaphore** semaphore : {&sut->proxySem, &sut->invokerSem, &sut->registrySem}) {
+    delete *semaphore;
+    *semaphore = nullptr;
+  }
+  delete sut->threadPool;
+  sut->threadPool = nullptr;
+  forget();
+  sut.reset();
+  expectTrace({"timer.shutdown()", "repository.shutdownAllServices()",
+               "repository.deleteAllServices()", "repository.deleteAllServiceProxies()",
+               "repository.deleteAllServiceInvokers()", "~timer"});
+}
+
+/** What happens only in a process of its own. */
+using AConfiguratorDeathTest = ConfiguratorTest;
+
+TEST_F(AConfiguratorDeathTest, ThatIsDeleted_LetsNoExceptionOut) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  recordService("FooIfc", "fooChannel");
+  const auto deleteIt = [this] {
+    Platform::once("Service#1.stop(", [] { throw std::runtime_error("not now"); });
+    // Not by what owns it, which lets none out either.
+    try {
+      delete sut.release();
+    } catch (const std::runtime_error&) {
+    }
+  };
+  EXPECT_DEATH(deleteIt(), "not now");
 }
 
 TEST_F(AConfigurator, ThatIsDeletedThroughItsContextSide_EndsAllTheSame) {
