@@ -47,6 +47,14 @@ TEST_F(AnOverlongLine, IsProcessedUpToItsLimitAndThenNothingEnds) {
   EXPECT_EQ(traceOfChild(), invalid(limit));
 }
 
+TEST_F(AnOverlongLine, ThatIsTheLastAndHasNoLineFeed_IsProcessedUpToItsLimitToo) {
+  const std::string limit = "bad:" + std::string(507, 'x');
+  const int status = processInChild(limit + "y");
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGXCPU);
+  EXPECT_EQ(traceOfChild(), invalid(limit));
+}
+
 TEST_F(AnOverlongLine, CountsItsCarriageReturn) {
   const std::string limit = "bad:" + std::string(507, 'x');
   const int status = processInChild(limit + "\r\nbad: 2\n");
