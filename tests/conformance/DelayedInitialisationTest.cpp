@@ -193,6 +193,32 @@ TEST_P(InitialisingALazyService, WhoseInitThrows_KeepsItRecordedAndAnnouncesNoth
   EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "RegistryService#1");
 }
 
+TEST_P(InitialisingALazyService, ThatIsTheRegistryAndWhoseAnnouncementThrows_StaysRecorded) {
+  fakes::RecordingRegistryProxy registry;
+  sut->services["ServiceRegistryIfc"] = &registry;
+  forget();
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  Platform::once("RegistryProxy#1.registerInterface(",
+                 [] { throw std::runtime_error("no registry"); });
+  std::string ifc = "ServiceRegistryIfc";
+  EXPECT_EQ(messageOf<std::runtime_error>([&] { initialise(ifc); }), "no registry");
+  expectTrace({created(), initialised("RegistryService#1", ifc), lookedUp(),
+               "CommsChannel#1.getName()",
+               "RegistryProxy#1.registerInterface(\"ServiceRegistryIfc\", \"fooChannel\")"});
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "RegistryService#1");
+}
+
+TEST_P(InitialisingALazyService, OfNoInterface_IsInitialisedAndRecordedNowhere) {
+  offerService("libfoo.so", "createFoo");
+  Service* service = initialise("");
+  expectTrace({created(), initialised("Service#1", ""), successful("")});
+  EXPECT_EQ(fakes::Objects::name(service), "Service#1");
+  EXPECT_FALSE(inner.containsService(service));
+  // Nobody deletes them; the executor is the pool's.
+  leaves("Service#1");
+  leaves("Dll#1");
+}
+
 /** The channel is read for the registry's announcement alone. */
 TEST_P(InitialisingALazyService, OnANullChannel_MakesAnOrdinaryOne) {
   offerService("libfoo.so", "createFoo");

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "tests/conformance/ConformanceTest.h"
 
 namespace zerva::conformance {
@@ -96,6 +98,27 @@ TEST_P(DeclaringALazyService, OfAHeartbeatInterface_StartsNoMonitoringYet) {
   EXPECT_EQ(declare("fooChannel", "HeartbeatServiceIfc"), nullptr);
   expectTraceButEndOfThreader(
       {started("fooChannel", "HeartbeatServiceIfc"), lookedUp(), noRegistry()});
+}
+
+TEST_P(DeclaringALazyService, WhoseAnnouncementThrows_LetsTheExceptionPassWhileItsExecutorRuns) {
+  fakes::RecordingRegistryProxy registry;
+  sut->services["ServiceRegistryIfc"] = &registry;
+  forget();
+  Platform::once("RegistryProxy#1.registerInterface(",
+                 [] { throw std::runtime_error("no registry"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { declare("fooChannel", "FooIfc"); }),
+            "no registry");
+  expectTraceButEndOfThreader({started("fooChannel", "FooIfc"), lookedUp(),
+                               "RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")"});
+}
+
+TEST_P(DeclaringALazyService, WhoseThreadCannotBeStarted_IsNotAnnounced) {
+  Platform::once("ServiceExecutor#1.startThread(", [] { throw std::runtime_error("no thread"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { declare("fooChannel", "FooIfc"); }),
+            "no thread");
+  const Lines lines = Trace::lines();
+  EXPECT_EQ(lines.back(), "~Threader#1");
+  EXPECT_EQ(lines[lines.size() - 2], "ServiceExecutor#1.startThread(Threader#1)");
 }
 
 TEST_P(DeclaringALazyService, ThatIsNeverNeeded_GoesWithThePool) {

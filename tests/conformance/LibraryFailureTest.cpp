@@ -2,6 +2,7 @@
 // library goes at once, and the failure is told once in the log and once on standard output.
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "tests/conformance/ConformanceTest.h"
 
@@ -234,6 +235,17 @@ TEST_P(LoadingALibrary, WhoseCreatorFailsWithoutAText_FailsAllTheSame) {
   expectTold(GetParam().resolving(""));
   EXPECT_EQ(count(std::string(GetParam().creator) + "()"), 0);
   EXPECT_EQ(count("~Dll#1"), 1);
+}
+
+TEST_P(LoadingALibrary, ThatThrows_LetsTheExceptionPassAndTellsNothing) {
+  offerAll();
+  Platform::once("Dll#1 = ", [] { throw std::runtime_error("no library"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { load(); }), "no library");
+  EXPECT_THAT(told(), testing::IsEmpty());
+  EXPECT_THAT(Trace::lines().back(), testing::AnyOf(testing::StartsWith("Dll#1 = "),
+                                                    testing::StartsWith("invokerSem.give(")));
+  // Making a proxy keeps its semaphore then.
+  fakes::SemaphoreTable::clear();
 }
 
 TEST_P(LoadingALibrary, ThatFailsWithPercentSigns_TellsThemAsTheyAre) {

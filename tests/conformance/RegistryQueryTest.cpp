@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 
 #include "tests/conformance/AnsweringChannel.h"
 #include "tests/conformance/ConformanceTest.h"
@@ -111,6 +112,24 @@ TEST_F(ARegistryQuery, KeepsItsIdWhenOthersCountOn) {
   EXPECT_THAT(Trace::lines(), testing::Contains("host.receiveReply(Message#1, 1)"));
   EXPECT_EQ(sut->registryRequestId, 99u);
 }
+
+/** A call that throws while the registry is asked. */
+class AnExceptionInAQuery : public ARegistryQuery,
+                            public testing::WithParamInterface<const char*> {};
+
+TEST_P(AnExceptionInAQuery, PassesAndUsesTheIdUp) {
+  Platform::once(GetParam(), [] { throw std::runtime_error("thrown here"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { ask("q"); }), "thrown here");
+  EXPECT_EQ(Trace::lines().back(), "~Message#1");
+  EXPECT_THAT(fakes::SemaphoreTable::held(), testing::IsEmpty());
+  EXPECT_EQ(sut->registryRequestId, 1u);
+  forget();
+  ask("q");
+  expectTrace({query("q", 2)});
+}
+
+INSTANTIATE_TEST_SUITE_P(From, AnExceptionInAQuery,
+                         testing::Values("host.send(", "host.receiveReply("));
 
 /** The ids as the channel and its messages are given them. */
 class TheIdOfAQuery : public HostTest {

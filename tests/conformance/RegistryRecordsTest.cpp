@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "framework/ServiceExecutor.h"
 #include "tests/conformance/ProxyLookupTest.h"
 
@@ -121,6 +123,21 @@ TEST_F(ARegistryRecord, OfTheRegistryWithACommaInAField_IsNotEscaped) {
   expectTrace({sent("reg_invoker:a,b,c,ServiceRegistryIfc,d e")});
 }
 
+TEST_F(ARegistryRecord, OfAnyBytes_IsSentAndHandedOnWithThem) {
+  const std::string lib("l\0b\xc3\xa4.so", 8);
+  const std::string creator("create\0\xff", 8);
+  const std::string protocol("\0tcp", 4);
+  sut->registerProxyInfo(lib, creator, "ServiceRegistryIfc", protocol);
+  expectTrace({sent("reg_proxy:" + lib + "," + creator + ",ServiceRegistryIfc," + protocol),
+               lookedUp(),
+               "RegistryProxy#1.registerProxy(" +
+                   fakes::joined({fakes::inQuotes(lib), fakes::inQuotes(creator),
+                                  "\"ServiceRegistryIfc\"", fakes::inQuotes(protocol)}) +
+                   ")"});
+  sut->registerInvokerInfo(lib, creator, "ServiceRegistryIfc", protocol);
+  expectTrace({sent("reg_invoker:" + lib + "," + creator + ",ServiceRegistryIfc," + protocol)});
+}
+
 TEST_F(ARegistryRecord, OfTheRegistrysNameInOtherCase_IsAnOrdinaryOne) {
   sut->registerInvokerInfo("lib.so", "create", "serviceRegistryIfc", "tcp");
   sut->registerProxyInfo("lib.so", "create", "SERVICEREGISTRYIFC", "tcp");
@@ -141,6 +158,43 @@ TEST_F(ARegistryRecord, SaidTwice_IsHandedOnTwice) {
   expectTrace({sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x"),
                sent("reg_invoker:libA.so,createA,ServiceRegistryIfc,x")});
 }
+
+/** A record, and the call that throws on its way; it is the last one that is made. */
+struct ThrowingRecord {
+  const char* name;
+  bool ofAnInvoker;
+  const char* ifc;
+  const char* call;
+};
+
+class AnExceptionOnTheWayOfARecord : public ARegistryRecord,
+                                     public testing::WithParamInterface<ThrowingRecord> {
+ protected:
+  void tell() {
+    const auto tellOf = GetParam().ofAnInvoker ? &TestConfigurator::registerInvokerInfo
+                                               : &TestConfigurator::registerProxyInfo;
+    (*sut.*tellOf)("lib.so", "create", GetParam().ifc, "tcp");
+  }
+};
+
+TEST_P(AnExceptionOnTheWayOfARecord, PassesAndNothingFollows) {
+  Platform::once(GetParam().call, [] { throw std::runtime_error("thrown here"); });
+  EXPECT_EQ(messageOf<std::runtime_error>([this] { tell(); }), "thrown here");
+  const Lines lines = Trace::lines();
+  ASSERT_FALSE(lines.empty());
+  EXPECT_THAT(lines.back(), testing::StartsWith(GetParam().call));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEachKind, AnExceptionOnTheWayOfARecord,
+    testing::Values(
+        ThrowingRecord{"Invoker", true, "FooIfc", "RegistryProxy#1.registerInvoker("},
+        ThrowingRecord{"Proxy", false, "FooIfc", "RegistryProxy#1.registerProxy("},
+        ThrowingRecord{"TheRegistrysInvoker", true, "ServiceRegistryIfc", "host.sendTo("},
+        ThrowingRecord{"TheRegistrysProxy", false, "ServiceRegistryIfc", "host.sendTo("},
+        ThrowingRecord{"TheRegistrysProxyAfterItWasSent", false, "ServiceRegistryIfc",
+                       "RegistryProxy#1.registerProxy("}),
+    [](const auto& parameter) { return parameter.param.name; });
 
 /** Sending succeeds, since somebody serves the registry's channel. */
 class ARecordOfTheRegistryItself : public ARegistryRecord {

@@ -310,6 +310,32 @@ TEST_P(CreatingAService, WhoseAnnouncementThrows_StaysRecordedWithoutItsInit) {
                lookedUp(), "RegistryProxy#1.registerInterface(\"FooIfc\", \"fooChannel\")"});
 }
 
+TEST_P(CreatingAService, ThatIsTheRegistryAndWhoseAnnouncementThrows_IsInitialisedButNotStarted) {
+  offerService<fakes::RecordingRegistryService>("libfoo.so", "createFoo");
+  Platform::once("RegistryService#1.registerInterface(",
+                 [] { throw std::runtime_error("no registry"); });
+  std::string ifc = "ServiceRegistryIfc";
+  EXPECT_EQ(messageOf<std::runtime_error>([&] { create("fooChannel", ifc); }), "no registry");
+  expectTrace({made("RegistryService#1", "fooChannel", ifc), recorded("RegistryService#1", ifc),
+               initialised("RegistryService#1", ifc),
+               "RegistryService#1.registerInterface(\"ServiceRegistryIfc\", \"fooChannel\")"});
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "RegistryService#1");
+}
+
+TEST_P(CreatingAService, WhoseThreadCannotBeStarted_LetsTheExceptionPassAndStaysRecorded) {
+  offerService("libfoo.so", "createFoo");
+  Platform::once("ServiceExecutor#1.startThread(", [] { throw std::runtime_error("no thread"); });
+  std::string ifc = "FooIfc";
+  EXPECT_EQ(messageOf<std::runtime_error>([&] { create("fooChannel", ifc); }), "no thread");
+  expectTrace({made("Service#1", "fooChannel", ifc), recorded("Service#1", ifc), lookedUp(),
+               error(kNoRegistry), initialised("Service#1", ifc),
+               progress("Service Configurator: Service created successfully ifc = '%s'", ifc),
+               progress("Service Configurator: Starting Service Executor"),
+               "Threader#1 = Threader()", "ServiceExecutor#1.startThread(Threader#1)",
+               "~Threader#1"});
+  EXPECT_EQ(fakes::Objects::name(inner.findService(ifc, "fooChannel")), "Service#1");
+}
+
 INSTANTIATE_TEST_SUITE_P(AtLevel, CreatingAService, testing::Values(4, 5));
 
 /** How long an `init` took, and how the log shows it. */
