@@ -1,9 +1,12 @@
+#include <array>
 #include <stdexcept>
 
 #include "framework/CommsChannelDataContainerMessage.h"
 #include "framework/ServiceExecutor.h"
 #include "framework/ServiceThreadPool.h"
 #include "tests/conformance/ConformanceTest.h"
+#include "tests/support/Barrier.h"
+#include "tests/support/Concurrently.h"
 
 namespace zerva::conformance {
 namespace {
@@ -291,6 +294,26 @@ class ALazyService : public ConfiguratorTest {
  protected:
   ALazyService() { sut->services["ServiceRegistryIfc"] = nullptr; }
 };
+
+// Each `init` ends only when the other one has begun.
+TEST_F(ALazyService, AndAnother_AreInitialisedAtTheSameTime) {
+  fakes::SemaphoreTable::letThreadsWait();
+  offerService("libfoo.so", "createFoo");
+  Barrier inside(2);
+  for (const char* call : {"Service#1.init(", "Service#2.init("}) {
+    Platform::once(call, [&inside] { inside.arriveAndWait(); });
+  }
+  std::array<Service*, 2> services{};
+  concurrently(2, [&](std::size_t thread) {
+    services.at(thread) = sut->initialiseService(nullptr, "libfoo.so", "createFoo", nullptr,
+                                                 "Ifc" + std::to_string(thread));
+  });
+  for (std::size_t thread : {0, 1}) {
+    std::string ifc = "Ifc" + std::to_string(thread);
+    EXPECT_EQ(inner.findService(ifc, ""), services.at(thread));
+    EXPECT_NE(services.at(thread), nullptr);
+  }
+}
 
 TEST_F(ALazyService, IsMadeByItsFirstMessage) {
   offerService("libfoo.so", "createFoo");
