@@ -58,11 +58,13 @@ struct Received {
 
 /** Takes what is whole out of the buffer; the first frame is a greeting, which is short. */
 void takeFrames(FrameBuffer& buffer, std::size_t& limit, Received& received) {
-  std::string_view body;
+  std::string_view head;
+  Payload data;
   FrameBuffer::Next next = FrameBuffer::Next::Whole;
-  while ((next = buffer.next(body)) == FrameBuffer::Next::Whole) {
+  while ((next = buffer.next(head, data)) == FrameBuffer::Next::Whole) {
+    const std::string body = std::string(head) + (data != nullptr ? *data : std::string());
     require(body.size() <= limit, "no frame is longer than the limit");
-    received.bodies.emplace_back(body);
+    received.bodies.push_back(body);
     limit = kMaximumFrame;
     buffer.setLimit(limit);
   }
@@ -73,7 +75,7 @@ void takeFrames(FrameBuffer& buffer, std::size_t& limit, Received& received) {
 
 Received receive(std::string_view stream, std::size_t piece) {
   std::size_t limit = kMaximumGreeting;
-  FrameBuffer buffer(limit);
+  FrameBuffer buffer(limit, &sizeBeforeData);
   Received received;
   while (!stream.empty() && !received.tooLong) {
     buffer.append(stream.substr(0, piece));

@@ -4,17 +4,26 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
+#include <array>
 #include <cerrno>
 #include <span>
 #include <stdexcept>
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/bus/Frames.h"
 
 namespace zerva {
 
+namespace {
+
+// So many times in a row, though there is more; others have something to do, too.
+constexpr int kReadsAtOnce = 4;
+
+}  // namespace
+
 Connection::Connection(std::shared_ptr<SocketWatch> watch, FileDescriptor socket, std::size_t limit)
-    : watch_(std::move(watch)), frames_(limit), socket_(std::move(socket)) {}
+    : watch_(std::move(watch)), frames_(limit, &sizeBeforeData), socket_(std::move(socket)) {}
 
 Connection::~Connection() { releaseSocket(); }
 
@@ -106,7 +115,7 @@ void Connection::endReading() {
 Input::Read Connection::read() {
   Read result = Read::Ended;
   std::optional<std::string> error;
-  auto noWords = exceptionOf([&] { error = exceptionOf([&] { result = readOnce(); }); });
+  auto noWords = exceptionOf([&] { error = exceptionOf([&] { result = readSome(); }); });
   // There is no memory then for what is wrong.
   if (noWords) error.swap(noWords);
   if (!error) return result;
@@ -114,13 +123,34 @@ Input::Read Connection::read() {
   return Read::Ended;
 }
 
-Input::Read Connection::readOnce() {
-  const std::span<char> room = frames_.room();
-  const ssize_t size = ::recv(socket_.get(), room.data(), room.size(), MSG_DONTWAIT);
-  if (size < 0 && (errno == EAGAIN || errno == EINTR)) return Read::Nothing;
-  if (size <= 0) return Read::Ended;
-  frames_.arrived(static_cast<std::size_t>(size));
-  return takeFrames() ? Read::Messages : Read::Part;
+/** Reads until there is nothing more for now, if that does not take too long. */
+Input::Read Connection::readSome() {
+  bool taken = false;
+  bool filled = true;
+  for (int left = kReadsAtOnce; filled && left > 0; --left) {
+    const auto room = frames_.room();
+    const ssize_t size = receive(room);
+    if (size <= 0) {
+      const bool ended = size == 0 || (errno != EAGAIN && errno != EINTR);
+      // An end is found again.
+      if (left == kReadsAtOnce) return ended ? Read::Ended : Read::Nothing;
+      break;
+    }
+    filled = static_cast<std::size_t>(size) == room[0].size() + room[1].size();
+    frames_.arrived(static_cast<std::size_t>(size));
+    taken = takeFrames() || taken;
+  }
+  return taken ? Read::Messages : Read::Part;
+}
+
+/** @returns as `recv`. */
+ssize_t Connection::receive(std::span<const std::span<char>, 2> room) const {
+  if (room[0].empty()) return ::recv(socket_.get(), room[1].data(), room[1].size(), MSG_DONTWAIT);
+  std::array<iovec, 2> parts{{{room[0].data(), room[0].size()}, {room[1].data(), room[1].size()}}};
+  msghdr message{};
+  message.msg_iov = parts.data();
+  message.msg_iovlen = parts.size();
+  return ::recvmsg(socket_.get(), &message, MSG_DONTWAIT);
 }
 
 /** @returns whether there was a whole one. */
@@ -129,13 +159,14 @@ bool Connection::takeFrames() {
   // Whoever is told may close the connection or hand it to somebody else.
   while (const HandlerPointer told = handler()) {
     std::string_view body;
-    const auto next = frames_.next(body);
+    Payload data;
+    const auto next = frames_.next(body, data);
     if (next == FrameBuffer::Next::Incomplete) break;
     if (next == FrameBuffer::Next::TooLong) {
       throw std::runtime_error("it sent a frame that is too long");
     }
     taken = true;
-    told->frame(body);
+    told->frame(body, std::move(data));
   }
   return taken;
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -36,8 +37,10 @@ class ZERVA_EXPORT Connection final : public Input,
     /**
      * A frame without its length, valid during the call; on the thread that reads. What it throws
      * ends the connection.
+     *
+     * @param data of a long frame may be here, and are not in the body then; else null.
      */
-    std::function<void(std::string_view body)> frame;
+    std::function<void(std::string_view body, Payload data)> frame;
     /**
      * It has ended; on the bus thread. @param why something is wrong with the other side; empty
      * when it went away.
@@ -107,7 +110,8 @@ class ZERVA_EXPORT Connection final : public Input,
   using HandlerPointer = std::shared_ptr<const Handler>;
 
   bool beginReadingHere();
-  Read readOnce();
+  Read readSome();
+  ssize_t receive(std::span<const std::span<char>, 2> room) const;
   bool takeFrames();
   bool hasLine();
   void fail(std::string why);

@@ -211,4 +211,17 @@ Frame decodeFrame(std::string_view body) {
   return MalformedFrame{"a frame of the unknown type " + std::to_string(type)};
 }
 
+std::size_t sizeBeforeData(std::string_view beginning) {
+  // What is missing is missing from the data, or it is no frame yet.
+  const Frame frame = decodeFrame(beginning);
+  if (const auto* const request = std::get_if<RequestFrame>(&frame)) {
+    return beginning.size() - request->message.data.size();
+  }
+  if (const auto* const message = std::get_if<MessageFrame>(&frame)) {
+    return beginning.size() - message->data.size();
+  }
+  const auto* const reply = std::get_if<ReplyFrame>(&frame);
+  return reply != nullptr ? beginning.size() - reply->data.size() : 0;
+}
+
 }  // namespace zerva

@@ -95,4 +95,10 @@ ZERVA_EXPORT std::string encodeHead(const FailureFrame& frame);
  */
 ZERVA_EXPORT Frame decodeFrame(std::string_view body);
 
+/**
+ * @param beginning of a frame without its length, of which the end may be missing.
+ * @returns how many bytes stand before the `data`; 0 when that is not known, or it has none.
+ */
+ZERVA_EXPORT std::size_t sizeBeforeData(std::string_view beginning);
+
 }  // namespace zerva

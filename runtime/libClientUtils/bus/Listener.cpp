@@ -106,7 +106,7 @@ void Listener::accepted(FileDescriptor socket) {
       std::make_shared<Connection>(bus_->sockets, std::move(socket), kMaximumGreeting));
   const int process = credentials->process;
   const auto error = exceptionOf([&] {
-    (*stranger)->setHandler({[this, stranger, process](std::string_view body) {
+    (*stranger)->setHandler({[this, stranger, process](std::string_view body, const Payload&) {
                                takeGreeting(stranger, process, body);
                              },
                              [this, stranger](const std::string& why) { dismiss(stranger, why); },

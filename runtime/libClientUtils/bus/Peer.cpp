@@ -37,6 +37,11 @@ bool fits(const std::string& head, std::size_t data) {
   return head.size() - sizeof(std::uint32_t) + data <= kMaximumFrame;
 }
 
+/** @returns the data of a frame, which are not copied when they were put apart. */
+Payload dataOf(std::string_view inFrame, Payload apart) {
+  return apart != nullptr ? std::move(apart) : std::make_shared<const std::string>(inFrame);
+}
+
 std::string tooLong(const char* what, std::size_t size) {
   return std::string(what) + " of " + std::to_string(size) +
          " bytes is too long for another process: with names it may have " +
@@ -221,20 +226,22 @@ void Peer::awaitGreeting(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
   // It knows this peer, and this peer it, until it is closed.
   const auto self = shared_from_this();
-  connection_->setHandler({[self](std::string_view body) { self->takeGreeting(body); },
-                           [self](const std::string& why) { self->connectionEnded(why); },
-                           {}},
-                          kMaximumGreeting);
+  connection_->setHandler(
+      {[self](std::string_view body, const Payload&) { self->takeGreeting(body); },
+       [self](const std::string& why) { self->connectionEnded(why); },
+       {}},
+      kMaximumGreeting);
 }
 
 void Peer::open(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
   const auto self = shared_from_this();
-  connection_->setHandler(
-      {[self, from = connection_](std::string_view body) { self->takeFrame(body, from); },
-       [self](const std::string& why) { self->connectionEnded(why); },
-       [self] { self->outgoing_.flush(); }},
-      kMaximumFrame);
+  connection_->setHandler({[self, from = connection_](std::string_view body, Payload data) {
+                             self->takeFrame(body, std::move(data), from);
+                           },
+                           [self](const std::string& why) { self->connectionEnded(why); },
+                           [self] { self->outgoing_.flush(); }},
+                          kMaximumFrame);
   state_ = State::Open;
   patience_.cancel();
   outgoing_.open(connection_);
@@ -296,15 +303,16 @@ void Peer::take(const CrossedFrame& /*frame*/) {
 }
 
 /** On the thread that reads, which is any; what it serves itself has nothing to do with this. */
-void Peer::takeFrame(std::string_view body, const std::shared_ptr<Connection>& connection) {
+void Peer::takeFrame(std::string_view body, Payload data,
+                     const std::shared_ptr<Connection>& connection) {
   const ForOthersScope forOthers;
   const Frame frame = decodeFrame(body);
   if (const auto* const request = std::get_if<RequestFrame>(&frame)) {
-    take(*request, connection);
+    take(*request, std::move(data), connection);
   } else if (const auto* const reply = std::get_if<ReplyFrame>(&frame)) {
-    take(*reply);
+    take(*reply, std::move(data));
   } else if (const auto* const message = std::get_if<MessageFrame>(&frame)) {
-    take(*message, connection);
+    take(*message, std::move(data), connection);
   } else if (const auto* const failure = std::get_if<FailureFrame>(&frame)) {
     take(*failure);
   } else {
@@ -312,11 +320,12 @@ void Peer::takeFrame(std::string_view body, const std::shared_ptr<Connection>& c
   }
 }
 
-void Peer::take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection) {
+void Peer::take(const MessageFrame& frame, Payload data,
+                const std::shared_ptr<Connection>& connection) {
   Envelope envelope{named(lastFrom_, frame.from),
                     named(lastTo_, frame.to),
                     {},
-                    std::make_shared<const std::string>(frame.data),
+                    dataOf(frame.data, std::move(data)),
                     CallChain::ofOtherProcess(frame.chain, frame.links),
                     {},
                     nullptr,
@@ -341,12 +350,13 @@ Callee Peer::calleeIn(const RequestFrame& frame) {
   return lastCallee_;
 }
 
-void Peer::take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection) {
+void Peer::take(const RequestFrame& frame, Payload data,
+                const std::shared_ptr<Connection>& connection) {
   const MessageFrame& message = frame.message;
   Envelope envelope{named(lastFrom_, message.from),
                     named(lastTo_, message.to),
                     calleeIn(frame),
-                    std::make_shared<const std::string>(message.data),
+                    dataOf(message.data, std::move(data)),
                     CallChain::ofOtherProcess(message.chain, message.links),
                     ReplyTicket(weak_from_this(), frame.requestId),
                     nullptr,
@@ -377,9 +387,9 @@ void Peer::takeEnvelope(Envelope& envelope) {
   }
 }
 
-void Peer::take(const ReplyFrame& frame) {
+void Peer::take(const ReplyFrame& frame, Payload data) {
   // One that is not known any more came too late.
-  asked_.take(frame.wireId).answer(std::make_shared<const std::string>(frame.data));
+  asked_.take(frame.wireId).answer(dataOf(frame.data, std::move(data)));
 }
 
 void Peer::take(const FailureFrame& frame) {

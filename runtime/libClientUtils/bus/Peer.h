@@ -78,12 +78,13 @@ class Peer final : public ReplyReceiver, public std::enable_shared_from_this<Pee
   void take(const WelcomeFrame& frame);
   void take(const CrossedFrame& frame);
   void open(std::shared_ptr<Connection> connection);
-  void takeFrame(std::string_view body, const std::shared_ptr<Connection>& connection);
-  void take(const MessageFrame& frame, const std::shared_ptr<Connection>& connection);
-  void take(const RequestFrame& frame, const std::shared_ptr<Connection>& connection);
+  void takeFrame(std::string_view body, Payload data,
+                 const std::shared_ptr<Connection>& connection);
+  void take(const MessageFrame& frame, Payload data, const std::shared_ptr<Connection>& connection);
+  void take(const RequestFrame& frame, Payload data, const std::shared_ptr<Connection>& connection);
   Callee calleeIn(const RequestFrame& frame);
   static const SharedName& named(SharedName& last, std::string_view name);
-  void take(const ReplyFrame& frame);
+  void take(const ReplyFrame& frame, Payload data);
   void take(const FailureFrame& frame);
   void takeEnvelope(Envelope& envelope);
   void connectionEnded(const std::string& why);

@@ -19,16 +19,21 @@ class AConnection : public ConnectionWorld {
  protected:
   AConnection() {
     sut->setHandler(
-        {[this](std::string_view body) { take(body); },
+        {[this](std::string_view body, const Payload& data) { take(body, data); },
          [this](const std::string& why) { ended.push_back(why); }, [this] { ++timesWritable; }},
         kMaximumFrame);
     sut->start();
     sut->share();
   }
 
-  void take(std::string_view body) {
+  void take(std::string_view body, const Payload& data) {
     if (whenTaken) whenTaken();
-    taken.emplace_back(body);
+    taken.push_back(std::string(body) + (data != nullptr ? *data : std::string()));
+  }
+
+  static std::string longFrame(std::size_t size) {
+    const std::string text(size, 'x');
+    return encodeHead(ReplyFrame{1, text}) + text;
   }
 
   static std::string frame(const std::string& body) {
@@ -115,6 +120,58 @@ TEST_F(AConnection, HalfOfAFrame_IsKeptForWhoeverReadsTheRest) {
   runBusThread();
 
   EXPECT_EQ(taken, Texts{"whole"});
+}
+
+TEST_F(AConnection, ThatIsReadOnce_GivesAllThatIsThereAlsoOfLongFrames) {
+  const std::string first = longFrame(65'536);
+  const std::string second = longFrame(40'000);
+  ASSERT_TRUE(sut->beginReading());
+  say(first + second + frame("short"));
+
+  EXPECT_EQ(sut->read(), Input::Read::Messages);
+
+  EXPECT_EQ(taken, (Texts{first.substr(4), second.substr(4), "short"}));
+  EXPECT_EQ(sut->read(), Input::Read::Nothing);
+  sut->endReading();
+}
+
+TEST_F(AConnection, ThatIsReadOnce_LeavesSomeOfMuchToTheNextTime) {
+  std::string much;
+  std::size_t count = 0;
+  for (; much.size() < 150'000; ++count) much += frame(std::string(100, 'x'));
+  ASSERT_TRUE(sut->beginReading());
+  say(much);
+
+  EXPECT_EQ(sut->read(), Input::Read::Messages);
+  EXPECT_LT(taken.size(), count);
+  EXPECT_EQ(sut->read(), Input::Read::Messages);
+
+  EXPECT_EQ(taken, Texts(count, std::string(100, 'x')));
+  sut->endReading();
+}
+
+TEST_F(AConnection, LongFramesThatComeInPieces_AreKeptForWhoeverReadsTheRest) {
+  const std::string whole = longFrame(100'000);
+  ASSERT_TRUE(sut->beginReading());
+  say(whole.substr(0, 50'000));
+  EXPECT_EQ(sut->read(), Input::Read::Part);
+  sut->endReading();
+  say(whole.substr(50'000) + frame("next"));
+
+  runBusThread();
+
+  EXPECT_EQ(taken, (Texts{whole.substr(4), "next"}));
+}
+
+TEST_F(AConnection, WhoseOtherSideIsGoneAmidALongFrame_GivesNothingOfIt) {
+  say(frame("one") + longFrame(100'000).substr(0, 50'000));
+  other.reset();
+
+  runBusThread();
+  runBusThread();
+
+  EXPECT_EQ(taken, Texts{"one"});
+  EXPECT_EQ(ended, Texts{""});
 }
 
 TEST_F(AConnection, WhoseOtherSideIsGone_IsEndedOnTheBusThread) {

@@ -28,8 +28,9 @@ class AConnection : public ConnectionWorld {
 // It stayed as it was, half made: nothing that came was read, and whoever waited for an answer from
 // the other process waited for the reply time-out, again and again.
 TEST_F(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
-  sut->setHandler({[](std::string_view) {}, [&](const std::string& why) { ended = why; }, {}},
-                  kMaximumFrame);
+  sut->setHandler(
+      {[](std::string_view, const Payload&) {}, [&](const std::string& why) { ended = why; }, {}},
+      kMaximumFrame);
   sut->start();
   say("x");
 
@@ -44,7 +45,7 @@ TEST_F(AConnection, ThatThereIsNoMemoryToRead_IsEndedAndItsOwnerToldWhy) {
 
 // The turn to read was never given back, and whoever waited for its end waited for ever.
 TEST_F(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
-  sut->setHandler({[](std::string_view) { throw WordyError(); },
+  sut->setHandler({[](std::string_view, const Payload&) { throw WordyError(); },
                    [&](const std::string& why) { ended = why; },
                    {}},
                   kMaximumFrame);
@@ -60,6 +61,33 @@ TEST_F(AConnection, ThatThereIsNoMemoryToSayWhatIsWrongOf_IsEndedAllTheSame) {
   context->poll();
   EXPECT_EQ(ended, "std::bad_alloc");
   sut->waitForReader();
+}
+
+TEST_F(AConnection, ThatThereIsNoMemoryForALongFrameOf_IsEndedWhereverItLacks) {
+  const std::string text(65'536, 'x');
+  const std::string whole = encodeHead(ReplyFrame{1, text}) + text;
+  bool lacked = true;
+  for (int nth = 1; lacked; ++nth) {
+    connect();
+    ended = "not yet";
+    int taken = 0;
+    sut->setHandler({[&](std::string_view, const Payload& data) { taken += *data == text ? 1 : 0; },
+                     [&](const std::string& why) { ended = why; },
+                     {}},
+                    kMaximumFrame);
+    sut->start();
+    say(whole);
+
+    letAllocationFail(nth);
+    const auto error = exceptionOf([&] { runBusThread(); });
+    lacked = !allocationIsToFail();
+    letAllocationFail(0);
+
+    EXPECT_EQ(error, std::nullopt);
+    EXPECT_EQ(ended, lacked ? "std::bad_alloc" : "not yet") << nth;
+    EXPECT_EQ(taken, lacked ? 0 : 1) << nth;
+    EXPECT_LT(nth, 20);
+  }
 }
 
 }  // namespace

@@ -15,10 +15,15 @@ namespace zerva {
 class ConnectionWorld : public testing::Test {
  protected:
   ConnectionWorld() {
+    watch->start();
+    connect();
+  }
+
+  /** Begins with another connection. */
+  void connect() {
     int sockets[2] = {};
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sockets), 0);
     other = FileDescriptor(sockets[1]);
-    watch->start();
     sut = std::make_shared<Connection>(watch, FileDescriptor(sockets[0]), kMaximumFrame);
   }
 

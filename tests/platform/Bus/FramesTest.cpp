@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "runtime/libClientUtils/bus/FrameBuffer.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 #include "runtime/libClientUtils/bus/WireNumbers.h"
@@ -126,7 +128,8 @@ TEST(AFrameBuffer, GivesEachFrameWhenItIsWholeHoweverItArrives) {
   for (const char byte : kHelloBytes + kReplyBytes) {
     sut.append({&byte, 1});
     std::string_view frame;
-    while (sut.next(frame) == FrameBuffer::Next::Whole) got.emplace_back(frame);
+    Payload data;
+    while (sut.next(frame, data) == FrameBuffer::Next::Whole) got.emplace_back(frame);
   }
   EXPECT_EQ(got, (std::vector<std::string>{body(kHelloBytes), body(kReplyBytes)}));
   EXPECT_EQ(sut.held(), 0U);
@@ -136,21 +139,23 @@ TEST(AFrameBuffer, GivesAllFramesThatArriveAtOnce) {
   FrameBuffer sut(100);
   sut.append(kHelloBytes + kReplyBytes + kReplyBytes.substr(0, 5));
   std::string_view frame;
-  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  Payload data;
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
   EXPECT_EQ(frame, body(kHelloBytes));
-  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
   EXPECT_EQ(frame, body(kReplyBytes));
-  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Incomplete);
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Incomplete);
   EXPECT_EQ(sut.held(), 5U);
 }
 
 TEST(AFrameBuffer, TakesAFrameAsLongAsTheLimitAndNoneThatIsLonger) {
   FrameBuffer sut(7);
   std::string_view frame;
+  Payload data;
   sut.append(kReplyBytes);
-  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
   sut.append(kHelloBytes.substr(0, 4));
-  EXPECT_EQ(sut.next(frame), FrameBuffer::Next::TooLong);
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::TooLong);
 }
 
 /** What a frame of a length begins with. */
@@ -164,7 +169,7 @@ TEST(AFrameBuffer, HasRoomForTheRestOfALongFrameAsSoonAsItsLengthIsThere) {
   constexpr std::uint32_t kLong = 100'000;
   FrameBuffer sut(kMaximumFrame);
   sut.append(lengthOf(kLong));
-  EXPECT_GE(sut.room().size(), kLong);
+  EXPECT_GE(sut.room()[1].size(), kLong);
 }
 
 TEST(AFrameBuffer, HasNoMoreRoomThanAFewTimesWhatHasArrivedWhateverAFrameSays) {
@@ -179,7 +184,7 @@ TEST(AFrameBuffer, HasNoMoreRoomThanAFewTimesWhatHasArrivedWhateverAFrameSays) {
 TEST(AFrameBuffer, HasNoRoomForAFrameThatIsLongerThanTheLimit) {
   FrameBuffer sut(kMaximumGreeting);
   sut.append(lengthOf(kMaximumFrame));
-  EXPECT_FALSE(sut.room().empty());
+  EXPECT_FALSE(sut.room()[1].empty());
   EXPECT_LT(sut.capacity(), FrameBuffer::kAtOnce);
 }
 
@@ -200,7 +205,8 @@ TEST(AFrameBuffer, DoesNotKeepWhatOneLongFrameNeeded) {
   FrameBuffer sut(kMaximumFrame);
   sut.append(lengthOf(kMaximumFrame) + std::string(kMaximumFrame, 'x'));
   std::string_view frame;
-  ASSERT_EQ(sut.next(frame), FrameBuffer::Next::Whole);
+  Payload data;
+  ASSERT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
   EXPECT_EQ(frame, std::string(kMaximumFrame, 'x'));
   sut.append("x");
   EXPECT_LT(sut.capacity(), FrameBuffer::kAtOnce);
@@ -217,13 +223,159 @@ TEST(AFrameBuffer, GivesAFrameThatArrivesBehindManyShortOnes) {
   for (std::size_t at = 0; at < all.size(); at += 777) {
     sut.append(std::string_view(all).substr(at, 777));
     std::string_view frame;
-    while (sut.next(frame) == FrameBuffer::Next::Whole) {
+    Payload data;
+    while (sut.next(frame, data) == FrameBuffer::Next::Whole) {
       got = frame;
       ++count;
     }
   }
   EXPECT_EQ(count, 5001U);
   EXPECT_EQ(got, last);
+}
+
+/** A buffer that puts the data of long frames apart. */
+struct ABufferOfLongFrames : testing::Test {
+  /** All frames that are whole now, put together again. */
+  void take() {
+    std::string_view frame;
+    while (sut.next(frame, data) == FrameBuffer::Next::Whole) {
+      got.push_back(std::string(frame) + (data != nullptr ? *data : std::string()));
+      apart += data != nullptr ? 1 : 0;
+    }
+  }
+
+  static std::string reply(std::size_t size, char what = 'x') {
+    const std::string text(size, what);
+    return encodeHead(ReplyFrame{1, text}) + text;
+  }
+
+  FrameBuffer sut{kMaximumFrame, &sizeBeforeData};
+  std::vector<std::string> got;
+  int apart = 0;
+  Payload data;
+};
+
+TEST_F(ABufferOfLongFrames, PutsTheirDataApartWithoutTheirHeads) {
+  const std::string whole = reply(70'000);
+  sut.append(std::string_view(whole).substr(0, 5000));
+  std::string_view frame;
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Incomplete);
+  EXPECT_EQ(sut.held(), 5000U);
+  // Where the rest goes is where it stays.
+  const char* const place = sut.room()[0].data();
+  sut.append(std::string_view(whole).substr(5000));
+
+  EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
+
+  EXPECT_EQ(frame, bytes("06 00 00 00 01"));
+  EXPECT_EQ(*data, std::string(70'000, 'x'));
+  EXPECT_EQ(data->data() + 5000 - 9, place);
+  EXPECT_EQ(sut.held(), 0U);
+}
+
+TEST_F(ABufferOfLongFrames, GivesLongAndShortOnesInOrderHoweverTheyArrive) {
+  std::string all;
+  std::vector<std::string> wanted;
+  char what = 'a';
+  for (const std::size_t size : {3, 20'000, 9, 70'000, 65'536, 17'000, 0, 300'000, 12'000, 5}) {
+    for (int i = 0; i < 3; ++i) {
+      wanted.push_back(body(reply(size, what++)));
+      all += reply(size, static_cast<char>(what - 1));
+    }
+  }
+  for (const std::size_t piece :
+       std::vector<std::size_t>{1, 777, 4096, 30000, 100000, all.size()}) {
+    got.clear();
+    apart = 0;
+    for (std::size_t at = 0; at < all.size(); at += piece) {
+      sut.append(std::string_view(all).substr(at, piece));
+      take();
+    }
+    ASSERT_EQ(got, wanted) << piece;
+    EXPECT_EQ(sut.held(), 0U);
+    EXPECT_EQ(apart > 0, piece < all.size());
+  }
+}
+
+TEST_F(ABufferOfLongFrames, PutsNothingApartBeforeTheWholeHeadIsThere) {
+  const std::string name(60'000, 'n');
+  const std::string text(50'000, 'x');
+  const std::string whole = encodeHead(MessageFrame{1, {2}, name, name, text}) + text;
+  for (std::size_t at = 0; at < whole.size(); at += 1000) {
+    sut.append(std::string_view(whole).substr(at, 1000));
+    take();
+  }
+  EXPECT_EQ(got, std::vector<std::string>{body(whole)});
+  EXPECT_EQ(apart, 1);
+}
+
+TEST_F(ABufferOfLongFrames, LeavesThoseWithoutDataWhole) {
+  const std::string why(50'000, 'w');
+  const std::string whole = encodeHead(FailureFrame{1, why}) + why;
+  sut.append(std::string_view(whole).substr(0, 1000));
+  sut.append(std::string_view(whole).substr(1000));
+  take();
+  EXPECT_EQ(got, std::vector<std::string>{body(whole)});
+  EXPECT_EQ(apart, 0);
+}
+
+TEST_F(ABufferOfLongFrames, HasNoMoreRoomThanAFewTimesWhatHasArrivedWhateverOneSays) {
+  const std::string whole = reply(kMaximumFrame - 5);
+  for (std::size_t at = 0; at < whole.size(); at += 1000) {
+    sut.append(std::string_view(whole).substr(at, 1000));
+    // Besides that which short ones arrive in.
+    ASSERT_LE(sut.capacity(), 32 * 1024 + std::max(FrameBuffer::kAtOnce, 2 * sut.held()));
+  }
+  take();
+  EXPECT_EQ(got, std::vector<std::string>{body(whole)});
+}
+
+TEST_F(ABufferOfLongFrames, UsesTheMemoryOfOneThatNobodyHasAnyMore) {
+  const std::string whole = reply(65'536);
+  const auto carry = [&] {
+    for (std::size_t at = 0; at < whole.size(); at += 30'000) {
+      sut.append(std::string_view(whole).substr(at, 30'000));
+    }
+    std::string_view frame;
+    EXPECT_EQ(sut.next(frame, data), FrameBuffer::Next::Whole);
+    EXPECT_EQ(*data, std::string(65'536, 'x'));
+    return std::exchange(data, nullptr);
+  };
+  Payload first = carry();
+  const char* const place = first->data();
+  EXPECT_NE(carry()->data(), place);  // it is still somebody's
+  first.reset();
+  // The last one that was given back, or the one before.
+  const Payload one = carry();
+  const Payload other = carry();
+  EXPECT_TRUE(one->data() == place || other->data() == place);
+}
+
+TEST_F(ABufferOfLongFrames, LeavesThemToWhoeverHasThemWhenItIsGone) {
+  {
+    FrameBuffer shortLived(kMaximumFrame, &sizeBeforeData);
+    const std::string whole = reply(65'536);
+    shortLived.append(std::string_view(whole).substr(0, 100));
+    shortLived.append(std::string_view(whole).substr(100));
+    std::string_view frame;
+    EXPECT_EQ(shortLived.next(frame, data), FrameBuffer::Next::Whole);
+  }
+  EXPECT_EQ(*data, std::string(65'536, 'x'));
+  std::thread([&] { data.reset(); }).join();
+}
+
+TEST(ASpareText, IsOneOfAFewThatAreNotTooLong) {
+  const auto sut = std::make_shared<SpareText>();
+  for (const std::size_t size : {20'000, 200'000, 60'000, 5'000'000, 100'000}) {
+    std::vector<std::shared_ptr<std::string>> used;
+    for (int i = 0; i < 8; ++i) {
+      used.push_back(SpareText::make(sut, size));
+      EXPECT_EQ(used.back()->size(), size);
+    }
+    used.clear();
+    EXPECT_GT(sut->kept(), 0U);
+    EXPECT_LE(sut->kept(), SpareText::kMost);
+  }
 }
 
 }  // namespace

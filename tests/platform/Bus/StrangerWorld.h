@@ -44,7 +44,8 @@ class Stranger {
   std::string hear() {
     for (;;) {
       std::string_view body;
-      if (frames_.next(body) == FrameBuffer::Next::Whole) return std::string(body);
+      Payload apart;
+      if (frames_.next(body, apart) == FrameBuffer::Next::Whole) return std::string(body);
       pollfd ready{socket_, POLLIN, 0};
       if (::poll(&ready, 1, static_cast<int>(patience().count())) != 1) return "nothing came";
       char chunk[4096];
