@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 
 #include <functional>
 #include <memory>
@@ -285,6 +287,20 @@ TEST_F(AConnection, TellsOnceThatMoreCanBeSent_AlsoWhileAnotherThreadReads) {
   EXPECT_EQ(timesWritable, 2);
   runBusThread();
   EXPECT_EQ(taken, Texts{"one"});
+}
+
+// One that goes amid a frame would leave half of it, and nothing behind it would be understood.
+TEST_F(AConnection, SendsAllThatGoesAlsoOnAThreadThatIsToBeEnded) {
+  std::string text = "text";
+  ssize_t sent = 0;
+  std::thread sender([&] {
+    ::pthread_cancel(::pthread_self());
+    iovec part{text.data(), text.size()};
+    sent = sut->send(&part, 1);
+    ::pthread_testcancel();
+  });
+  sender.join();
+  EXPECT_EQ(sent, 4);
 }
 
 TEST_F(AConnection, ThatIsFull_WaitsUntilItIsRead) {
