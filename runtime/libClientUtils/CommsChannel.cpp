@@ -48,9 +48,8 @@ bool CommsChannel::send(CommsChannelDataContainerMessage& message) {
 }
 
 bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
-  return state_->mailbox
-      ->send(zerva::sharedName(channel), {}, std::make_shared<const std::string>(data), 0)
-      .empty();
+  // Copied only where it has to wait.
+  return state_->mailbox->send(zerva::sharedName(channel), {}, zerva::borrowed(data), 0).empty();
 }
 
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {

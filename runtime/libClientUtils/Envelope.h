@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/CallChain.h"
@@ -15,6 +16,16 @@ namespace zerva {
 
 /** The bytes of a message; shared, so that they are not copied on their way. */
 using Payload = std::shared_ptr<const std::string>;
+
+/** @returns data that stay the caller's; who keeps them longer than a call takes what is `kept`. */
+inline Payload borrowed(const std::string& data) { return {Payload(), &data}; }
+
+inline bool isBorrowed(const Payload& data) { return data != nullptr && data.use_count() == 0; }
+
+/** @returns data that may be kept: a copy of borrowed ones, else the same. */
+inline Payload kept(Payload data) {
+  return isBorrowed(data) ? std::make_shared<const std::string>(*data) : std::move(data);
+}
 
 /** A name that many messages carry. */
 using SharedName = std::shared_ptr<const std::string>;
@@ -115,6 +126,7 @@ struct Envelope {
   /** Name of the channel that it is for. */
   SharedName receiver;
   Callee callee;
+  /** Those of a message that nobody answers may be borrowed until it is delivered. */
   Payload data;
   CallChain chain;
   ReplyTicket ticket;

@@ -183,6 +183,7 @@ bool Mailbox::deliver(Envelope& envelope) {
   if (taker == nullptr) {
     return false;
   }
+  if (isBorrowed(envelope.data)) envelope.data = kept(std::move(envelope.data));
   // Told before the request is handed over, so that it is seen before its reply.
   if (envelope.expiry == nullptr && isSeen()) {
     dispatcher_->dispatchReceived(

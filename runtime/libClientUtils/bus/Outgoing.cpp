@@ -1,5 +1,6 @@
 #include "runtime/libClientUtils/bus/Outgoing.h"
 
+#include <sched.h>
 #include <sys/uio.h>
 
 #include <array>
@@ -7,46 +8,74 @@
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Processors.h"
 #include "runtime/libClientUtils/bus/Connection.h"
 
 namespace zerva {
 
+namespace {
+
+// How often the only processor is given away: the system may choose the same thread again.
+constexpr int kTries = 4;
+
+}  // namespace
+
 Outgoing::Result Outgoing::send(std::string head, Payload data, std::size_t limit) {
   Frame frame{std::move(head), std::move(data)};
-  const std::lock_guard lock(mutex_);
+  std::unique_lock lock(mutex_);
   if (ended_) {
     return Result::Ended;
   }
   if (queue_.empty() && connection_ != nullptr) {
-    const bool whole = sendSome(frame);
-    if (ended_) {
-      return Result::Ended;
-    }
-    if (whole) {
+    if (sendSome(frame)) {
       return Result::Taken;
     }
-    keepRest(frame);
-    return ended_ ? Result::Ended : Result::Taken;
+    return ended_ ? Result::Ended : sendRest(frame, lock);
   }
   if (queued_ + frame.size() > limit) {
     return Result::Full;
   }
-  const std::size_t size = frame.size();
-  queue_.push_back(std::move(frame));
-  queued_ += size;
+  keep(frame);
   return Result::Taken;
 }
 
-/** Keeps the rest of a frame until something can be sent. */
-void Outgoing::keepRest(Frame& frame) {
+/** Puts a frame behind the others. */
+void Outgoing::keep(Frame& frame) {
+  const std::size_t size = frame.size();
+  frame.data = kept(std::move(frame.data));
+  queue_.push_back(std::move(frame));
+  queued_ += size;
+}
+
+/**
+ * Sees to it that the rest of a frame is sent, before all others: by this thread, if that goes
+ * soon, else when something can be sent.
+ */
+Outgoing::Result Outgoing::sendRest(Frame& frame, std::unique_lock<std::mutex>& lock) {
+  const std::string* const data = isBorrowed(frame.data) ? frame.data.get() : nullptr;
   const std::size_t size = frame.size();
   if (exceptionOf([&] { queue_.push_back(std::move(frame)); })) {
     // Half a frame may be out: nothing that is sent behind it would be understood.
     abandon();
-    return;
+    return Result::Ended;
   }
   queued_ += size;
-  connection_->awaitWritable();
+  const int tries = mayUseSeveralProcessors() ? 0 : kTries;
+  for (int left = tries; left > 0 && !queue_.empty(); --left) {
+    // For whoever reads it: nobody does while this thread has the only processor.
+    lock.unlock();
+    ::sched_yield();
+    lock.lock();
+    sendWhatGoes();
+  }
+  if (!queue_.empty()) connection_->awaitWritable();
+  // Sent from where they are only as long as this thread was here.
+  if (data != nullptr && !queue_.empty() && queue_.front().data.get() == data &&
+      exceptionOf([&] { queue_.front().data = kept(std::move(queue_.front().data)); })) {
+    abandon();
+    return Result::Ended;
+  }
+  return Result::Taken;
 }
 
 void Outgoing::open(std::shared_ptr<Connection> connection) {
@@ -62,17 +91,18 @@ void Outgoing::open(std::shared_ptr<Connection> connection) {
 
 void Outgoing::flush() {
   const std::lock_guard lock(mutex_);
+  if (!sendWhatGoes()) connection_->awaitWritable();
+}
+
+/** @returns whether nothing waits any more. */
+bool Outgoing::sendWhatGoes() {
   while (!queue_.empty() && !ended_) {
-    if (!sendSome(queue_.front())) {
-      if (!ended_) {
-        connection_->awaitWritable();
-      }
-      return;
-    }
+    if (!sendSome(queue_.front())) return ended_;
     queued_ -= queue_.front().size();
     queue_.pop_front();
   }
   sent_.notify_all();
+  return true;
 }
 
 void Outgoing::end() {

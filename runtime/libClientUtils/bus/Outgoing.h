@@ -60,7 +60,9 @@ class Outgoing {
   };
 
   bool sendSome(Frame& frame);
-  void keepRest(Frame& frame);
+  bool sendWhatGoes();
+  void keep(Frame& frame);
+  Result sendRest(Frame& frame, std::unique_lock<std::mutex>& lock);
   void abandon();
   void endLocked();
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <map>
 #include <thread>
 #include <utility>
 
@@ -161,6 +162,46 @@ TEST_F(TheBus, KeepsTheOrderOfWhatOneThreadSends) {
     expected += text;
   }
   EXPECT_EQ(ask("/record", "").data, expected);
+}
+
+TEST_F(TheBus, KeepsTheOrderOfLongMessagesFromMemoryThatIsUsedAgain) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve record ST /record");
+  CommsChannel channel("/test/one", nullptr);
+  std::string expected;
+  std::string text;
+  // More than fits into a socket that nobody has read yet.
+  for (int i = 0; i < 60; ++i) {
+    text.assign(70'000, static_cast<char>('!' + i));
+    ASSERT_TRUE(channel.sendTo("/record", text));
+    expected += text;
+  }
+  text.clear();
+  EXPECT_TRUE(ask("/record", "").data == expected);
+}
+
+TEST_F(TheBus, KeepsTheOrderOfEachOfManyThreadsThatFillIt) {
+  const BusPartner partner(path, "/partner");
+  partner.tell("serve record ST /record");
+  concurrently(4, [&](std::size_t thread) {
+    CommsChannel channel("/test/" + std::to_string(thread), nullptr);
+    std::string text;
+    for (char i = 0; i < 20; ++i) {
+      text.assign(20'000, static_cast<char>('A' + i));
+      text[0] = static_cast<char>('0' + thread);
+      ASSERT_TRUE(channel.sendTo("/record", text));
+    }
+  });
+  const std::string all = ask("/record", "").data;
+  ASSERT_EQ(all.size(), 4U * 20 * 20'000);
+  std::map<char, std::string> letters;
+  for (std::size_t at = 0; at < all.size(); at += 20'000) {
+    EXPECT_EQ(all.substr(at + 1, 19'999), std::string(19'999, all[at + 1]));
+    letters[all[at]] += all[at + 1];
+  }
+  for (char thread = '0'; thread < '4'; ++thread) {
+    EXPECT_EQ(letters[thread], "ABCDEFGHIJKLMNOPQRST") << thread;
+  }
 }
 
 TEST_F(TheBus, KeepsTheOrderWhenTheFirstOnesWaitForTheConnection) {

@@ -237,6 +237,41 @@ TEST_F(AStranger, ThatAnswersWhatItWasNotAsked_IsNotHeard) {
   EXPECT_EQ(stranger.hear(), (encodeHead(ReplyFrame{1, "x"}) + "x").substr(4));
 }
 
+TEST_F(AStranger, ThatReadsLate_GetsWhatWasSentAsItWasThen) {
+  const int listening = listenAs(id, "/late");
+  CommsChannel channel("/test/one", nullptr);
+  std::string text;
+  const auto send = [&](char what) {
+    text.assign(70'000, what);
+    EXPECT_TRUE(channel.sendTo("/late", text));
+    text.assign(70'000, '-');
+  };
+  for (char what = 'a'; what < 'e'; ++what) send(what);
+  Stranger stranger(::accept(listening, nullptr, nullptr));
+  stranger.hear();
+  stranger.say(encodeHead(WelcomeFrame{kWireVersion, id}));
+  // What is sent now finds the connection open and then full, or has to wait behind the others.
+  for (char what = 'e'; what < 'z'; ++what) send(what);
+  for (char what = 'a'; what < 'z'; ++what) {
+    const std::string heard = stranger.hear();
+    const Frame frame = decodeFrame(heard);
+    const auto* const message = std::get_if<MessageFrame>(&frame);
+    ASSERT_NE(message, nullptr);
+    EXPECT_TRUE(message->data == std::string(70'000, what)) << what << message->data[0];
+  }
+  ::close(listening);
+}
+
+TEST_F(AStranger, ThatDiesAmidALongMessage_HoldsUpNobody) {
+  {
+    Stranger stranger(socketPath());
+    stranger.say(hello());
+    stranger.hear();
+    stranger.say(request(1, "/echo", std::string(100'000, 'x')).substr(0, 60'000));
+  }
+  expectWorking();
+}
+
 TEST_F(AStranger, ThatIsFoundAndTakesNoConnection_IsGivenUpInTime) {
   const int listening = listenAs(id, "/silent");
   const ReplyTimeoutOf shortTime(std::chrono::milliseconds(30));

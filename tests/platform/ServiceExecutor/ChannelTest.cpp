@@ -312,6 +312,30 @@ TEST(AMessageWithoutId, IsServedAndAnswersNobody) {
   world.end();
 }
 
+TEST(AMessageWithoutId, IsServedAsItWasSentWhateverBecomesOfItsMemory) {
+  ExecutorWorld world;
+  zerva::Gate gate;
+  Journal journal;
+  ScriptedService service([&](const std::string& request) {
+    gate.wait();
+    journal.add(request);
+    return request;
+  });
+  world.run(&service, "/svc", Mode::ST);
+  CommsChannel caller("/test/caller", nullptr);
+  std::string text = "one";
+  caller.sendTo("/svc", text);
+  text = "two";
+  caller.sendTo("/svc", text);
+  text = "and nothing else";
+
+  gate.open();
+
+  EXPECT_TRUE(waitUntil([&] { return journal.entries().size() == 2; }));
+  EXPECT_THAT(journal.entries(), testing::ElementsAre("one", "two"));
+  world.end();
+}
+
 TEST(AMailbox, ForgetsRequestsWhoseRepliesNobodyEverAskedFor) {
   const ReplyTimeoutIs shortTime(std::chrono::milliseconds(1));
   ExecutorWorld world;
