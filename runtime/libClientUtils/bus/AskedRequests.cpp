@@ -19,7 +19,9 @@ std::uint32_t AskedRequests::add(ReplyTicket& ticket) {
   do {
     ++lastId_;
   } while (lastId_ == 0 || asked_.contains(lastId_));
-  asked_.emplace(lastId_, Asked{std::move(ticket), now + replyTimeout()});
+  Asked& asked = place(lastId_);
+  asked.ticket = std::move(ticket);
+  asked.deadline = now + replyTimeout();
   return lastId_;
 }
 
@@ -30,8 +32,15 @@ ReplyTicket AskedRequests::take(std::uint32_t wireId) {
     return {};
   }
   ReplyTicket ticket = std::move(found->second.ticket);
-  asked_.erase(found);
+  spare_ = asked_.extract(found);
   return ticket;
+}
+
+/** @returns the place for a request, under the lock; if possible that of one that was answered. */
+AskedRequests::Asked& AskedRequests::place(std::uint32_t wireId) {
+  if (spare_.empty()) return asked_[wireId];
+  spare_.key() = wireId;
+  return asked_.insert(std::move(spare_)).position->second;
 }
 
 std::vector<ReplyTicket> AskedRequests::end() {

@@ -37,13 +37,17 @@ class ZERVA_EXPORT AskedRequests {
     Clock::time_point deadline;
   };
 
+  using Requests = std::unordered_map<std::uint32_t, Asked>;
+
+  Asked& place(std::uint32_t wireId);
   void dropLate(Clock::time_point now);
 
   static constexpr std::size_t kMany = 64;
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  std::unordered_map<std::uint32_t, Asked> asked_;
+  Requests asked_;
+  Requests::node_type spare_;  // for the next one; its ticket is nobody's
   std::size_t lookAgainAt_ = kMany;
   std::uint32_t lastId_ = 0;
   bool ended_ = false;

@@ -82,7 +82,7 @@ class ZERVA_EXPORT Connection final : public Input,
   void awaitWritable();
 
   /** Sends what can be sent now. @returns how many bytes, or a negative error number. */
-  ssize_t send(iovec* parts, std::size_t count);
+  ssize_t send(std::span<const iovec> parts);
 
   /**
    * Lets the other side see the end of what is sent, so that it waits for nothing more and closes

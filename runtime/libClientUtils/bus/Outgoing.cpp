@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <span>
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
@@ -140,7 +141,7 @@ bool Outgoing::sendSome(Frame& frame) {
       parts.at(count++) = {const_cast<char*>(frame.data->data()) + ofData,
                            frame.data->size() - ofData};
     }
-    const ssize_t sent = connection_->send(parts.data(), count);
+    const ssize_t sent = connection_->send(std::span(parts).first(count));
     if (sent < 0) {
       if (sent != -EAGAIN && sent != -ENOBUFS && sent != -EINTR) {
         // Nothing reaches the other side any more. What came from it is still read to its end.

@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -289,6 +290,21 @@ TEST_F(AConnection, TellsOnceThatMoreCanBeSent_AlsoWhileAnotherThreadReads) {
   EXPECT_EQ(taken, Texts{"one"});
 }
 
+TEST_F(AConnection, SendsItsPiecesInOrderHoweverLongTheyAre) {
+  for (const std::size_t first : {0, 1, 100, 511, 512, 513, 2000}) {
+    for (const std::size_t second : {0, 1, 412, 413, 3000}) {
+      std::string head(first, 'h');
+      std::string data(second, 'd');
+      const std::array<iovec, 2> parts{{{head.data(), first}, {data.data(), second}}};
+      ASSERT_EQ(sut->send(parts), static_cast<ssize_t>(first + second));
+      std::string got(first + second + 1, '-');
+      ASSERT_EQ(::recv(other.get(), got.data(), got.size(), MSG_DONTWAIT),
+                first + second > 0 ? static_cast<ssize_t>(first + second) : -1);
+      EXPECT_EQ(got, head + data + '-');
+    }
+  }
+}
+
 // One that goes amid a frame would leave half of it, and nothing behind it would be understood.
 TEST_F(AConnection, SendsAllThatGoesAlsoOnAThreadThatIsToBeEnded) {
   std::string text = "text";
@@ -296,7 +312,7 @@ TEST_F(AConnection, SendsAllThatGoesAlsoOnAThreadThatIsToBeEnded) {
   std::thread sender([&] {
     ::pthread_cancel(::pthread_self());
     iovec part{text.data(), text.size()};
-    sent = sut->send(&part, 1);
+    sent = sut->send({&part, 1});
     ::pthread_testcancel();
   });
   sender.join();
@@ -306,8 +322,8 @@ TEST_F(AConnection, SendsAllThatGoesAlsoOnAThreadThatIsToBeEnded) {
 TEST_F(AConnection, ThatIsFull_WaitsUntilItIsRead) {
   std::string much(1024UL * 1024, 'x');
   iovec part{much.data(), much.size()};
-  ASSERT_GT(sut->send(&part, 1), 0);
-  ASSERT_EQ(sut->send(&part, 1), -EAGAIN);
+  ASSERT_GT(sut->send({&part, 1}), 0);
+  ASSERT_EQ(sut->send({&part, 1}), -EAGAIN);
   sut->awaitWritable();
   runBusThread();
   EXPECT_EQ(timesWritable, 0);
