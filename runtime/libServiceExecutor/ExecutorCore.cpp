@@ -233,8 +233,7 @@ bool ExecutorCore::isMaking() const {
 }
 
 bool ExecutorCore::waitsForCaller() const {
-  const std::lock_guard lock(mutex_);
-  return !started_ && builder_ == std::this_thread::get_id();
+  return !started_.load(std::memory_order_relaxed) && builder_ == std::this_thread::get_id();
 }
 
 void ExecutorCore::waitBegins(const std::shared_ptr<Parker>& parker) {
@@ -296,14 +295,7 @@ void ExecutorCore::serveOnOwnThread() {
     if (service_ == nullptr && wished_) {
       makeService(lock);
     } else if (service_ != nullptr && !queue_.empty()) {
-      const UnderWay underWay(*this, lock);
-      Taken taken(*this, lock, queue_.begin());
-      ownChain_ = taken.envelope().chain.id();
-      Executable& service = *service_;
-      lock.unlock();
-      parker->isGivenWorkFrom(taken.envelope().input);
-      serve(taken, service);
-      lock.lock();
+      serveOne(*parker, lock);
       ownChain_ = 0;
     } else {
       ownThreadIdle_ = true;
@@ -313,6 +305,17 @@ void ExecutorCore::serveOnOwnThread() {
       ownThreadIdle_ = false;
     }
   }
+}
+
+/** Serves the first message of the queue, on the executor's own thread. */
+void ExecutorCore::serveOne(Parker& parker, std::unique_lock<std::mutex>& lock) {
+  const UnderWay underWay(*this, lock);
+  Taken taken(*this, lock, queue_.begin());
+  ownChain_ = taken.envelope().chain.id();
+  Executable& service = *service_;
+  lock.unlock();
+  parker.isGivenWorkFrom(taken.envelope().input);
+  serve(taken, service);
 }
 
 void ExecutorCore::serveOneOnPool() {

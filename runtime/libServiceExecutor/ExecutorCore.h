@@ -165,6 +165,7 @@ class ExecutorCore final : public RequestReceiver,
 
   bool runsOnPool() const { return settings_.multiThreaded && service_ != nullptr; }
   void serveOnOwnThread();
+  void serveOne(Parker& parker, std::unique_lock<std::mutex>& lock);
   void serveOneOnPool();
   void serve(Taken& taken, Executable& service);
   void serveMessage(Taken& taken, Executable& service);
@@ -199,9 +200,9 @@ class ExecutorCore final : public RequestReceiver,
 
   mutable std::mutex mutex_;
   std::condition_variable ended_;
-  // Guarded by mutex_; closed_ is also read without it.
+  // Guarded by mutex_; the first two are also read without it.
   std::atomic<bool> closed_{false};
-  bool started_ = false;
+  std::atomic<bool> started_{false};
   Executable* service_;
   std::optional<Description> what_;  // the service, as soon as there is one
   Queue queue_;
