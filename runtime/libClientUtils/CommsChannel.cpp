@@ -8,6 +8,7 @@
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/Slab.h"
+#include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 
 using zerva::ChannelDirectory;
@@ -49,7 +50,7 @@ bool CommsChannel::send(CommsChannelDataContainerMessage& message) {
 
 bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
   // Copied only where it has to wait.
-  return state_->mailbox->send(zerva::sharedName(channel), {}, zerva::borrowed(data), 0).empty();
+  return state_->mailbox->sendTo(channel, zerva::borrowed(data)).empty();
 }
 
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {

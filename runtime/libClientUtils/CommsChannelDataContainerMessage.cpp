@@ -1,6 +1,7 @@
 #include "framework/CommsChannelDataContainerMessage.h"
 
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/Texts.h"
 
 CommsChannelDataContainerMessage::CommsChannelDataContainerMessage()
     : state_(std::make_unique<State>()) {}
@@ -22,7 +23,7 @@ const std::string& CommsChannelDataContainerMessage::getChannel() const {
 }
 
 void CommsChannelDataContainerMessage::setData(const std::string& data) {
-  state_->data = std::make_shared<const std::string>(data);
+  state_->data = zerva::textOfBytes(data);
 }
 
 std::string CommsChannelDataContainerMessage::getData() const {

@@ -11,6 +11,9 @@ namespace zerva {
 /** Where messages to a name can be handed: a mailbox of this process or a way to another one. */
 class ZERVA_EXPORT Destination {
  public:
+  /** @returns the name that it was found under, when it has it at hand to be shared; or null. */
+  virtual SharedName nameToShare() const { return nullptr; }
+
   /** @returns as `CommsChannel::whoServes`. */
   virtual std::string server() const = 0;
 

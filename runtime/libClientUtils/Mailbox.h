@@ -68,6 +68,9 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   std::string send(const SharedName& to, const Callee& callee, Payload data,
                    std::uint32_t requestId);
 
+  /** Sends a message that nobody answers; see `CommsChannelIfc::sendTo`. @returns as `send`. */
+  std::string sendTo(const std::string& to, Payload data);
+
   /** How a request ended. */
   struct Outcome {
     Payload reply;
@@ -94,6 +97,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   /** Waits until no delivery is under way any more, and lets the receiver go. After `close`. */
   void waitForDeliveries();
 
+  SharedName nameToShare() const override { return name_; }
   std::string server() const override;
   bool deliver(Envelope& envelope) override;
   std::shared_ptr<Input> input() const override { return nullptr; }
@@ -119,6 +123,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   using Requests = std::unordered_map<std::uint32_t, Outstanding>;
 
   bool isSeen() const;
+  std::string sendBy(std::shared_ptr<Destination> destination, const SharedName& to,
+                     const Callee& callee, Payload data, std::uint32_t requestId);
   std::string expect(std::uint32_t requestId, const SharedName& to,
                      const std::shared_ptr<Destination>& asked, ReplyTicket& ticket);
   std::pair<Requests::iterator, bool> place(std::uint32_t requestId);

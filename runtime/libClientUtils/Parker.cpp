@@ -13,6 +13,7 @@
 
 #include "runtime/libClientUtils/Futex.h"
 #include "runtime/libClientUtils/Processors.h"
+#include "runtime/libClientUtils/Spares.h"
 #include "runtime/libClientUtils/WakeLine.h"
 
 namespace zerva {
@@ -114,7 +115,9 @@ void Parker::park() {
   bool came = false;
   // Kept only while it is read: the thread may then sleep for as long as the process lives.
   if (readAt(work_.lock().get(), nullptr, came)) return;
-  if (!linger(nullptr)) sleep(nullptr);
+  if (linger(nullptr)) return;
+  Spares::idle();
+  sleep(nullptr);
 }
 
 /**

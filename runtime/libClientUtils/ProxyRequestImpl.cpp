@@ -10,6 +10,7 @@
 #include "framework/DecodeException.h"
 #include "framework/ProtocolAdapter.h"
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/trace/Trace.h"
 
 /** Constant after construction but for the counter, so any number of threads may call at once. */
@@ -66,14 +67,14 @@ void ProxyRequestImpl::call(const std::string& method, const Writable& arguments
   if (state_->adapter == nullptr) {
     fail("protocol '" + state_->callee->protocol + "' is not known here");
   }
-  std::string bytes;
-  state_->adapter->writeCall(method, arguments, bytes);
+  std::shared_ptr<std::string> bytes = zerva::newText();
+  state_->adapter->writeCall(method, arguments, *bytes);
 
   CommsChannelDataContainerMessage message;
   auto& sent = message.state();
   sent.channel = state_->svcChannel;
   sent.callee = state_->callee;
-  sent.data = std::make_shared<const std::string>(std::move(bytes));
+  sent.data = std::move(bytes);
   sent.requestId = state_->newId();
   // A request that could not be sent has an answer too: the reason.
   state_->channel->send(message);

@@ -21,6 +21,20 @@ std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() 
 
 std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
+  return sendBy(ChannelDirectory::instance().find(textOf(to)), to, callee, std::move(data),
+                requestId);
+}
+
+std::string Mailbox::sendTo(const std::string& to, Payload data) {
+  auto destination = ChannelDirectory::instance().find(to);
+  SharedName name = destination != nullptr ? destination->nameToShare() : nullptr;
+  if (name == nullptr) name = sharedName(to);
+  return sendBy(std::move(destination), name, nullptr, std::move(data), 0);
+}
+
+/** As `send`; the destination is what was found under the name, null for nothing. */
+std::string Mailbox::sendBy(std::shared_ptr<Destination> destination, const SharedName& to,
+                            const Callee& callee, Payload data, std::uint32_t requestId) {
   const CallChain& served = servingThread().chain();
   Envelope envelope{name_,
                     to,
@@ -31,7 +45,6 @@ std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload da
                     nullptr,
                     {},
                     nullptr};
-  auto destination = ChannelDirectory::instance().find(textOf(to));
   std::string error;
   if (requestId != 0) {
     error = expect(requestId, to, destination, envelope.ticket);

@@ -33,7 +33,11 @@ std::uint64_t nextId() {
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
+constinit Spares queuePlaces(SpareKind::QueuePlace, [](void* place) { ::operator delete(place); });
+
 }  // namespace
+
+Spares& spareQueuePlaces() { return queuePlaces; }
 
 ExecutorCore::ExecutorCore(ExecutorSettings settings)
     : settings_(std::move(settings)),
@@ -164,16 +168,6 @@ ExecutorProgress ExecutorCore::progress() const {
   return progress;
 }
 
-/** Puts a message into the queue. Called under the lock. */
-void ExecutorCore::append(Envelope& envelope) {
-  if (spare_.empty()) {
-    queue_.push_back(std::move(envelope));
-  } else {
-    spare_.front() = std::move(envelope);
-    queue_.splice(queue_.end(), spare_);
-  }
-}
-
 Executable* ExecutorCore::service() const {
   const std::lock_guard lock(mutex_);
   return service_;
@@ -201,7 +195,7 @@ bool ExecutorCore::receive(Envelope& envelope) {
       if (service_ == nullptr && envelope.expiry == nullptr) {
         wish(envelope.chain);
       }
-      append(envelope);
+      queue_.push_back(std::move(envelope));
       if (toPool) enterPool(1);
     }
   }

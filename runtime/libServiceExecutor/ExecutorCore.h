@@ -19,6 +19,7 @@
 #include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/trace/TraceNames.h"
 #include "runtime/libServiceExecutor/Progress.h"
+#include "runtime/libServiceExecutor/QueuePlaces.h"
 
 class CommsChannelIfc;
 class Executable;
@@ -102,7 +103,7 @@ class ExecutorCore final : public RequestReceiver,
 
  private:
   /** A list, since an executor that has nothing to do should take no memory for it. */
-  using Queue = std::list<Envelope>;
+  using Queue = std::list<Envelope, QueuePlaces<Envelope>>;
 
   /** The body of the executor's own thread. */
   class OwnThread : public Threadable {
@@ -177,7 +178,6 @@ class ExecutorCore final : public RequestReceiver,
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void enterPool(std::size_t tasks);
   void handToPool(std::size_t requests);
-  void append(Envelope& envelope);
   void refuse(Queue& requests, const std::string& error);
   void trace(TraceKind kind) const;
   void traceFirst(const Envelope& envelope);
@@ -206,9 +206,6 @@ class ExecutorCore final : public RequestReceiver,
   Executable* service_;
   std::optional<Description> what_;  // the service, as soon as there is one
   Queue queue_;
-  // The place of a message that was taken, for the next one: it would be freed by another thread
-  // than the one that gets the next, which costs the allocator several times as much.
-  Queue spare_;
   std::unique_ptr<Handed> spareHanded_;
   // Tasks that the pool has of this executor, and what keeps it alive meanwhile: a task that did so
   // itself would take memory for each request.

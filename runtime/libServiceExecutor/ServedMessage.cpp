@@ -11,6 +11,7 @@
 #include "framework/ProtocolAdapter.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/Texts.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 #include "runtime/libServiceExecutor/ExecutorLog.h"
 #include "runtime/libServiceExecutor/TakenMessage.h"
@@ -78,30 +79,34 @@ void ExecutorCore::serveMessage(Taken& taken, Executable& service) {
  */
 std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
                                Payload& answer) {
-  std::string interface = envelope.callee->interface;
-  std::string protocol = envelope.callee->protocol;
-  std::string reply;
+  // The context may write into what it is given.
+  const std::shared_ptr<std::string> interface = newText();
+  const std::shared_ptr<std::string> protocol = newText();
+  std::shared_ptr<std::string> reply = newText();
+  *interface = envelope.callee->interface;
+  *protocol = envelope.callee->protocol;
   std::optional<std::string> refusal;
   ProtocolAdapter* adapter = nullptr;
   Invoker* invoker = nullptr;
   if (const auto error = exceptionOf([&] {
-        adapter = settings_.context->findProtocolAdapter(protocol);
-        invoker = settings_.context->findInvoker(interface, protocol);
+        adapter = settings_.context->findProtocolAdapter(*protocol);
+        invoker = settings_.context->findInvoker(*interface, *protocol);
       })) {
     return "looking up its invoker failed: " + *error;
   }
   if (adapter == nullptr) {
-    return "protocol '" + protocol + "' is not known there";
+    return "protocol '" + *protocol + "' is not known there";
   }
   if (invoker == nullptr) {
-    return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
+    return "there is no invoker for interface '" + *interface + "' and protocol '" + *protocol +
+           "'";
   }
   const auto error = exceptionOf([&] {
     try {
       if (method != nullptr) {
         *method = adapter->methodOf(*envelope.data);
       }
-      invoker->invoke(service, *adapter, *envelope.data, reply);
+      invoker->invoke(service, *adapter, *envelope.data, *reply);
     } catch (const DecodeException& exception) {
       refusal = exception.what();
     }
@@ -113,7 +118,7 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
     // Also a refusal without a text is one.
     return "the call was refused without a reason";
   }
-  answer = std::make_shared<const std::string>(std::move(reply));
+  answer = std::move(reply);
   return refusal.value_or(std::string());
 }
 

@@ -21,24 +21,15 @@ struct ExecutorCore::Handed {
 class ExecutorCore::Taken {
  public:
   Taken(ExecutorCore& core, std::unique_lock<std::mutex>& lock, Queue::iterator which)
-      : core_(core),
-        lock_(lock),
-        keepsPlace_(core.spare_.empty()),
-        handed_(std::move(core.spareHanded_)) {
+      : core_(core), lock_(lock), handed_(std::move(core.spareHanded_)) {
     place_.splice(place_.begin(), core.queue_, which);
     ++core.begun_;
   }
   ~Taken() {
     // Not under the lock: whoever still waits for an answer gets one.
     if (lock_.owns_lock()) lock_.unlock();
-    if (keepsPlace_) {
-      std::destroy_at(&envelope());
-      std::construct_at(&envelope());
-    } else {
-      place_.clear();
-    }
+    place_.clear();
     lock_.lock();
-    if (core_.spare_.empty()) core_.spare_.splice(core_.spare_.begin(), place_);
     if (core_.spareHanded_ == nullptr && !handedIsUsed_) core_.spareHanded_ = std::move(handed_);
   }
   Taken(const Taken&) = delete;
@@ -58,7 +49,6 @@ class ExecutorCore::Taken {
  private:
   ExecutorCore& core_;
   std::unique_lock<std::mutex>& lock_;
-  const bool keepsPlace_;
   Queue place_;
   std::unique_ptr<Handed> handed_;
   bool handedIsUsed_ = false;

@@ -70,6 +70,26 @@ TEST(AnExecutor, ThatThereWasNoMemoryToShutDown_IsDeletedAllTheSame) {
   world.end();
 }
 
+TEST(AMessage, LikeOneThatWasServed_TakesNoMemory) {
+  ExecutorWorld world;
+  ScriptedService service;
+  const std::string text = "short";  // one that was kept may have room for no more
+  const std::string name = "/a channel with a name that takes memory";
+  CommsChannel from("/from", nullptr);
+  world.run(&service, name, Mode::ST);
+  ASSERT_TRUE(from.sendTo(name, text));
+  // When its thread has ended, what the message took is there for others.
+  world.end();
+  world.run(&service, name, Mode::ST);
+
+  thereIsNone = true;
+  const bool sent = from.sendTo(name, text);
+
+  EXPECT_TRUE(std::exchange(thereIsNone, false));
+  EXPECT_TRUE(sent);
+  world.end();
+}
+
 /** Gives its answer and then throws what there is no memory to tell of. */
 class FailingService final : public ScriptedService {
  public:
