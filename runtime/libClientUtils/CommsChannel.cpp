@@ -50,7 +50,7 @@ bool CommsChannel::send(CommsChannelDataContainerMessage& message) {
 
 bool CommsChannel::sendTo(const std::string& channel, const std::string& data) {
   // Copied only where it has to wait.
-  return state_->mailbox->sendTo(channel, zerva::borrowed(data)).empty();
+  return state_->mailbox->send(channel, zerva::borrowed(data)).empty();
 }
 
 bool CommsChannel::receiveReply(CommsChannelDataContainerMessage& message, long requestId) {

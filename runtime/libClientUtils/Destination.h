@@ -11,8 +11,8 @@ namespace zerva {
 /** Where messages to a name can be handed: a mailbox of this process or a way to another one. */
 class ZERVA_EXPORT Destination {
  public:
-  /** @returns the name that it was found under, when it has it at hand to be shared; or null. */
-  virtual SharedName nameToShare() const { return nullptr; }
+  /** @returns whether it is of this process, so that no message needs the name to get there. */
+  virtual bool isHere() const { return false; }
 
   /** @returns as `CommsChannel::whoServes`. */
   virtual std::string server() const = 0;

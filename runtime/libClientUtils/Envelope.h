@@ -118,12 +118,12 @@ struct Envelope {
   /** @returns the name of the channel that sent it; empty when no channel did. */
   const std::string& from() const { return textOf(sender); }
 
-  /** @returns the name of the channel that it is for. */
+  /** @returns the name of the channel that it is for; empty when it has none: see `receiver`. */
   const std::string& to() const { return textOf(receiver); }
 
   /** Name of the channel that sent it; null when no channel did. */
   SharedName sender;
-  /** Name of the channel that it is for. */
+  /** Name of the channel that it is for; null on its way to one of this process that was found. */
   SharedName receiver;
   Callee callee;
   /** Those of a message that nobody answers may be borrowed until it is delivered. */

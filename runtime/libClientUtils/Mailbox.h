@@ -69,7 +69,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
                    std::uint32_t requestId);
 
   /** Sends a message that nobody answers; see `CommsChannelIfc::sendTo`. @returns as `send`. */
-  std::string sendTo(const std::string& to, Payload data);
+  std::string send(const std::string& to, Payload data);
 
   /** How a request ended. */
   struct Outcome {
@@ -97,7 +97,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   /** Waits until no delivery is under way any more, and lets the receiver go. After `close`. */
   void waitForDeliveries();
 
-  SharedName nameToShare() const override { return name_; }
+  bool isHere() const override { return true; }
   std::string server() const override;
   bool deliver(Envelope& envelope) override;
   std::shared_ptr<Input> input() const override { return nullptr; }
@@ -123,14 +123,14 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   using Requests = std::unordered_map<std::uint32_t, Outstanding>;
 
   bool isSeen() const;
-  std::string sendBy(std::shared_ptr<Destination> destination, const SharedName& to,
-                     const Callee& callee, Payload data, std::uint32_t requestId);
+  struct Target;
+  std::string sendTo(Target& target, const Callee& callee, Payload data, std::uint32_t requestId);
   std::string expect(std::uint32_t requestId, const SharedName& to,
                      const std::shared_ptr<Destination>& asked, ReplyTicket& ticket);
   std::pair<Requests::iterator, bool> place(std::uint32_t requestId);
   ReplyTicket aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked);
   ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
-  std::string deliverTo(std::shared_ptr<Destination> destination, Envelope& envelope);
+  std::string deliverTo(Target& target, Envelope& envelope);
   void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,
                     const std::string& error);
   Requests::iterator awaited(std::uint32_t requestId, std::uint64_t answerer);

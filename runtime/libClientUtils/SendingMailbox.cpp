@@ -19,25 +19,40 @@ std::size_t sizeOf(const Payload& data) { return data != nullptr ? data->size() 
 
 }  // namespace
 
+/** A name that something is sent to, and who was found under it. */
+struct Mailbox::Target {
+  explicit Target(const SharedName& theName) : name(textOf(theName)), shared(&theName) { find(); }
+  explicit Target(const std::string& theName) : name(theName) { find(); }
+
+  void find() { found = ChannelDirectory::instance().find(name); }
+
+  /** @returns the name for a message that needs it to get there; else null. */
+  SharedName carried() const {
+    if (found == nullptr || found->isHere()) return nullptr;
+    return shared != nullptr ? *shared : sharedName(name);
+  }
+
+  const std::string& name;
+  const SharedName* const shared = nullptr;  // null when nobody has it to be shared
+  std::shared_ptr<Destination> found;
+};
+
 std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
-  return sendBy(ChannelDirectory::instance().find(textOf(to)), to, callee, std::move(data),
-                requestId);
+  Target target(to);
+  return sendTo(target, callee, std::move(data), requestId);
 }
 
-std::string Mailbox::sendTo(const std::string& to, Payload data) {
-  auto destination = ChannelDirectory::instance().find(to);
-  SharedName name = destination != nullptr ? destination->nameToShare() : nullptr;
-  if (name == nullptr) name = sharedName(to);
-  return sendBy(std::move(destination), name, nullptr, std::move(data), 0);
+std::string Mailbox::send(const std::string& to, Payload data) {
+  Target target(to);
+  return sendTo(target, nullptr, std::move(data), 0);
 }
 
-/** As `send`; the destination is what was found under the name, null for nothing. */
-std::string Mailbox::sendBy(std::shared_ptr<Destination> destination, const SharedName& to,
-                            const Callee& callee, Payload data, std::uint32_t requestId) {
+std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
+                            std::uint32_t requestId) {
   const CallChain& served = servingThread().chain();
   Envelope envelope{name_,
-                    to,
+                    target.carried(),
                     callee,
                     std::move(data),
                     requestId != 0 ? served.ofRequest() : served.ofMessage(),
@@ -47,7 +62,7 @@ std::string Mailbox::sendBy(std::shared_ptr<Destination> destination, const Shar
                     nullptr};
   std::string error;
   if (requestId != 0) {
-    error = expect(requestId, to, destination, envelope.ticket);
+    error = expect(requestId, *target.shared, target.found, envelope.ticket);
     if (!error.empty()) {
       return error;
     }
@@ -56,12 +71,12 @@ std::string Mailbox::sendBy(std::shared_ptr<Destination> destination, const Shar
   }
   if (envelope.chain.length() > kMaximumChainLength) {
     error = "more than " + std::to_string(kMaximumChainLength) +
-            " requests wait for one another before channel '" + textOf(to) + "'";
+            " requests wait for one another before channel '" + target.name + "'";
   } else {
     if (isSeen()) {
-      dispatcher_->dispatchSent({name(), textOf(to), sizeOf(envelope.data), requestId, false, {}});
+      dispatcher_->dispatchSent({name(), target.name, sizeOf(envelope.data), requestId, false, {}});
     }
-    error = deliverTo(std::move(destination), envelope);
+    error = deliverTo(target, envelope);
   }
   if (!error.empty()) {
     const std::uint64_t answerer = envelope.ticket.answerer();
@@ -72,24 +87,25 @@ std::string Mailbox::sendBy(std::shared_ptr<Destination> destination, const Shar
 }
 
 /** @returns why nobody takes the message; empty when somebody did. */
-std::string Mailbox::deliverTo(std::shared_ptr<Destination> destination, Envelope& envelope) {
-  while (destination != nullptr) {
-    if (destination->deliver(envelope)) {
+std::string Mailbox::deliverTo(Target& target, Envelope& envelope) {
+  while (target.found != nullptr) {
+    if (target.found->deliver(envelope)) {
       return {};
     }
     if (!envelope.refusal.empty()) {
       return envelope.refusal;
     }
     // One that closes at this moment is not found again; a younger one of the name may be.
-    destination = ChannelDirectory::instance().find(envelope.to());
+    target.find();
+    envelope.receiver = target.carried();
     if (const std::uint32_t requestId = envelope.ticket.requestId(); requestId != 0) {
       envelope.ticket.cancel();
-      envelope.ticket = aimAgain(requestId, destination);
+      envelope.ticket = aimAgain(requestId, target.found);
       // Given up meanwhile, and its sender told: it is no message for which nobody waits.
       if (envelope.ticket.requestId() == 0) return {};
     }
   }
-  return "nobody serves channel '" + envelope.to() + "'";
+  return "nobody serves channel '" + target.name + "'";
 }
 
 /**

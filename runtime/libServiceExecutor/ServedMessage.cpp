@@ -133,15 +133,17 @@ std::string ExecutorCore::handOver(Executable& service, Taken& taken, Payload& a
   CommsChannelDataContainerMessage& message = used.message;
   CommsChannelDataContainerMessage& reply = used.reply;
   auto& handed = message.state();
-  handed.channel = envelope.sender;
+  // Lent, since to share it would be counted.
+  handed.channel.swap(envelope.sender);
   handed.data = std::move(envelope.data);
   handed.requestId = static_cast<long>(envelope.ticket.requestId());
-  if (auto error = exceptionOf([&] { service.messageReceived(message, reply); })) {
+  auto error = exceptionOf([&] { service.messageReceived(message, reply); });
+  handed.channel.swap(envelope.sender);
+  if (error) {
     // Also a service that throws an empty text has failed.
     return error->empty() ? "an exception without a text" : *std::move(error);
   }
   answer = std::move(reply.state().data);
-  handed.channel.reset();
   handed.data.reset();
   reply.state() = {};
   taken.handedIsEmpty();
