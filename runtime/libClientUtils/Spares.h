@@ -32,8 +32,11 @@ enum class SpareKind : unsigned char { Text, QueuePlace, Message, Unused };
  */
 class ZERVA_EXPORT Spares {
  public:
-  /** Most of a kind that are in the store. */
-  static constexpr std::size_t kMostInStore = 2048;
+  /**
+   * Most of a kind that are in the store: what is sent on a processor in the time that the system
+   * gives a thread, before the one that serves it has its turn.
+   */
+  static constexpr std::size_t kMostInStore = 16384;
 
   /** Most in a row. A thread that is busy has two rows at most. */
   static constexpr std::size_t kMostInRow = 32;

@@ -10,7 +10,7 @@ namespace zerva {
 namespace {
 
 // Longer ones are seldom so many that they matter, and would be much memory for short ones.
-constexpr std::size_t kLongestKept = 256;
+constexpr std::size_t kLongestKept = 128;
 
 // What a shared pointer notes beside it is no larger than this.
 constexpr std::size_t kBlockSize = 6 * sizeof(void*);

@@ -152,7 +152,7 @@ TEST(ATextOfAMessage, ThatSomebodyStillHas_IsNobodyElses) {
 }
 
 TEST(ATextOfAMessage, KeepsTheMemoryOfAShortOneAndNotThatOfALongOne) {
-  constexpr std::size_t kShort = 200;
+  constexpr std::size_t kShort = 120;
   constexpr std::size_t kLong = 5000;
   const std::string* kept = nullptr;
   {
