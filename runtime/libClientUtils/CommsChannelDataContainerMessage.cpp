@@ -1,7 +1,25 @@
 #include "framework/CommsChannelDataContainerMessage.h"
 
 #include "runtime/libClientUtils/MessageState.h"
+#include "runtime/libClientUtils/Spares.h"
 #include "runtime/libClientUtils/Texts.h"
+
+namespace {
+
+constinit zerva::Spares spareStates(zerva::SpareKind::Message,
+                                    [](void* state) { ::operator delete(state); });
+
+}  // namespace
+
+void* CommsChannelDataContainerMessage::State::operator new(std::size_t size) {
+  static_assert(sizeof(State) >= sizeof(zerva::Spare));
+  void* const state = spareStates.take();
+  return state != nullptr ? state : ::operator new(size);
+}
+
+void CommsChannelDataContainerMessage::State::operator delete(void* state) {
+  spareStates.give(state);
+}
 
 CommsChannelDataContainerMessage::CommsChannelDataContainerMessage()
     : state_(std::make_unique<State>()) {}

@@ -35,6 +35,9 @@ class ZERVA_EXPORT Destination {
    */
   virtual bool waitsForCaller() const = 0;
 
+  /** @returns whether `waitsForCaller` says no from here on, to whomever. */
+  virtual bool isStarted() const { return false; }
+
  protected:
   ~Destination() = default;
 };

@@ -136,6 +136,12 @@ bool Mailbox::waitsForCaller() const {
   return serving != nullptr && serving->waitsForCaller();
 }
 
+bool Mailbox::isStarted() const {
+  const Delivery delivery(*this);
+  const RequestReceiver* const serving = delivery.receiver();
+  return serving != nullptr && serving->isStarted();
+}
+
 void Mailbox::answer(Envelope& request, Payload data, const std::string& error) {
   if (request.ticket.requestId() == 0) {
     return;

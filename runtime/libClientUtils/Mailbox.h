@@ -29,6 +29,9 @@ class ZERVA_EXPORT RequestReceiver {
   /** As `Destination::waitsForCaller`. */
   virtual bool waitsForCaller() const = 0;
 
+  /** As `Destination::isStarted`. */
+  virtual bool isStarted() const { return false; }
+
   /** @returns the object that the requests are for; null as long as it does not exist. */
   virtual const Executable* object() const = 0;
 
@@ -102,6 +105,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   bool deliver(Envelope& envelope) override;
   std::shared_ptr<Input> input() const override { return nullptr; }
   bool waitsForCaller() const override;
+  bool isStarted() const override;
   void receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payload data,
                     const std::string& error) override;
 
@@ -113,8 +117,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   /** A request that was sent and whose end nobody has heard of yet. Guarded by the lock. */
   struct Outstanding {
     SharedName to;
-    std::weak_ptr<Destination> asked;
-    std::weak_ptr<Input> input;  // where the answer comes from, when not from this process
+    std::weak_ptr<Destination> asked;  // only one that a wait may have to wait for
+    std::weak_ptr<Input> input;        // where the answer comes from, when not from this process
     std::uint64_t answerer = 0;
     Clock::time_point deadline;
     Wait* wait = nullptr;            // of the thread that waits for it
@@ -128,7 +132,8 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   std::string expect(std::uint32_t requestId, const SharedName& to,
                      const std::shared_ptr<Destination>& asked, ReplyTicket& ticket);
   std::pair<Requests::iterator, bool> place(std::uint32_t requestId);
-  ReplyTicket aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked);
+  ReplyTicket aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked,
+                    bool isStarted);
   ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
   std::string deliverTo(Target& target, Envelope& envelope);
   void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,

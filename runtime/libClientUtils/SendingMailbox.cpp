@@ -118,6 +118,7 @@ std::string Mailbox::deliverTo(Target& target, Envelope& envelope) {
 std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to,
                             const std::shared_ptr<Destination>& asked, ReplyTicket& ticket) {
   const auto now = Clock::now();
+  const bool started = asked != nullptr && asked->isStarted();
   const std::lock_guard lock(mutex_);
   if (closed_) {
     return "channel '" + name() + "' is closed";
@@ -132,7 +133,7 @@ std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to,
   }
   request->second.deadline = now + replyTimeout();
   request->second.to = to;
-  ticket = aimAt(*request, asked);
+  ticket = aimAt(*request, asked, started);
   return {};
 }
 
@@ -154,9 +155,13 @@ std::pair<Mailbox::Requests::iterator, bool> Mailbox::place(std::uint32_t reques
  *     answered as: the id may be used again before a late reply comes, which whoever is asked now
  *     may have been asked for, too.
  */
-ReplyTicket Mailbox::aimAt(Requests::value_type& request,
-                           const std::shared_ptr<Destination>& asked) {
-  request.second.asked = asked;
+ReplyTicket Mailbox::aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked,
+                           bool isStarted) {
+  if (isStarted) {
+    request.second.asked.reset();
+  } else {
+    request.second.asked = asked;
+  }
   request.second.input = asked != nullptr ? asked->input() : nullptr;
   request.second.answerer = ++lastAnswerer_;
   ReplyTicket ticket(shared_from_this(), request.first);
@@ -166,9 +171,10 @@ ReplyTicket Mailbox::aimAt(Requests::value_type& request,
 
 /** Notes that another one is asked, since the one before did not take the request. */
 ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
+  const bool started = asked != nullptr && asked->isStarted();
   const std::lock_guard lock(mutex_);
   const auto found = outstanding_.find(requestId);
-  return found != outstanding_.end() ? aimAt(*found, asked) : ReplyTicket();
+  return found != outstanding_.end() ? aimAt(*found, asked, started) : ReplyTicket();
 }
 
 /** Ends a request that could not be delivered: who waits for it finds out why. */

@@ -3,7 +3,8 @@
 namespace zerva {
 
 ServingThread& servingThread() {
-  thread_local ServingThread thread;
+  // Nothing has to be looked up for it: the library is there from the start.
+  [[gnu::tls_model("initial-exec")]] constinit static thread_local ServingThread thread;
   return thread;
 }
 

@@ -92,6 +92,7 @@ class ExecutorCore final : public RequestReceiver,
 
   bool receive(Envelope& envelope) override;
   bool waitsForCaller() const override;
+  bool isStarted() const override { return started_.load(std::memory_order_relaxed); }
   const Executable* object() const override { return service(); }
   bool isMaking() const override;
 

@@ -145,7 +145,7 @@ std::string ExecutorCore::handOver(Executable& service, Taken& taken, Payload& a
   }
   answer = std::move(reply.state().data);
   handed.data.reset();
-  reply.state() = {};
+  reply.state().clear();
   taken.handedIsEmpty();
   return {};
 }
