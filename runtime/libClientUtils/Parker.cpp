@@ -28,6 +28,7 @@ constexpr std::chrono::microseconds kOfUse{60};
 // A look at the clock takes as long as some of these.
 constexpr int kLooksBetweenClocks = 32;
 constexpr int kReadsBetweenClocks = 4;
+constexpr unsigned kYieldsBetweenClocks = 7;
 
 // What is asked of the system is asked again after so many times; a thread that was confined to one
 // processor meanwhile looks in vain, which it soon leaves out anyway.
@@ -37,7 +38,8 @@ constexpr unsigned kWaitsBetweenAsking = 64;
 constexpr unsigned kMostLeftOut = 127;
 
 /** The calling thread's; null when it has none yet, or is about to end. */
-thread_local const std::shared_ptr<Parker>* own = nullptr;
+[[gnu::tls_model("initial-exec")]] constinit thread_local const std::shared_ptr<Parker>* own =
+    nullptr;
 
 /** Gives back a thread's place when the thread ends. */
 class ThreadKey {
@@ -175,23 +177,42 @@ bool Parker::linger(Input* input) {
     return false;
   }
   askSystem();
+  if (!several_) return yield(input);
   const Clock::time_point begin = Clock::now();
-  bool came = false;
-  if (several_) {
-    came = spin(begin + kSpinTime, input);
+  const bool came = spin(begin + kSpinTime, input);
+  noteUse(came && Clock::now() - begin < kOfUse);
+  return came;
+}
+
+/** As `linger`, for whoever waits for this processor. */
+bool Parker::yield(Input* input) {
+  // To read the clock each time would take a tenth of what it takes to let somebody run.
+  const bool timed = untilTimed_ == 0;
+  untilTimed_ = timed ? kYieldsBetweenClocks : untilTimed_ - 1;
+  const Clock::time_point begin = timed ? Clock::now() : Clock::time_point();
+  ::sched_yield();
+  const bool came = look(input);
+  if (!came) {
+    noteUse(false);
+  } else if (timed) {
+    noteUse(Clock::now() - begin < kOfUse);
   } else {
-    // For whoever waits for this processor.
-    ::sched_yield();
-    came = look(input);
+    leftOut_ = inVain_;  // as the last time
   }
-  // One that came late would have come in time to a thread that sleeps: the processor is wanted.
-  if (came && Clock::now() - begin < kOfUse) {
+  return came;
+}
+
+/**
+ * Notes whether lingering was of use. What came late was not: it would have come in time to a
+ * thread that sleeps, and the processor is wanted.
+ */
+void Parker::noteUse(bool ofUse) {
+  if (ofUse) {
     inVain_ = 0;
   } else {
     inVain_ = std::min(2 * inVain_ + 1, kMostLeftOut);
     leftOut_ = inVain_;
   }
-  return came;
 }
 
 /** For whoever runs on another processor. */

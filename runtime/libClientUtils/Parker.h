@@ -73,6 +73,8 @@ class ZERVA_EXPORT Parker {
   bool takeToken();
   bool look(Input* input);
   bool linger(Input* input);
+  bool yield(Input* input);
+  void noteUse(bool ofUse);
   bool spin(Clock::time_point end, Input* input);
   void askSystem();
   bool sleep(const Clock::time_point* deadline);
@@ -87,6 +89,7 @@ class ZERVA_EXPORT Parker {
   // times it is left out yet. Most threads that are made have nothing to do at first.
   unsigned inVain_ = 0;
   unsigned leftOut_ = 1;
+  unsigned untilTimed_ = 0;  // how many times the clock is not looked at yet
   // What the system says: whether there is another processor, and whether the thread is given less
   // of one than others of the process; and how many times that is believed yet.
   bool several_ = false;
