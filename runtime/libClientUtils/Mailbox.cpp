@@ -310,7 +310,7 @@ void Mailbox::forget(Requests::iterator which) {
     return;
   }
   spare_ = outstanding_.extract(which);
-  spare_.mapped() = {};
+  spare_.mapped().clear();
 }
 
 void Mailbox::dropForgotten(Clock::time_point now) {

@@ -123,6 +123,15 @@ class ZERVA_EXPORT Mailbox final : public Destination,
     Clock::time_point deadline;
     Wait* wait = nullptr;            // of the thread that waits for it
     std::optional<Outcome> outcome;  // when it ended before anybody waited
+
+    /** Lets go of what it holds, and is as good as a new one. */
+    void clear() {
+      to.reset();
+      asked.reset();
+      input.reset();
+      wait = nullptr;
+      outcome.reset();
+    }
   };
   using Requests = std::unordered_map<std::uint32_t, Outstanding>;
 

@@ -1,7 +1,10 @@
 #include "runtime/libClientUtils/ProtocolRepository.h"
 
-#include <map>
+#include <atomic>
+#include <list>
 #include <mutex>
+#include <string>
+#include <utility>
 
 #include "framework/ProtocolAdapter.h"
 #include "runtime/libClientUtils/protocols/SimpleRmiAdapter.h"
@@ -10,9 +13,20 @@
 struct ProtocolRepository::State {
   zerva::SimpleRmiAdapter simpleRmi;
   zerva::SvcXmlAdapter svcXml;
+
+  /** Stays where it is: each call looks for one, and takes no lock for it. */
+  struct Known {
+    Known(std::string itsProtocol, ProtocolAdapter* itsAdapter, const Known* theNext)
+        : protocol(std::move(itsProtocol)), adapter(itsAdapter), next(theNext) {}
+
+    const std::string protocol;
+    std::atomic<ProtocolAdapter*> adapter;
+    const Known* const next;
+  };
+  std::atomic<const Known*> newest{nullptr};
+
   std::mutex mutex;
-  // Guarded by mutex.
-  std::map<std::string, ProtocolAdapter*> adapters;
+  std::list<Known> all;  // guarded by mutex
 };
 
 ProtocolRepository::ProtocolRepository() : state_(std::make_unique<State>()) {
@@ -26,11 +40,20 @@ void ProtocolRepository::addProtocolAdapter(ProtocolAdapter* adapter) {
   if (adapter == nullptr) return;
   const std::string protocol = adapter->getProtocol();
   const std::lock_guard lock(state_->mutex);
-  state_->adapters[protocol] = adapter;
+  for (State::Known& known : state_->all) {
+    if (known.protocol == protocol) {
+      known.adapter.store(adapter, std::memory_order_release);
+      return;
+    }
+  }
+  state_->newest.store(&state_->all.emplace_back(protocol, adapter, state_->newest.load()),
+                       std::memory_order_release);
 }
 
 ProtocolAdapter* ProtocolRepository::findProtocolAdapter(std::string protocol) {
-  const std::lock_guard lock(state_->mutex);
-  const auto found = state_->adapters.find(protocol);
-  return found == state_->adapters.end() ? nullptr : found->second;
+  for (const State::Known* known = state_->newest.load(std::memory_order_acquire); known != nullptr;
+       known = known->next) {
+    if (known->protocol == protocol) return known->adapter.load(std::memory_order_acquire);
+  }
+  return nullptr;
 }

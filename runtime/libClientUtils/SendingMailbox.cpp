@@ -164,7 +164,7 @@ ReplyTicket Mailbox::aimAt(Requests::value_type& request, const std::shared_ptr<
   }
   request.second.input = asked != nullptr ? asked->input() : nullptr;
   request.second.answerer = ++lastAnswerer_;
-  ReplyTicket ticket(shared_from_this(), request.first);
+  ReplyTicket ticket(weak_from_this(), request.first);
   ticket.answerAs(request.second.answerer);
   return ticket;
 }

@@ -174,7 +174,7 @@ Executable* ExecutorCore::service() const {
 }
 
 bool ExecutorCore::receive(Envelope& envelope) {
-  std::shared_ptr<Parker> woken;
+  Parker* woken = nullptr;  // there as long as this executor
   bool toPool = false;
   std::string error;
   if (Trace::on()) traceFirst(envelope);
@@ -189,7 +189,7 @@ bool ExecutorCore::receive(Envelope& envelope) {
       toPool = started_ && runsOnPool();
       const bool ownChain = ownChain_ != 0 && envelope.chain.id() == ownChain_;
       if (!toPool && (ownThreadIdle_ || ownChain)) {
-        woken = ownParker_;
+        woken = ownParker_.get();
       }
       // A timer's expiry is for a service that exists or is being made; it asks for none.
       if (service_ == nullptr && envelope.expiry == nullptr) {
