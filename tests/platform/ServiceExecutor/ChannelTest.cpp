@@ -3,8 +3,11 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <string>
 #include <thread>
+#include <utility>
 
+#include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/Mailbox.h"
 #include "tests/platform/ServiceExecutor/ReplyTimeoutIs.h"
 #include "tests/support/Barrier.h"
@@ -34,6 +37,59 @@ class SlowReceiver final : public zerva::RequestReceiver {
  private:
   zerva::Gate& gate_;
 };
+
+/** Takes nothing any more, and its channel is closed. */
+class LeavingReceiver final : public zerva::RequestReceiver {
+ public:
+  explicit LeavingReceiver(zerva::Mailbox& mailbox) : mailbox_(mailbox) {}
+  bool receive(zerva::Envelope& /*envelope*/) override {
+    mailbox_.close();
+    return false;
+  }
+  bool waitsForCaller() const override { return false; }
+  const Executable* object() const override { return nullptr; }
+  bool isMaking() const override { return false; }
+
+ private:
+  zerva::Mailbox& mailbox_;
+};
+
+/** Another process, that serves all names. */
+class OtherProcess final : public zerva::RemoteChannels, public zerva::Destination {
+ public:
+  explicit OtherProcess(std::string& asked) : asked_(asked) {}
+  std::shared_ptr<zerva::Destination> find(const std::string& /*name*/) override {
+    return {std::shared_ptr<void>(), this};
+  }
+  void servedMayHaveChanged(const std::string& /*name*/) override {}
+  std::string server() const override { return "another process"; }
+  bool deliver(zerva::Envelope& envelope) override {
+    asked_ = envelope.to();
+    zerva::Envelope(std::move(envelope)).ticket.fail("it is out");
+    return true;
+  }
+  std::shared_ptr<zerva::Input> input() const override { return nullptr; }
+  bool waitsForCaller() const override { return false; }
+
+ private:
+  std::string& asked_;
+};
+
+TEST(ARequest, ToAChannelThatCloses_ReachesTheOtherProcessThatServesTheNameWithTheName) {
+  auto& directory = zerva::ChannelDirectory::instance();
+  std::string asked;
+  directory.setRemoteChannels(std::make_shared<OtherProcess>(asked));
+  const auto leaving = std::make_shared<zerva::Mailbox>("/moved", nullptr);
+  directory.add(leaving);
+  leaving->serveWith(std::make_shared<LeavingReceiver>(*leaving));
+
+  EXPECT_EQ(ask("/moved", "x").error, "it is out");
+  EXPECT_EQ(asked, "/moved");
+
+  directory.remove(*leaving);
+  leaving->waitForDeliveries();
+  directory.setRemoteChannels(nullptr);
+}
 
 TEST(ARequest, ToANameThatNobodyServes_FailsAtOnceAndKeepsItsData) {
   CommsChannel sut("/test/caller", nullptr);

@@ -305,6 +305,24 @@ TEST_P(AnExecutorInEitherMode, FailsAWaitOfTheThreadThatHasYetToStartIt) {
   world.end();
 }
 
+TEST_P(AnExecutorInEitherMode, AnswersTheThreadThatHasStartedItSinceItAsked) {
+  ExecutorWorld world;
+  ScriptedService service;
+  ServiceExecutor& sut = world.build(&service, "/svc", GetParam());
+  CommsChannel from("/test/caller", nullptr);
+  CommsChannelDataContainerMessage message;
+  message.setChannel("/svc");
+  message.setData("x");
+  message.setRequestId(1);
+  EXPECT_TRUE(from.send(message));
+
+  ExecutorWorld::start(sut);
+
+  EXPECT_TRUE(from.receiveReply(message, 1)) << message.getError();
+  EXPECT_EQ(message.getData(), "x");
+  world.end();
+}
+
 TEST_P(AnExecutorInEitherMode, LosesNoRequestWhenItIsShutDownInTheMiddle) {
   for (int round = 0; round < 20; ++round) {
     ScriptedService service;
