@@ -8,7 +8,6 @@
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/Slab.h"
-#include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 
 using zerva::ChannelDirectory;

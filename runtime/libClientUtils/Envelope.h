@@ -22,11 +22,6 @@ inline Payload borrowed(const std::string& data) { return {Payload(), &data}; }
 
 inline bool isBorrowed(const Payload& data) { return data != nullptr && data.use_count() == 0; }
 
-/** @returns data that may be kept: a copy of borrowed ones, else the same. */
-inline Payload kept(Payload data) {
-  return isBorrowed(data) ? std::make_shared<const std::string>(*data) : std::move(data);
-}
-
 /** A name that many messages carry. */
 using SharedName = std::shared_ptr<const std::string>;
 

@@ -8,6 +8,7 @@
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/ServingThread.h"
+#include "runtime/libClientUtils/Texts.h"
 
 namespace zerva {
 

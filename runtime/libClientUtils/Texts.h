@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/Envelope.h"
@@ -19,6 +20,11 @@ inline Payload textOfBytes(const std::string& bytes) {
   std::shared_ptr<std::string> text = newText();
   *text = bytes;
   return text;
+}
+
+/** @returns data that may be kept: a copy of borrowed ones, else the same. */
+inline Payload kept(Payload data) {
+  return isBorrowed(data) ? textOfBytes(*data) : std::move(data);
 }
 
 }  // namespace zerva

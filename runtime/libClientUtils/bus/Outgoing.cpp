@@ -10,6 +10,7 @@
 
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/Processors.h"
+#include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/bus/Connection.h"
 
 namespace zerva {
