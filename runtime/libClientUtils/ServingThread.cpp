@@ -1,6 +1,14 @@
 #include "runtime/libClientUtils/ServingThread.h"
 
+#include <utility>
+
 namespace zerva {
+
+namespace {
+
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool forOthers = false;
+
+}  // namespace
 
 ServingThread& servingThread() {
   // Nothing has to be looked up for it: the library is there from the start.
@@ -42,8 +50,16 @@ WaitingScope::~WaitingScope() {
   }
 }
 
-ForOthersScope::ForOthersScope() : before_(servingThread()) { servingThread() = ServingThread(); }
+ForOthersScope::ForOthersScope()
+    : before_(servingThread()), outer_(std::exchange(forOthers, true)) {
+  servingThread() = ServingThread();
+}
 
-ForOthersScope::~ForOthersScope() { servingThread() = before_; }
+ForOthersScope::~ForOthersScope() {
+  forOthers = outer_;
+  servingThread() = before_;
+}
+
+bool ForOthersScope::on() { return forOthers; }
 
 }  // namespace zerva

@@ -112,8 +112,12 @@ class ZERVA_EXPORT ForOthersScope {
   ForOthersScope(const ForOthersScope&) = delete;
   ForOthersScope& operator=(const ForOthersScope&) = delete;
 
+  /** @returns whether the calling thread does so now. */
+  static bool on();
+
  private:
   const ServingThread before_;
+  const bool outer_;
   const TraceWorkScope forNobody_{{}};
 };
 

@@ -21,10 +21,10 @@ enum class Kind {
   Listen,         // listen: ENOBUFS
   Connect,        // connect: EAGAIN
   Accept,         // accept4: EMFILE
-  Send,           // sendmsg: ECONNRESET
-  SendPart,       // sendmsg takes one byte and no more
-  SendFull,       // sendmsg: EAGAIN
-  Receive,        // recv: ECONNRESET
+  Send,           // send and sendmsg: ECONNRESET
+  SendPart,       // they take one byte and no more
+  SendFull,       // they: EAGAIN
+  Receive,        // recv and recvmsg: ECONNRESET
   Spawn,          // posix_spawnp: EAGAIN
   OpenFile,       // opening the directive file: EMFILE
   ReadFile,       // reading the directive file: EIO

@@ -2,9 +2,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/uio.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -14,6 +12,7 @@
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/NoCancellation.h"
 #include "runtime/libClientUtils/bus/Frames.h"
 
 namespace zerva {
@@ -23,13 +22,13 @@ namespace {
 // So many times in a row, though there is more; others have something to do, too.
 constexpr int kReadsAtOnce = 4;
 
-// By the system calls themselves, in which no thread is cancelled: one that goes amid a frame would
-// leave half of it. In 32 bits they take less than the C library's way, too.
 constexpr std::size_t kShort = 512;
 constexpr int kNow = MSG_DONTWAIT | MSG_NOSIGNAL;
 
 /** Short pieces are put together, since to send one takes less. */
 ssize_t sendNow(int socket, std::span<const iovec> parts) {
+  // A thread that is cancelled amid a frame would leave half of it.
+  const NoCancellation whole;
   std::array<char, kShort> together;
   std::size_t size = 0;
   for (const iovec& part : parts) {
@@ -37,21 +36,12 @@ ssize_t sendNow(int socket, std::span<const iovec> parts) {
       msghdr message{};
       message.msg_iov = const_cast<iovec*>(parts.data());
       message.msg_iovlen = parts.size();
-      return ::syscall(SYS_sendmsg, socket, &message, kNow);
+      return ::sendmsg(socket, &message, kNow);
     }
     std::memcpy(together.data() + size, part.iov_base, part.iov_len);
     size += part.iov_len;
   }
-  return ::syscall(SYS_sendto, socket, together.data(), size, kNow, nullptr, 0);
-}
-
-ssize_t receiveNow(int socket, msghdr& message) {
-  return ::syscall(SYS_recvmsg, socket, &message, kNow);
-}
-
-/** As above, for one piece, for which it takes less. */
-ssize_t receiveNow(int socket, std::span<char> room) {
-  return ::syscall(SYS_recvfrom, socket, room.data(), room.size(), kNow, nullptr, nullptr);
+  return ::send(socket, together.data(), size, kNow);
 }
 
 }  // namespace
@@ -179,12 +169,13 @@ Input::Read Connection::readSome() {
 
 /** @returns as `recv`. */
 ssize_t Connection::receive(std::span<const std::span<char>, 2> room) const {
-  if (room[0].empty()) return receiveNow(socket_.get(), room[1]);
+  // One piece takes less.
+  if (room[0].empty()) return ::recv(socket_.get(), room[1].data(), room[1].size(), kNow);
   std::array<iovec, 2> parts{{{room[0].data(), room[0].size()}, {room[1].data(), room[1].size()}}};
   msghdr message{};
   message.msg_iov = parts.data();
   message.msg_iovlen = parts.size();
-  return receiveNow(socket_.get(), message);
+  return ::recvmsg(socket_.get(), &message, kNow);
 }
 
 /** @returns whether there was a whole one. */

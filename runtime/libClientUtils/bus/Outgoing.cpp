@@ -3,13 +3,19 @@
 #include <sched.h>
 #include <sys/uio.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <ctime>
+#include <new>
 #include <span>
 #include <utility>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/NoCancellation.h"
 #include "runtime/libClientUtils/Processors.h"
+#include "runtime/libClientUtils/ReplyTimeout.h"
+#include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/bus/Connection.h"
 
@@ -20,64 +26,92 @@ namespace {
 // How often the only processor is given away: the system may choose the same thread again.
 constexpr int kTries = 4;
 
+// How long a thread sleeps between two looks whether what it has no memory to keep can be sent.
+constexpr timespec kBetweenLooks{0, 1'000'000};
+
 }  // namespace
 
 Outgoing::Result Outgoing::send(std::string head, Payload data, std::size_t limit) {
   Frame frame{std::move(head), std::move(data)};
+  const std::string* const lent = isBorrowed(frame.data) ? frame.data.get() : nullptr;
   std::unique_lock lock(mutex_);
   if (ended_) {
     return Result::Ended;
   }
-  if (queue_.empty() && connection_ != nullptr) {
+  const bool first = queue_.empty() && connection_ != nullptr;
+  if (first) {
     if (sendSome(frame)) {
       return Result::Taken;
     }
-    return ended_ ? Result::Ended : sendRest(frame, lock);
-  }
-  if (queued_ + frame.size() > limit) {
+    if (ended_) return Result::Ended;
+  } else if (queued_ + frame.size() > limit) {
     return Result::Full;
   }
-  keep(frame);
-  return Result::Taken;
+  if (!enqueue(frame)) return Result::Ended;
+  if (first) letItBeRead(lock);
+  // Whoever is before this frame may be a thread that does not run again soon.
+  if (!queue_.empty() && connection_ != nullptr) connection_->awaitWritable();
+  return lent == nullptr || keep(*lent, lock) ? Result::Taken : Result::Ended;
 }
 
-/** Puts a frame behind the others. */
-void Outgoing::keep(Frame& frame) {
+/** Puts a frame behind the others. @returns false when that has ended everything. */
+bool Outgoing::enqueue(Frame& frame) {
   const std::size_t size = frame.size();
-  frame.data = kept(std::move(frame.data));
-  queue_.push_back(std::move(frame));
-  queued_ += size;
-}
-
-/**
- * Sees to it that the rest of a frame is sent, before all others: by this thread, if that goes
- * soon, else when something can be sent.
- */
-Outgoing::Result Outgoing::sendRest(Frame& frame, std::unique_lock<std::mutex>& lock) {
-  const std::string* const data = isBorrowed(frame.data) ? frame.data.get() : nullptr;
-  const std::size_t size = frame.size();
-  if (exceptionOf([&] { queue_.push_back(std::move(frame)); })) {
-    // Half a frame may be out: nothing that is sent behind it would be understood.
+  const bool begun = frame.sent > 0;
+  try {
+    queue_.push_back(std::move(frame));
+  } catch (const std::bad_alloc&) {
+    if (!begun) throw;
+    // Half a frame is out: nothing that is sent behind it would be understood.
     abandon();
-    return Result::Ended;
+    return false;
   }
   queued_ += size;
-  const int tries = mayUseSeveralProcessors() ? 0 : kTries;
-  for (int left = tries; left > 0 && !queue_.empty(); --left) {
-    // For whoever reads it: nobody does while this thread has the only processor.
+  return true;
+}
+
+/** On the only processor, nobody reads what was sent while this thread runs. */
+void Outgoing::letItBeRead(std::unique_lock<std::mutex>& lock) {
+  if (mayUseSeveralProcessors() || ForOthersScope::on()) return;
+  for (int left = kTries; left > 0 && !queue_.empty(); --left) {
     lock.unlock();
     ::sched_yield();
     lock.lock();
     sendWhatGoes();
   }
-  if (!queue_.empty()) connection_->awaitWritable();
-  // Sent from where they are only as long as this thread was here.
-  if (data != nullptr && !queue_.empty() && queue_.front().data.get() == data &&
-      exceptionOf([&] { queue_.front().data = kept(std::move(queue_.front().data)); })) {
-    abandon();
-    return Result::Ended;
+}
+
+/**
+ * Copies data that were lent for the call, if they still wait. @returns false when that cannot be
+ * and nothing can be sent any more.
+ */
+bool Outgoing::keep(const std::string& lent, std::unique_lock<std::mutex>& lock) {
+  const auto waiting = [&] {
+    return std::find_if(queue_.begin(), queue_.end(),
+                        [&](const Frame& frame) { return frame.data.get() == &lent; });
+  };
+  if (waiting() == queue_.end()) return true;
+  // Not under the lock, since they may be many; who sends them meanwhile finds them here.
+  lock.unlock();
+  Payload copy;
+  const auto noMemory = exceptionOf([&] { copy = textOfBytes(lent); });
+  lock.lock();
+  if (!noMemory) {
+    if (const auto frame = waiting(); frame != queue_.end()) frame->data.swap(copy);
+    return true;
   }
-  return Result::Taken;
+  // Then it is sent from where it is, as long as somebody would wait for an answer.
+  const NoCancellation whole;
+  const auto deadline = Clock::now() + replyTimeout();
+  while (waiting() != queue_.end() && Clock::now() < deadline) {
+    lock.unlock();
+    ::nanosleep(&kBetweenLooks, nullptr);
+    lock.lock();
+    if (connection_ != nullptr) sendWhatGoes();
+  }
+  if (waiting() == queue_.end()) return true;
+  abandon();
+  return false;
 }
 
 void Outgoing::open(std::shared_ptr<Connection> connection) {
@@ -157,7 +191,7 @@ bool Outgoing::sendSome(Frame& frame) {
 
 /** Ends it so that the other side, if it is still there, does not wait for what is missing. */
 void Outgoing::abandon() {
-  connection_->endSending();
+  if (connection_ != nullptr) connection_->endSending();
   endLocked();
 }
 

@@ -19,16 +19,18 @@ inline constexpr std::size_t kMaximumQueued = std::size_t{64} * 1024 * 1024;
 
 /**
  * What is sent to another process, in the order in which it was handed over. It goes out at once
- * when nothing waits before it, else from the bus thread when there is room. Any thread.
+ * when nothing waits before it, else when there is room, from the bus thread or from one that sends
+ * something else. Any thread.
  */
-class Outgoing {
+class ZERVA_EXPORT Outgoing {
  public:
   enum class Result { Taken, Full, Ended };
 
   /**
    * Sends a frame, or keeps it until it can be sent.
    *
-   * @param data behind the head; may be null.
+   * @param data behind the head; may be null. Lent ones are copied if they are not sent at once;
+   *     without memory for that the call waits until they are.
    * @param limit how many bytes may wait.
    */
   Result send(std::string head, Payload data, std::size_t limit);
@@ -61,8 +63,9 @@ class Outgoing {
 
   bool sendSome(Frame& frame);
   bool sendWhatGoes();
-  void keep(Frame& frame);
-  Result sendRest(Frame& frame, std::unique_lock<std::mutex>& lock);
+  bool enqueue(Frame& frame);
+  void letItBeRead(std::unique_lock<std::mutex>& lock);
+  bool keep(const std::string& lent, std::unique_lock<std::mutex>& lock);
   void abandon();
   void endLocked();
 

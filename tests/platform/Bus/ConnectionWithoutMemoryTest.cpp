@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <exception>
 #include <string>
+#include <thread>
 
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/bus/Outgoing.h"
 #include "tests/platform/Bus/ConnectionWorld.h"
 #include "tests/support/NoMemory.h"
 
@@ -88,6 +91,59 @@ TEST_F(AConnection, ThatThereIsNoMemoryForALongFrameOf_IsEndedWhereverItLacks) {
     EXPECT_EQ(taken, lacked ? 0 : 1) << nth;
     EXPECT_LT(nth, 20);
   }
+}
+
+// Half of it is in the socket, and others' messages stand behind it.
+TEST_F(AConnection, ThatThereIsNoMemoryToKeepALentMessageFor_GetsAllOfItBeforeTheCallIsOver) {
+  constexpr std::size_t kMuch = 2'000'000;
+  int withoutMemory = 0;
+  for (int nth = 1;; ++nth) {
+    connect();
+    Outgoing outgoing;
+    sut->setHandler({[](std::string_view, const Payload&) {}, [](const std::string&) {}, [] {}},
+                    kMaximumFrame);
+    sut->start();
+    outgoing.open(sut);
+    std::string all;
+    std::thread reader([&] {
+      std::string part(100'000, '\0');
+      for (;;) {
+        const ssize_t came = ::recv(other.get(), part.data(), part.size(), 0);
+        if (came == 0) break;
+        if (came > 0) all.append(part, 0, static_cast<std::size_t>(came));
+        if (came < 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        if (all.size() == kMuch + 1) break;
+      }
+    });
+    std::string lent(kMuch, 'a');
+
+    letAllocationFail(nth);
+    const auto result = outgoing.send("<", borrowed(lent), kMaximumQueued);
+    const bool lacked = !allocationIsToFail();
+    letAllocationFail(0);
+    lent.assign(kMuch, 'b');
+
+    if (!lacked) {
+      outgoing.waitUntilSent(Clock::now());
+      outgoing.end();
+      ::shutdown(other.get(), SHUT_RDWR);
+      reader.join();
+      EXPECT_EQ(result, Outgoing::Result::Taken);
+      break;
+    }
+    if (result == Outgoing::Result::Taken) {
+      ++withoutMemory;
+      reader.join();
+      EXPECT_TRUE(all == "<" + std::string(kMuch, 'a'));
+    } else {
+      // There was no memory for a place in the queue.
+      EXPECT_EQ(result, Outgoing::Result::Ended);
+      reader.join();
+      EXPECT_LT(all.size(), kMuch);
+    }
+    ASSERT_LT(nth, 20);
+  }
+  EXPECT_GE(withoutMemory, 1);
 }
 
 }  // namespace
