@@ -4,6 +4,10 @@
 #include "runtime/libClientUtils/Spares.h"
 #include "runtime/libClientUtils/Texts.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#endif
+
 namespace {
 
 constinit zerva::Spares spareStates(zerva::SpareKind::Message,
@@ -13,11 +17,19 @@ constinit zerva::Spares spareStates(zerva::SpareKind::Message,
 
 void* CommsChannelDataContainerMessage::State::operator new(std::size_t size) {
   static_assert(sizeof(State) >= sizeof(zerva::Spare));
-  void* const state = spareStates.take();
-  return state != nullptr ? state : ::operator new(size);
+  void* state = spareStates.take();
+  if (state == nullptr) state = ::operator new(size);
+#if defined(__SANITIZE_ADDRESS__)
+  ASAN_UNPOISON_MEMORY_REGION(state, size);
+#endif
+  return state;
 }
 
 void CommsChannelDataContainerMessage::State::operator delete(void* state) {
+#if defined(__SANITIZE_ADDRESS__)
+  ASAN_POISON_MEMORY_REGION(state, sizeof(State));
+  ASAN_UNPOISON_MEMORY_REGION(state, sizeof(zerva::Spare));
+#endif
   spareStates.give(state);
 }
 

@@ -118,7 +118,7 @@ struct Envelope {
 
   /** Name of the channel that sent it; null when no channel did. */
   SharedName sender;
-  /** Name of the channel that it is for; null on its way to one of this process that was found. */
+  /** Name of the channel that it is for; may be null on its way to one of this process. */
   SharedName receiver;
   Callee callee;
   /** Those of a message that nobody answers may be borrowed until it is delivered. */

@@ -186,8 +186,9 @@ bool Parker::linger(Input* input) {
 
 /** As `linger`, for whoever waits for this processor. */
 bool Parker::yield(Input* input) {
-  // To read the clock each time would take a tenth of what it takes to let somebody run.
-  const bool timed = untilTimed_ == 0;
+  // To read the clock each time would take a tenth of what it takes to let somebody run. Where that
+  // is of no use it is seldom done, and whether it is again is to be known soon.
+  const bool timed = inVain_ != 0 || untilTimed_ == 0;
   untilTimed_ = timed ? kYieldsBetweenClocks : untilTimed_ - 1;
   const Clock::time_point begin = timed ? Clock::now() : Clock::time_point();
   ::sched_yield();
@@ -196,8 +197,6 @@ bool Parker::yield(Input* input) {
     noteUse(false);
   } else if (timed) {
     noteUse(Clock::now() - begin < kOfUse);
-  } else {
-    leftOut_ = inVain_;  // as the last time
   }
   return came;
 }

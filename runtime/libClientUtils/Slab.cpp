@@ -10,8 +10,8 @@ static_assert(std::is_trivially_destructible_v<Slab>, "it is used while the proc
 
 namespace {
 
-// So large that the C library gets it from the system, away from its heap. What nobody uses of it
-// is never touched and takes no memory.
+// So large that the C library gets it from the system, away from its heap, unless somebody freed
+// as much at a time before. What nobody uses of it is never touched and takes no memory.
 constexpr std::size_t kPieceSize = std::size_t{256} * 1024;
 
 #ifdef __SANITIZE_ADDRESS__

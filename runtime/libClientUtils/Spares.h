@@ -28,7 +28,8 @@ enum class SpareKind : unsigned char { Text, QueuePlace, Message, Unused };
  * room for is freed. A thread that goes to sleep since it has nothing to do keeps a few only, and
  * one that ends keeps nothing.
  *
- * Nothing here takes memory, waits for anybody or throws. Any thread, also while the process ends.
+ * Nothing here throws, nor takes memory but for what the C library notes of a thread. Any thread,
+ * also while the process ends.
  */
 class ZERVA_EXPORT Spares {
  public:

@@ -300,7 +300,6 @@ void TimerCore::work() {
 
 void TimerCore::send(const Due& due) {
   Envelope envelope;
-  envelope.receiver = sharedName(due.channel);
   envelope.chain = CallChain::begin();
   envelope.expiry = std::make_unique<TimerExpiry>(weak_from_this(), due.id, due.run, due.owner);
   const auto mailbox = ChannelDirectory::instance().findServing(due.channel, due.owner);
