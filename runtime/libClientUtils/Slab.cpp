@@ -28,7 +28,10 @@ void* Slab::take() {
   const std::lock_guard lock(mutex_);
   if (free_ != nullptr) return std::exchange(free_, free_->next);
   if (unusedSize_ < size_) {
-    unused_ = static_cast<char*>(::operator new(kPieceSize));
+    void* const piece = ::operator new(kPieceSize, std::nothrow);
+    // There may be room for one where there is none for many.
+    if (piece == nullptr) return ::operator new(size_);
+    unused_ = static_cast<char*>(piece);
     unusedSize_ = kPieceSize;
   }
   unusedSize_ -= size_;
