@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 #include <new>
 #include <span>
@@ -48,16 +49,18 @@ Outgoing::Result Outgoing::send(std::string head, Payload data, std::size_t limi
     return Result::Full;
   }
   if (!enqueue(frame)) return Result::Ended;
+  const std::uint64_t number = lastNumber_;
   if (first) letItBeRead(lock);
   // Whoever is before this frame may be a thread that does not run again soon.
-  if (!queue_.empty() && connection_ != nullptr) connection_->awaitWritable();
-  return lent == nullptr || keep(*lent, lock) ? Result::Taken : Result::Ended;
+  if (!queue_.empty() && connection_ != nullptr && !asked_) askBusThread();
+  return lent == nullptr || keep(number, *lent, lock) ? Result::Taken : Result::Ended;
 }
 
 /** Puts a frame behind the others. @returns false when that has ended everything. */
 bool Outgoing::enqueue(Frame& frame) {
   const std::size_t size = frame.size();
   const bool begun = frame.sent > 0;
+  frame.number = lastNumber_ + 1;
   try {
     queue_.push_back(std::move(frame));
   } catch (const std::bad_alloc&) {
@@ -66,8 +69,17 @@ bool Outgoing::enqueue(Frame& frame) {
     abandon();
     return false;
   }
+  ++lastNumber_;
   queued_ += size;
   return true;
+}
+
+/** @returns the frame of a number; the end when it was sent. */
+Outgoing::Queue::iterator Outgoing::find(std::uint64_t number) {
+  const auto found = std::lower_bound(
+      queue_.begin(), queue_.end(), number,
+      [](const Frame& frame, std::uint64_t sought) { return frame.number < sought; });
+  return found != queue_.end() && found->number == number ? found : queue_.end();
 }
 
 /** On the only processor, nobody reads what was sent while this thread runs. */
@@ -82,34 +94,48 @@ void Outgoing::letItBeRead(std::unique_lock<std::mutex>& lock) {
 }
 
 /**
- * Copies data that were lent for the call, if they still wait. @returns false when that cannot be
- * and nothing can be sent any more.
+ * Copies data that were lent for the call, if they still wait.
+ *
+ * @returns false when that cannot be and nothing can be sent any more.
+ * @throws std::bad_alloc when that cannot be and nothing of them was sent.
  */
-bool Outgoing::keep(const std::string& lent, std::unique_lock<std::mutex>& lock) {
-  const auto waiting = [&] {
-    return std::find_if(queue_.begin(), queue_.end(),
-                        [&](const Frame& frame) { return frame.data.get() == &lent; });
-  };
-  if (waiting() == queue_.end()) return true;
+bool Outgoing::keep(std::uint64_t number, const std::string& lent,
+                    std::unique_lock<std::mutex>& lock) {
+  if (find(number) == queue_.end()) return true;
   // Not under the lock, since they may be many; who sends them meanwhile finds them here.
   lock.unlock();
   Payload copy;
   const auto noMemory = exceptionOf([&] { copy = textOfBytes(lent); });
   lock.lock();
+  const auto frame = find(number);
   if (!noMemory) {
-    if (const auto frame = waiting(); frame != queue_.end()) frame->data.swap(copy);
+    if (frame != queue_.end()) frame->data.swap(copy);
+    lock.unlock();
     return true;
   }
-  // Then it is sent from where it is, as long as somebody would wait for an answer.
+  if (frame == queue_.end()) return true;
+  if (frame->sent > 0) return sendFromThere(number, lock);
+  queued_ -= frame->size();
+  queue_.erase(frame);
+  if (queue_.empty()) sent_.notify_all();
+  throw std::bad_alloc();
+}
+
+/**
+ * Sends a frame that was begun and cannot be kept, as long as somebody would wait for an answer.
+ *
+ * @returns false when it could not and nothing can be sent any more.
+ */
+bool Outgoing::sendFromThere(std::uint64_t number, std::unique_lock<std::mutex>& lock) {
   const NoCancellation whole;
   const auto deadline = Clock::now() + replyTimeout();
-  while (waiting() != queue_.end() && Clock::now() < deadline) {
+  while (find(number) != queue_.end() && Clock::now() < deadline) {
     lock.unlock();
     ::nanosleep(&kBetweenLooks, nullptr);
     lock.lock();
-    if (connection_ != nullptr) sendWhatGoes();
+    sendWhatGoes();
   }
-  if (waiting() == queue_.end()) return true;
+  if (find(number) == queue_.end()) return true;
   abandon();
   return false;
 }
@@ -127,7 +153,14 @@ void Outgoing::open(std::shared_ptr<Connection> connection) {
 
 void Outgoing::flush() {
   const std::lock_guard lock(mutex_);
-  if (!sendWhatGoes()) connection_->awaitWritable();
+  asked_ = false;
+  if (!sendWhatGoes()) askBusThread();
+}
+
+/** Has the bus thread flush as soon as something can be sent. */
+void Outgoing::askBusThread() {
+  asked_ = true;
+  connection_->awaitWritable();
 }
 
 /** @returns whether nothing waits any more. */

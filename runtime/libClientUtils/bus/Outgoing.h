@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -29,9 +30,10 @@ class ZERVA_EXPORT Outgoing {
   /**
    * Sends a frame, or keeps it until it can be sent.
    *
-   * @param data behind the head; may be null. Lent ones are copied if they are not sent at once;
-   *     without memory for that the call waits until they are.
+   * @param data behind the head; may be null. Lent ones are copied if they are not sent at once.
+   *     Where there is no memory for that the call waits until they are, if they were begun.
    * @param limit how many bytes may wait.
+   * @throws std::bad_alloc when there is no memory and nothing of it was sent.
    */
   Result send(std::string head, Payload data, std::size_t limit);
 
@@ -58,14 +60,21 @@ class ZERVA_EXPORT Outgoing {
     std::string head;
     Payload data;
     std::size_t sent = 0;
+    /** In the order in which they were put into the queue. */
+    std::uint64_t number = 0;
     std::size_t size() const { return head.size() + (data != nullptr ? data->size() : 0); }
   };
+
+  using Queue = std::deque<Frame>;
 
   bool sendSome(Frame& frame);
   bool sendWhatGoes();
   bool enqueue(Frame& frame);
   void letItBeRead(std::unique_lock<std::mutex>& lock);
-  bool keep(const std::string& lent, std::unique_lock<std::mutex>& lock);
+  Queue::iterator find(std::uint64_t number);
+  void askBusThread();
+  bool keep(std::uint64_t number, const std::string& lent, std::unique_lock<std::mutex>& lock);
+  bool sendFromThere(std::uint64_t number, std::unique_lock<std::mutex>& lock);
   void abandon();
   void endLocked();
 
@@ -73,9 +82,11 @@ class ZERVA_EXPORT Outgoing {
   // Guarded by mutex_.
   std::condition_variable sent_;
   std::shared_ptr<Connection> connection_;
-  std::deque<Frame> queue_;
+  Queue queue_;
+  std::uint64_t lastNumber_ = 0;
   std::size_t queued_ = 0;
   bool ended_ = false;
+  bool asked_ = false;  // whether the bus thread flushes when something can be sent
 };
 
 }  // namespace zerva

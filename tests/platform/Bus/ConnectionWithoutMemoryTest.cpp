@@ -146,4 +146,33 @@ TEST_F(AConnection, ThatThereIsNoMemoryToKeepALentMessageFor_GetsAllOfItBeforeTh
   EXPECT_GE(withoutMemory, 1);
 }
 
+// Whoever sent before is not to lose anything by it, and the sender is not to wait.
+TEST_F(AConnection, ThatThereIsNoMemoryToKeepALentMessageBehindOthersFor_ThrowsAndKeepsTheOthers) {
+  bool lacked = true;
+  for (int nth = 1; lacked; ++nth) {
+    connect();
+    Outgoing outgoing;
+    sut->setHandler({[](std::string_view, const Payload&) {}, [](const std::string&) {}, [] {}},
+                    kMaximumFrame);
+    sut->start();
+    const std::string lent(1000, 'a');
+    EXPECT_EQ(outgoing.send("1", nullptr, kMaximumQueued), Outgoing::Result::Taken);
+
+    letAllocationFail(nth);
+    const auto error = exceptionOf([&] { outgoing.send("<", borrowed(lent), kMaximumQueued); });
+    lacked = !allocationIsToFail();
+    letAllocationFail(0);
+
+    EXPECT_EQ(error.has_value(), lacked);
+    EXPECT_EQ(outgoing.send("2", nullptr, kMaximumQueued), Outgoing::Result::Taken);
+    outgoing.open(sut);
+    std::string all(5000, '\0');
+    const ssize_t came = ::recv(other.get(), all.data(), all.size(), 0);
+    ASSERT_GT(came, 0);
+    all.resize(static_cast<std::size_t>(came));
+    EXPECT_EQ(all, lacked ? "12" : "1<" + lent + "2");
+    ASSERT_LT(nth, 20);
+  }
+}
+
 }  // namespace

@@ -69,6 +69,31 @@ TEST_F(WhatIsSent, BehindMoreThanMayWait_IsRefused) {
   EXPECT_EQ(outgoing.send("1", nullptr, 5), Outgoing::Result::Taken);
 }
 
+TEST_F(WhatIsSent, InManyShortPieces_IsKeptAsFastAsItComes) {
+  constexpr int kMany = 100'000;
+  outgoing.open(sut);
+  std::string all;
+  for (int i = 0; i < kMany; ++i) {
+    const std::string lent = std::to_string(i);
+    ASSERT_EQ(outgoing.send("<", borrowed(lent), kMaximumQueued), Outgoing::Result::Taken);
+    all += "<" + lent;
+  }
+
+  EXPECT_TRUE(heard(all.size()) == all);
+}
+
+// The same bytes may also wait there as somebody else's.
+TEST_F(WhatIsSent, AndWasLent_IsToldFromOthersOfTheSameBytes) {
+  auto text = std::make_shared<std::string>("same");
+
+  EXPECT_EQ(outgoing.send("1", text, kMaximumQueued), Outgoing::Result::Taken);
+  EXPECT_EQ(outgoing.send("2", borrowed(*text), kMaximumQueued), Outgoing::Result::Taken);
+  text->assign("else");
+  outgoing.open(sut);
+
+  EXPECT_EQ(heard(10), "1else2same");
+}
+
 TEST_F(WhatIsSent, ByManyAtATime_ComesInOrderAndWhole) {
   constexpr int kThreads = 4;
   constexpr int kEach = 30;
