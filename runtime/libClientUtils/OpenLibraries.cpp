@@ -45,7 +45,7 @@ std::string OpenLibraries::placeOf(const std::string& name) {
 
 void OpenLibraries::add(const Dll* library) {
   const std::lock_guard lock(libraries().mutex);
-  libraries().open.emplace(library, nullptr);
+  libraries().open.insert_or_assign(library, nullptr);
 }
 
 void OpenLibraries::opened(const Dll* library, const std::string& name,

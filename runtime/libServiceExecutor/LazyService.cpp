@@ -139,11 +139,13 @@ void ExecutorCore::awaitService() {
   // its own request is given up; so this one is, too.
   const auto deadline = Clock::now() + replyTimeout();
   const std::int64_t begin = Trace::begin();
-  const WaitingScope waiting;
   bool inTime = true;
-  while (inTime && !over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
-    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
-      inTime = parker->park(deadline);
+  {
+    const WaitingScope waiting;
+    while (inTime && !over() && (thread.serving == nullptr || !thread.serving->isShutDown())) {
+      if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
+        inTime = parker->park(deadline);
+      }
     }
   }
   if (begin != 0) {

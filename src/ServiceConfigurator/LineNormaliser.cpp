@@ -1,8 +1,8 @@
 #include "src/ServiceConfigurator/LineNormaliser.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <locale>
+#include <string>
 #include <string_view>
 
 namespace zerva {
@@ -34,7 +34,9 @@ void normaliseLine(std::string& text) {
       *written++ = ' ';
     }
     glued = first && isKeyword({word, static_cast<std::size_t>(next - word)});
-    written = std::copy(word, next, written);
+    const auto length = static_cast<std::size_t>(next - word);
+    std::char_traits<char>::move(written, word, length);
+    written += length;
   }
   text.resize(static_cast<std::size_t>(written - begin));
 }
