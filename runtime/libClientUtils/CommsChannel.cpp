@@ -7,7 +7,6 @@
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/MessageState.h"
-#include "runtime/libClientUtils/Slab.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 
 using zerva::ChannelDirectory;
@@ -25,8 +24,7 @@ void trace(zerva::TraceKind kind, const std::string& channel) {
 CommsChannelIfc::~CommsChannelIfc() = default;
 
 CommsChannel::CommsChannel(const std::string& name, CCInterceptorDispatcher* dispatcher)
-    : state_(new State{
-          std::allocate_shared<Mailbox>(zerva::SlabAllocator<Mailbox>(), name, dispatcher)}) {
+    : state_(new State{std::make_shared<Mailbox>(name, dispatcher)}) {
   ChannelDirectory::instance().add(state_->mailbox);
   trace(zerva::TraceKind::ChannelOpened, name);
 }

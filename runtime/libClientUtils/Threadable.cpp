@@ -1,7 +1,6 @@
 #include "framework/Threadable.h"
 
 #include "framework/Logging.h"
-#include "runtime/libClientUtils/Slab.h"
 #include "runtime/libClientUtils/ThreadState.h"
 #include "runtime/libClientUtils/Waiting.h"
 
@@ -13,7 +12,7 @@ constexpr int kError = 2;
 
 }  // namespace
 
-Threadable::Threadable() : state_(std::allocate_shared<State>(zerva::SlabAllocator<State>())) {}
+Threadable::Threadable() : state_(std::make_shared<State>()) {}
 
 Threadable::~Threadable() {
   const std::lock_guard lock(state_->mutex);

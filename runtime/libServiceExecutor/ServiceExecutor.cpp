@@ -5,7 +5,6 @@
 #include "framework/CommsChannel.h"
 #include "framework/ServiceThreadPoolIfc.h"
 #include "runtime/libClientUtils/ChannelState.h"
-#include "runtime/libClientUtils/Slab.h"
 #include "runtime/libClientUtils/Waiting.h"
 #include "runtime/libClientUtils/trace/TraceEvent.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
@@ -19,8 +18,7 @@ struct ServiceExecutor::State {
   explicit State(ExecutorSettings settings)
       : channel(settings.channel),
         pool(settings.pool),
-        core(std::allocate_shared<ExecutorCore>(zerva::SlabAllocator<ExecutorCore>(),
-                                                std::move(settings))) {}
+        core(std::make_shared<ExecutorCore>(std::move(settings))) {}
 
   const std::unique_ptr<CommsChannelIfc> channel;  // ours from construction on
   ServiceThreadPoolIfc* const pool;
