@@ -1,12 +1,8 @@
 // Memory allocation that can fail.
 
-#include <pthread.h>
-#include <sys/resource.h>
-
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "tests/faults/FaultyCalls.h"
@@ -16,29 +12,14 @@ namespace {
 using zerva::fault::hits;
 using zerva::fault::Kind;
 
-/** The watchdog is to tell what hangs in any case. @returns whether there is more for it now. */
-bool isMoreForTheWatchdog() {
-  char name[16] = {};
-  rlimit space{};
-  if (pthread_getname_np(pthread_self(), name, sizeof name) != 0 ||
-      std::strcmp(name, "test-watchdog") != 0 || getrlimit(RLIMIT_AS, &space) != 0 ||
-      space.rlim_cur == space.rlim_max) {
-    return false;
-  }
-  space.rlim_cur = space.rlim_max;
-  return setrlimit(RLIMIT_AS, &space) == 0;
-}
-
 /** As the language says it: who has something to give back is asked first. */
 template <typename Take>
 void* takeOrThrow(const Take& take) {
   void* memory = hits(Kind::New) ? nullptr : take();
   while (memory == nullptr) {
     const std::new_handler handler = std::get_new_handler();
-    if (!isMoreForTheWatchdog()) {
-      if (handler == nullptr) throw std::bad_alloc();
-      handler();
-    }
+    if (handler == nullptr) throw std::bad_alloc();
+    handler();
     memory = take();
   }
   return memory;

@@ -1,6 +1,7 @@
 #include "tests/support/ThreadReport.h"
 
 #include <execinfo.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -28,6 +29,15 @@ void writeOwnStack(int) {
   stackWritten = true;
 }
 
+/** The report is to come out in any case, and most of all where memory is what there is too little
+ * of. */
+void takeBackLimitOfAddressSpace() {
+  rlimit space{};
+  if (getrlimit(RLIMIT_AS, &space) != 0) return;
+  space.rlim_cur = space.rlim_max;
+  setrlimit(RLIMIT_AS, &space);
+}
+
 std::string firstLineOf(const std::filesystem::path& file) {
   std::ifstream stream{file};
   std::string line;
@@ -46,6 +56,8 @@ std::string stateOf(const std::filesystem::path& task) {
 }  // namespace
 
 void reportThreads() {
+  takeBackLimitOfAddressSpace();
+
   // The first walk of a stack loads a library, and so allocates, which a handler must not do.
   void* none = nullptr;
   backtrace(&none, 1);
@@ -55,8 +67,8 @@ void reportThreads() {
   action.sa_flags = SA_RESTART;
   sigaction(SIGRTMAX, &action, nullptr);
 
-  std::error_code ignored;
-  for (const auto& task : std::filesystem::directory_iterator{"/proc/self/task", ignored}) {
+  std::error_code error;
+  for (const auto& task : std::filesystem::directory_iterator{"/proc/self/task", error}) {
     const int id = std::stoi(task.path().filename().string());
     std::fprintf(stderr, "thread %d \"%s\" %s, waits in %s\n", id,
                  firstLineOf(task.path() / "comm").c_str(), stateOf(task.path()).c_str(),
@@ -66,6 +78,7 @@ void reportThreads() {
       waitUntil([] { return stackWritten.load(); }, std::chrono::seconds{1});
     }
   }
+  if (error) std::fprintf(stderr, "the threads cannot be listed: %s\n", error.message().c_str());
 }
 
 }  // namespace zerva
