@@ -24,6 +24,8 @@ class ZERVA_EXPORT FrameworkContext {
    * Finds the invoker of an interface for a protocol; it is made when it is asked for first.
    *
    * @returns the invoker, kept by the repository, or null. May block while the registry is asked.
+   * An executor keeps what it got, and asks once for each interface and protocol: the invoker
+   *     outlives it.
    */
   virtual Invoker* findInvoker(std::string& interface, std::string& protocol) = 0;
 
@@ -66,7 +68,8 @@ class ZERVA_EXPORT FrameworkContext {
                                      std::string ifc) = 0;
 
   /**
-   * @returns the adapter of a protocol, or null when the host's protocol repository has none.
+   * @returns the adapter of a protocol, or null when the host's protocol repository has none. An
+   *     executor keeps what it got, as it does an invoker.
    * @throws FrameworkException when the host gave no protocol repository.
    */
   virtual ProtocolAdapter* findProtocolAdapter(std::string& protocol) = 0;

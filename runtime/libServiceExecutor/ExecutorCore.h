@@ -18,6 +18,7 @@
 #include "runtime/libClientUtils/Mailbox.h"
 #include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/trace/TraceNames.h"
+#include "runtime/libServiceExecutor/KnownInvokers.h"
 #include "runtime/libServiceExecutor/Progress.h"
 #include "runtime/libServiceExecutor/QueuePlaces.h"
 
@@ -175,6 +176,7 @@ class ExecutorCore final : public RequestReceiver,
   std::string handOver(Executable& service, Taken& taken, Payload& answer);
   std::string call(Executable& service, const Envelope& envelope, std::string* method,
                    Payload& answer);
+  std::string lookUp(const Callee& callee, KnownInvoker& found);
   void fire(Expiry& expiry, const Executable& service);
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void enterPool(std::size_t tasks);
@@ -196,6 +198,7 @@ class ExecutorCore final : public RequestReceiver,
   const std::shared_ptr<Mailbox> mailbox_;  // null for a channel that is not the platform's
   const std::thread::id builder_;
   OwnThread thread_;
+  KnownInvokers knownInvokers_;
   std::atomic<bool> requested_{false};  // as far as the trace knows
   std::atomic<std::uint64_t> failed_{0};
 

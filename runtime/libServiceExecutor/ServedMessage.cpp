@@ -79,34 +79,16 @@ void ExecutorCore::serveMessage(Taken& taken, Executable& service) {
  */
 std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
                                Payload& answer) {
-  // The context may write into what it is given.
-  const std::shared_ptr<std::string> interface = newText();
-  const std::shared_ptr<std::string> protocol = newText();
+  KnownInvoker with{};
+  if (std::string error = lookUp(envelope.callee, with); !error.empty()) return error;
   std::shared_ptr<std::string> reply = newText();
-  *interface = envelope.callee->interface;
-  *protocol = envelope.callee->protocol;
   std::optional<std::string> refusal;
-  ProtocolAdapter* adapter = nullptr;
-  Invoker* invoker = nullptr;
-  if (const auto error = exceptionOf([&] {
-        adapter = settings_.context->findProtocolAdapter(*protocol);
-        invoker = settings_.context->findInvoker(*interface, *protocol);
-      })) {
-    return "looking up its invoker failed: " + *error;
-  }
-  if (adapter == nullptr) {
-    return "protocol '" + *protocol + "' is not known there";
-  }
-  if (invoker == nullptr) {
-    return "there is no invoker for interface '" + *interface + "' and protocol '" + *protocol +
-           "'";
-  }
   const auto error = exceptionOf([&] {
     try {
       if (method != nullptr) {
-        *method = adapter->methodOf(*envelope.data);
+        *method = with.adapter->methodOf(*envelope.data);
       }
-      invoker->invoke(service, *adapter, *envelope.data, *reply);
+      with.invoker->invoke(service, *with.adapter, *envelope.data, *reply);
     } catch (const DecodeException& exception) {
       refusal = exception.what();
     }
@@ -120,6 +102,35 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
   }
   answer = std::move(reply);
   return refusal.value_or(std::string());
+}
+
+/**
+ * Finds with what the calls of an interface over a protocol are made.
+ *
+ * @returns why there is nothing, or "".
+ */
+std::string ExecutorCore::lookUp(const Callee& callee, KnownInvoker& found) {
+  if (const KnownInvoker* const known = knownInvokers_.find(callee)) {
+    found = *known;
+    return {};
+  }
+  // The context may write into what it is given.
+  std::string interface = callee->interface;
+  std::string protocol = callee->protocol;
+  if (const auto error = exceptionOf([&] {
+        found.adapter = settings_.context->findProtocolAdapter(protocol);
+        found.invoker = settings_.context->findInvoker(interface, protocol);
+      })) {
+    return "looking up its invoker failed: " + *error;
+  }
+  if (found.adapter == nullptr) {
+    return "protocol '" + protocol + "' is not known there";
+  }
+  if (found.invoker == nullptr) {
+    return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
+  }
+  knownInvokers_.add(callee, found);
+  return {};
 }
 
 /**

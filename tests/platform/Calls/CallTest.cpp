@@ -117,10 +117,37 @@ TEST_P(ACall, OfAConstMethodGivesAList) {
   EXPECT_THAT(sut.names(), ElementsAre("pier", "tower"));
 }
 
-TEST_P(ACall, AsksForTheInvokerOfItsInterfaceAndProtocol) {
+TEST_P(ACall, AsksForTheInvokerOfItsInterfaceAndProtocolOnce) {
   run();
   sut.names();
+  sut.names();
   EXPECT_THAT(asked.entries(), ElementsAre(std::string("WindSensor in ") + GetParam()));
+}
+
+TEST_P(ACall, OfAnotherInterfaceOfTheSameService_AsksForTheInvokerOfThat) {
+  ProxyRequestImpl other(&channel, "/wind", "Vane", GetParam(),
+                         protocols.findProtocolAdapter(GetParam()), "", &world.context);
+  WindSensorProxy vane;
+  vane.initialise(&other);
+  run();
+  for (int i = 0; i < 2; ++i) {
+    sut.names();
+    vane.names();
+  }
+  EXPECT_THAT(asked.entries(), ElementsAre(std::string("WindSensor in ") + GetParam(),
+                                           std::string("Vane in ") + GetParam()));
+}
+
+TEST_P(ACall, ThatFoundNoInvoker_AsksAgainTheNextTime) {
+  int lookUps = 0;
+  world.context.invoker = [&](const std::string&, const std::string&) -> Invoker* {
+    return ++lookUps > 1 ? &invoker : nullptr;
+  };
+  run();
+  EXPECT_THROW(sut.names(), CallException);
+  EXPECT_THAT(sut.names(), ElementsAre("pier", "tower"));
+  EXPECT_THAT(sut.names(), ElementsAre("pier", "tower"));
+  EXPECT_EQ(lookUps, 2);
 }
 
 TEST_P(ACall, ToAServiceThatThrows_SaysWhatItThrew) {
