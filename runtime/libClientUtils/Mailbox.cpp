@@ -138,9 +138,13 @@ bool Mailbox::waitsForCaller() const {
 }
 
 bool Mailbox::isStarted() const {
+  // Each request asks, and a receiver is started once.
+  if (started_.load(std::memory_order_relaxed)) return true;
   const Delivery delivery(*this);
   const RequestReceiver* const serving = delivery.receiver();
-  return serving != nullptr && serving->isStarted();
+  const bool started = serving != nullptr && serving->isStarted();
+  if (started) started_.store(true, std::memory_order_relaxed);
+  return started;
 }
 
 void Mailbox::answer(Envelope& request, Payload data, const std::string& error) {

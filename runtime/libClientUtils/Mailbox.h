@@ -29,7 +29,7 @@ class ZERVA_EXPORT RequestReceiver {
   /** As `Destination::waitsForCaller`. */
   virtual bool waitsForCaller() const = 0;
 
-  /** As `Destination::isStarted`. */
+  /** As `Destination::isStarted`; from then on always. */
   virtual bool isStarted() const { return false; }
 
   /** @returns the object that the requests are for; null as long as it does not exist. */
@@ -162,6 +162,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   // Set before `served_` is; released when no delivery can look at it any more.
   std::shared_ptr<RequestReceiver> receiver_;
   mutable std::atomic<unsigned> deliveries_{0};
+  mutable std::atomic<bool> started_{false};  // once the receiver was found to be
 
   mutable std::mutex mutex_;
   // Written under mutex_, read without.
