@@ -1,12 +1,13 @@
+
 #include "runtime/libClientUtils/Mailbox.h"
 
 #include <utility>
-#include <vector>
 
 #include "framework/CCInterceptorDispatcher.h"
 #include "framework/Logging.h"
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/MailboxWait.h"
 #include "runtime/libClientUtils/ServingThread.h"
 #include "runtime/libClientUtils/Texts.h"
 
@@ -47,39 +48,6 @@ class Mailbox::Delivery {
 
  private:
   const Mailbox& mailbox_;
-};
-
-/** A thread's wait for the end of a request. Whoever ends the request writes it. */
-struct Mailbox::Wait {
-  std::shared_ptr<Destination> asked;
-  std::shared_ptr<Input> input;
-  Clock::time_point deadline;
-  std::shared_ptr<Parker> parker;
-  std::atomic<bool> ended{false};
-  Outcome outcome;  // once it has ended
-};
-
-/** Sees to it that a request is not outstanding any more when its wait ends, however it ends. */
-class Mailbox::Forgetting {
- public:
-  Forgetting(Mailbox& mailbox, std::uint32_t requestId, const Wait& wait)
-      : mailbox_(mailbox), requestId_(requestId), wait_(wait) {}
-  ~Forgetting() {
-    if (wait_.ended) {
-      return;
-    }
-    const std::lock_guard lock(mailbox_.mutex_);
-    if (!wait_.ended) {
-      mailbox_.forget(mailbox_.outstanding_.find(requestId_));
-    }
-  }
-  Forgetting(const Forgetting&) = delete;
-  Forgetting& operator=(const Forgetting&) = delete;
-
- private:
-  Mailbox& mailbox_;
-  const std::uint32_t requestId_;
-  const Wait& wait_;
 };
 
 Mailbox::Mailbox(const std::string& name, CCInterceptorDispatcher* dispatcher)
@@ -167,16 +135,17 @@ void Mailbox::receiveReply(std::uint32_t requestId, std::uint64_t answerer, Payl
   std::shared_ptr<Parker> waiter;
   {
     std::unique_lock lock(mutex_);
-    auto request = awaited(requestId, answerer);
+    Outstanding* request = awaited(requestId, answerer);
     // While a request is awaited the channel is there, and so is its dispatcher.
-    if (request != outstanding_.end() && isSeen()) {
+    if (request != nullptr && isSeen()) {
       tellReceived(lock, requestId, sizeOf(data), error);
       request = awaited(requestId, answerer);  // it may have been given up meanwhile
     }
-    if (request == outstanding_.end()) {
+    if (request == nullptr) {
       return;
     }
-    waiter = end(request, {std::move(data), error});
+    waiter = end(*request, {std::move(data), error});
+    if (waiter != nullptr) outstanding_.remove(requestId);
   }
   if (waiter != nullptr) {
     waiter->unpark();
@@ -192,7 +161,7 @@ void Mailbox::tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t req
                            std::size_t size, const std::string& error) {
   {
     const Delivery delivery(*this);
-    const SharedName from = outstanding_.at(requestId).to;
+    const SharedName from = outstanding_.find(requestId)->to;
     lock.unlock();
     const auto failure = exceptionOf([&] {
       dispatcher_->dispatchReceived({textOf(from), name(), size, requestId, true, error});
@@ -210,124 +179,38 @@ void Mailbox::tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t req
  * @returns, under the lock, the request that a reply is for; none when nobody waits any more, or
  *     when it is the reply to an earlier request with that id, or to nothing that was asked.
  */
-Mailbox::Requests::iterator Mailbox::awaited(std::uint32_t requestId, std::uint64_t answerer) {
-  const auto found = outstanding_.find(requestId);
-  const bool waitsForIt =
-      found != outstanding_.end() && !found->second.outcome && found->second.answerer == answerer;
-  return waitsForIt ? found : outstanding_.end();
+Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t answerer) {
+  Outstanding* const found = outstanding_.find(requestId);
+  const bool waitsForIt = found != nullptr && !found->outcome && found->answerer == answerer;
+  return waitsForIt ? found : nullptr;
 }
 
 /**
  * Ends a request that has not ended yet, under the lock.
  *
- * @returns whom to unpark without the lock; null for nobody.
+ * @returns who waits, to be unparked without the lock, and the request is over; null when nobody
+ *     waits yet: then it is kept until somebody does.
  */
-std::shared_ptr<Parker> Mailbox::end(Requests::iterator which, Outcome how) {
-  Wait* const wait = which->second.wait;
+std::shared_ptr<Parker> Mailbox::end(Outstanding& request, Outcome how) {
+  Wait* const wait = std::exchange(request.wait, nullptr);
   if (wait == nullptr) {
-    which->second.outcome = std::move(how);
+    request.outcome = std::move(how);
     return nullptr;
   }
-  forget(which);
   std::shared_ptr<Parker> waiter = std::move(wait->parker);
   wait->outcome = std::move(how);
   wait->ended.store(true, std::memory_order_release);  // from here on it may be gone
   return waiter;
 }
 
-Mailbox::Outcome Mailbox::awaitReply(std::uint32_t requestId) {
-  Wait wait;
-  if (std::string error = startWaiting(requestId, wait); !error.empty()) {
-    return {nullptr, std::move(error)};
-  }
-  const Forgetting forgetting(*this, requestId, wait);
-  std::string error = waitFor(requestId, wait);
-  // One that ended at the last moment has ended.
-  return wait.ended ? std::move(wait.outcome) : Outcome{nullptr, std::move(error)};
-}
-
-/** Waits until a request has ended. @returns why nobody waits any longer when it has not. */
-std::string Mailbox::waitFor(std::uint32_t requestId, Wait& wait) {
-  if (wait.ended) {
-    return {};
-  }
-  if (const auto asked = std::move(wait.asked); asked != nullptr && asked->waitsForCaller()) {
-    return "channel '" + channelAsked(requestId) +
-           "' answers only after the waiting thread has started it";
-  }
-  ServingThread& thread = servingThread();
-  Parker& parker = *Parker::ofThisThread();
-  const WaitingScope waiting;
-  bool inTime = true;
-  while (!wait.ended) {
-    if (thread.serving != nullptr && thread.serving->isShutDown()) {
-      return "the service that waits for channel '" + channelAsked(requestId) + "' was shut down";
-    }
-    if (!inTime) {
-      return "channel '" + channelAsked(requestId) + "' did not answer in time";
-    }
-    if (thread.serving == nullptr || !thread.serving->serveNext(thread.chain())) {
-      inTime = parker.park(wait.deadline, wait.input.get());
-    }
-  }
-  return {};
-}
-
-/** @returns why a request cannot be waited for; empty when it can, or has ended already. */
-std::string Mailbox::startWaiting(std::uint32_t requestId, Wait& wait) {
-  const std::lock_guard lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  if (found == outstanding_.end()) {
-    return closed_ ? "channel '" + name() + "' is closed"
-                   : "request " + std::to_string(requestId) + " of channel '" + name() +
-                         "' is not outstanding";
-  }
-  Outstanding& request = found->second;
-  if (request.wait != nullptr) {
-    return "another thread waits for request " + std::to_string(requestId) + " of channel '" +
-           name() + "'";
-  }
-  if (request.outcome) {
-    wait.outcome = *std::move(request.outcome);
-    wait.ended = true;
-    forget(found);
-    return {};
-  }
-  wait.asked = request.asked.lock();
-  wait.input = request.input.lock();
-  wait.deadline = request.deadline;
-  wait.parker = Parker::ofThisThread();
-  request.wait = &wait;
-  return {};
-}
-
-/** @returns the channel that a request which has not ended was sent to. */
-std::string Mailbox::channelAsked(std::uint32_t requestId) const {
-  const std::lock_guard lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  return found != outstanding_.end() ? textOf(found->second.to) : std::string();
-}
-
-/** Takes a request out, under the lock. */
-void Mailbox::forget(Requests::iterator which) {
-  if (!spare_.empty()) {
-    outstanding_.erase(which);
-    return;
-  }
-  spare_ = outstanding_.extract(which);
-  spare_.mapped().clear();
-}
-
 void Mailbox::dropForgotten(Clock::time_point now) {
-  for (auto it = outstanding_.begin(); it != outstanding_.end();) {
-    const bool forgotten = it->second.wait == nullptr && it->second.deadline < now;
-    it = forgotten ? outstanding_.erase(it) : std::next(it);
-  }
+  outstanding_.removeIf([now](const Outstanding& request) {
+    return request.wait == nullptr && request.deadline < now;
+  });
 }
 
 void Mailbox::close() {
   bool wasServed = false;
-  std::vector<std::shared_ptr<Parker>> waiters;
   {
     const std::lock_guard lock(mutex_);
     if (closed_) {
@@ -335,18 +218,13 @@ void Mailbox::close() {
     }
     closed_ = true;
     wasServed = served_.exchange(false);
-    for (auto it = outstanding_.begin(); it != outstanding_.end();) {
-      const auto request = it++;
-      if (request->second.outcome) {
-        continue;
-      }
-      if (auto waiter = end(request, {nullptr, "channel '" + name() + "' was closed"})) {
-        waiters.push_back(std::move(waiter));
-      }
-    }
-  }
-  for (const auto& waiter : waiters) {
-    waiter->unpark();
+    outstanding_.removeIf([this](Outstanding& request) {
+      if (request.outcome) return false;
+      const auto waiter = end(request, {nullptr, "channel '" + name() + "' was closed"});
+      // Under the lock, so that no memory is needed to remember it.
+      if (waiter != nullptr) waiter->unpark();
+      return waiter != nullptr;
+    });
   }
   if (wasServed) {
     ChannelDirectory::instance().servedMayHaveChanged(name());

@@ -7,13 +7,12 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_map>
-#include <utility>
 
 #include "framework/Export.h"
 #include "runtime/libClientUtils/Destination.h"
 #include "runtime/libClientUtils/Envelope.h"
 #include "runtime/libClientUtils/Parker.h"
+#include "runtime/libClientUtils/RequestTable.h"
 
 class CCInterceptorDispatcher;
 class Executable;
@@ -83,6 +82,9 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   /** Waits for the reply to a request; see `CommsChannelIfc::receiveReply`. */
   Outcome awaitReply(std::uint32_t requestId);
 
+  /** Sends a request and waits for its reply: `send` and `awaitReply` in one. */
+  Outcome call(const SharedName& to, const Callee& callee, Payload data, std::uint32_t requestId);
+
   /**
    * Answers a request that was delivered here.
    *
@@ -112,48 +114,47 @@ class ZERVA_EXPORT Mailbox final : public Destination,
  private:
   class Delivery;
   struct Wait;
-  class Forgetting;
+  struct Target;
 
   /** A request that was sent and whose end nobody has heard of yet. Guarded by the lock. */
   struct Outstanding {
+    std::uint64_t answerer = 0;
+    Wait* wait = nullptr;  // of the thread that waits for it
+    Clock::time_point deadline;
+    std::optional<Outcome> outcome;  // when it ended before anybody waited
     SharedName to;
     std::weak_ptr<Destination> asked;  // only one that a wait may have to wait for
     std::weak_ptr<Input> input;        // where the answer comes from, when not from this process
-    std::uint64_t answerer = 0;
-    Clock::time_point deadline;
-    Wait* wait = nullptr;            // of the thread that waits for it
-    std::optional<Outcome> outcome;  // when it ended before anybody waited
 
-    /** Lets go of what it holds, and is as good as a new one. */
-    void clear() {
-      to.reset();
-      asked.reset();
-      input.reset();
+    /** What is kept is written over by the next request, of the thread that sends it. */
+    void end() {
       wait = nullptr;
       outcome.reset();
     }
   };
-  using Requests = std::unordered_map<std::uint32_t, Outstanding>;
 
   bool isSeen() const;
-  struct Target;
-  std::string sendTo(Target& target, const Callee& callee, Payload data, std::uint32_t requestId);
-  std::string expect(std::uint32_t requestId, const SharedName& to,
-                     const std::shared_ptr<Destination>& asked, ReplyTicket& ticket);
-  std::pair<Requests::iterator, bool> place(std::uint32_t requestId);
-  ReplyTicket aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked,
-                    bool isStarted);
-  ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked);
-  std::string deliverTo(Target& target, Envelope& envelope);
+  std::string sendTo(const SharedName& to, const Callee& callee, Payload data,
+                     std::uint32_t requestId, Wait* wait);
+  std::string sendTo(Target& target, const Callee& callee, Payload data, std::uint32_t requestId,
+                     Wait* wait);
+  std::string expect(std::uint32_t requestId, const Target& target, Wait* wait,
+                     ReplyTicket& ticket);
+  ReplyTicket aimAt(std::uint32_t requestId, Outstanding& request,
+                    const std::shared_ptr<Destination>& asked, bool isStarted, Wait* wait);
+  ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked,
+                       Wait* wait);
+  std::string deliverTo(Target& target, Envelope& envelope, Wait* wait);
   void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,
                     const std::string& error);
-  Requests::iterator awaited(std::uint32_t requestId, std::uint64_t answerer);
-  std::shared_ptr<Parker> end(Requests::iterator which, Outcome how);
+  Outstanding* awaited(std::uint32_t requestId, std::uint64_t answerer);
+  static std::shared_ptr<Parker> end(Outstanding& request, Outcome how);
   void failUnsent(std::uint32_t requestId, std::uint64_t answerer, const std::string& error);
-  std::string startWaiting(std::uint32_t requestId, Wait& wait);
-  std::string waitFor(std::uint32_t requestId, Wait& wait);
+  Outcome outcomeOf(Wait& wait, std::string error);
+  std::string startWaiting(Wait& wait);
+  static void note(Wait& wait, Outstanding& request);
+  std::string waitFor(Wait& wait);
   std::string channelAsked(std::uint32_t requestId) const;
-  void forget(Requests::iterator which);
   void dropForgotten(Clock::time_point now);
 
   const SharedName name_;
@@ -171,10 +172,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
   // Guarded by mutex_.
   mutable std::condition_variable delivered_;
   std::uint64_t lastAnswerer_ = 0;
-  Requests outstanding_;
-  // The place of a request that ended, for the next one: it would be freed by another thread than
-  // the one that gets the next.
-  Requests::node_type spare_;
+  RequestTable<Outstanding> outstanding_;
 };
 
 }  // namespace zerva

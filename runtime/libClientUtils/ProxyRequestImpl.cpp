@@ -3,19 +3,50 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
+#include <utility>
 
 #include "framework/CallException.h"
+#include "framework/CommsChannel.h"
 #include "framework/CommsChannelDataContainerMessage.h"
-#include "framework/CommsChannelIfc.h"
 #include "framework/DecodeException.h"
 #include "framework/ProtocolAdapter.h"
+#include "runtime/libClientUtils/ChannelState.h"
 #include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/Texts.h"
 #include "runtime/libClientUtils/trace/Trace.h"
 
+namespace {
+
+/** @returns the inside of a channel of this platform, unless somebody derived another; else null.
+ */
+std::shared_ptr<zerva::Mailbox> mailboxOf(CommsChannelIfc* channel) {
+  auto* const own = dynamic_cast<CommsChannel*>(channel);
+  return own != nullptr && typeid(*own) == typeid(CommsChannel) ? own->state().mailbox : nullptr;
+}
+
+/** Asks through a channel that somebody else wrote. */
+zerva::Mailbox::Outcome callThrough(CommsChannelIfc& channel, const zerva::SharedName& to,
+                                    const zerva::Callee& callee, zerva::Payload data,
+                                    long requestId) {
+  CommsChannelDataContainerMessage message;
+  auto& sent = message.state();
+  sent.channel = to;
+  sent.callee = callee;
+  sent.data = std::move(data);
+  sent.requestId = requestId;
+  // A request that could not be sent has an answer too: the reason.
+  channel.send(message);
+  if (!channel.receiveReply(message, requestId)) return {nullptr, message.getError()};
+  return {std::move(sent.data), {}};
+}
+
+}  // namespace
+
 /** Constant after construction but for the counter, so any number of threads may call at once. */
 struct ProxyRequestImpl::State {
   CommsChannelIfc* channel;
+  std::shared_ptr<zerva::Mailbox> mailbox;  // the channel's, when it is the platform's own
   zerva::SharedName svcChannel;
   zerva::Callee callee;
   ProtocolAdapter* adapter;
@@ -27,6 +58,7 @@ struct ProxyRequestImpl::State {
         std::string theProtocol, ProtocolAdapter* theAdapter, std::string theQualifier,
         FrameworkContext* theContext)
       : channel(theChannel),
+        mailbox(mailboxOf(theChannel)),
         svcChannel(zerva::sharedName(theSvcChannel)),
         callee(std::make_shared<const zerva::CalledIn>(
             zerva::CalledIn{std::move(theIfc), std::move(theProtocol)})),
@@ -70,19 +102,19 @@ void ProxyRequestImpl::call(const std::string& method, const Writable& arguments
   std::shared_ptr<std::string> bytes = zerva::newText();
   state_->adapter->writeCall(method, arguments, *bytes);
 
-  CommsChannelDataContainerMessage message;
-  auto& sent = message.state();
-  sent.channel = state_->svcChannel;
-  sent.callee = state_->callee;
-  sent.data = std::move(bytes);
-  sent.requestId = state_->newId();
-  // A request that could not be sent has an answer too: the reason.
-  state_->channel->send(message);
-  if (!state_->channel->receiveReply(message, sent.requestId)) {
-    fail(message.getError());
+  // Held here too, since the channel may be deleted while this thread waits.
+  const std::shared_ptr<zerva::Mailbox> mailbox = state_->mailbox;
+  const long id = state_->newId();
+  const zerva::Mailbox::Outcome outcome =
+      mailbox != nullptr
+          ? mailbox->call(state_->svcChannel, state_->callee, std::move(bytes),
+                          static_cast<std::uint32_t>(id))
+          : callThrough(*state_->channel, state_->svcChannel, state_->callee, std::move(bytes), id);
+  if (!outcome.error.empty() || outcome.reply == nullptr) {
+    fail(outcome.error);
   }
   try {
-    state_->adapter->readReply(*sent.data, result);
+    state_->adapter->readReply(*outcome.reply, result);
   } catch (const DecodeException& error) {
     fail(std::string("the result did not decode: ") + error.what());
   }

@@ -4,7 +4,7 @@
 
 #include "framework/CCInterceptorDispatcher.h"
 #include "runtime/libClientUtils/ChannelDirectory.h"
-#include "runtime/libClientUtils/Mailbox.h"
+#include "runtime/libClientUtils/MailboxWait.h"
 #include "runtime/libClientUtils/ReplyTimeout.h"
 #include "runtime/libClientUtils/ServingThread.h"
 
@@ -39,17 +39,29 @@ struct Mailbox::Target {
 
 std::string Mailbox::send(const SharedName& to, const Callee& callee, Payload data,
                           std::uint32_t requestId) {
-  Target target(to);
-  return sendTo(target, callee, std::move(data), requestId);
+  return sendTo(to, callee, std::move(data), requestId, nullptr);
 }
 
 std::string Mailbox::send(const std::string& to, Payload data) {
   Target target(to);
-  return sendTo(target, nullptr, std::move(data), 0);
+  return sendTo(target, nullptr, std::move(data), 0, nullptr);
 }
 
+std::string Mailbox::sendTo(const SharedName& to, const Callee& callee, Payload data,
+                            std::uint32_t requestId, Wait* wait) {
+  Target target(to);
+  return sendTo(target, callee, std::move(data), requestId, wait);
+}
+
+/**
+ * Sends a request or a message.
+ *
+ * @param wait of the calling thread, which waits for the reply next; null when it may do so later.
+ * @returns why it failed, or "".
+ */
+
 std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
-                            std::uint32_t requestId) {
+                            std::uint32_t requestId, Wait* wait) {
   const CallChain& served = servingThread().chain();
   Envelope envelope{name_,
                     target.carried(),
@@ -62,7 +74,7 @@ std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
                     nullptr};
   std::string error;
   if (requestId != 0) {
-    error = expect(requestId, *target.shared, target.found, envelope.ticket);
+    error = expect(requestId, target, wait, envelope.ticket);
     if (!error.empty()) {
       return error;
     }
@@ -76,7 +88,7 @@ std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
     if (isSeen()) {
       dispatcher_->dispatchSent({name(), target.name, sizeOf(envelope.data), requestId, false, {}});
     }
-    error = deliverTo(target, envelope);
+    error = deliverTo(target, envelope, wait);
   }
   if (!error.empty()) {
     const std::uint64_t answerer = envelope.ticket.answerer();
@@ -87,7 +99,7 @@ std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
 }
 
 /** @returns why nobody takes the message; empty when somebody did. */
-std::string Mailbox::deliverTo(Target& target, Envelope& envelope) {
+std::string Mailbox::deliverTo(Target& target, Envelope& envelope, Wait* wait) {
   while (target.found != nullptr) {
     if (target.found->deliver(envelope)) {
       return {};
@@ -100,7 +112,7 @@ std::string Mailbox::deliverTo(Target& target, Envelope& envelope) {
     envelope.receiver = target.carried();
     if (const std::uint32_t requestId = envelope.ticket.requestId(); requestId != 0) {
       envelope.ticket.cancel();
-      envelope.ticket = aimAgain(requestId, target.found);
+      envelope.ticket = aimAgain(requestId, target.found, wait);
       // Given up meanwhile, and its sender told: it is no message for which nobody waits.
       if (envelope.ticket.requestId() == 0) return {};
     }
@@ -111,12 +123,14 @@ std::string Mailbox::deliverTo(Target& target, Envelope& envelope) {
 /**
  * Notes a request that is to be sent.
  *
- * @param asked who is asked; null when nobody is found.
+ * @param wait as in `sendTo`; the request's from here on.
  * @param ticket gets the obligation to answer.
  * @returns why it cannot be sent; empty when it can.
  */
-std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to,
-                            const std::shared_ptr<Destination>& asked, ReplyTicket& ticket) {
+std::string Mailbox::expect(std::uint32_t requestId, const Target& target, Wait* wait,
+                            ReplyTicket& ticket) {
+  const std::shared_ptr<Destination>& asked = target.found;
+  const SharedName& to = *target.shared;
   const auto now = Clock::now();
   const bool started = asked != nullptr && asked->isStarted();
   const std::lock_guard lock(mutex_);
@@ -126,26 +140,17 @@ std::string Mailbox::expect(std::uint32_t requestId, const SharedName& to,
   if (outstanding_.size() >= kManyOutstanding) {
     dropForgotten(now);
   }
-  const auto [request, isNew] = place(requestId);
+  const auto [request, isNew] = outstanding_.place(requestId);
   if (!isNew) {
     return "request " + std::to_string(requestId) + " of channel '" + name() +
            "' is outstanding already";
   }
-  request->second.deadline = now + replyTimeout();
-  request->second.to = to;
-  ticket = aimAt(*request, asked, started);
+  request->deadline = now + replyTimeout();
+  // The same one as before when the same proxy asks, and then its users need not be counted.
+  if (request->to != to) request->to = to;
+  ticket = aimAt(requestId, *request, asked, started, wait);
+  if (wait != nullptr) note(*wait, *request);
   return {};
-}
-
-/** Makes room for a request, under the lock. @returns where, and whether it is not there yet. */
-std::pair<Mailbox::Requests::iterator, bool> Mailbox::place(std::uint32_t requestId) {
-  if (spare_.empty()) {
-    return outstanding_.try_emplace(requestId);
-  }
-  spare_.key() = requestId;
-  auto placed = outstanding_.insert(std::move(spare_));
-  spare_ = std::move(placed.node);
-  return {placed.position, placed.inserted};
 }
 
 /**
@@ -155,26 +160,29 @@ std::pair<Mailbox::Requests::iterator, bool> Mailbox::place(std::uint32_t reques
  *     answered as: the id may be used again before a late reply comes, which whoever is asked now
  *     may have been asked for, too.
  */
-ReplyTicket Mailbox::aimAt(Requests::value_type& request, const std::shared_ptr<Destination>& asked,
-                           bool isStarted) {
-  if (isStarted) {
-    request.second.asked.reset();
+ReplyTicket Mailbox::aimAt(std::uint32_t requestId, Outstanding& request,
+                           const std::shared_ptr<Destination>& asked, bool isStarted, Wait* wait) {
+  std::shared_ptr<Input> input = asked != nullptr ? asked->input() : nullptr;
+  if (wait != nullptr) {
+    wait->asked = isStarted ? nullptr : asked;
+    wait->input = std::move(input);
   } else {
-    request.second.asked = asked;
+    request.asked = isStarted ? nullptr : asked;
+    request.input = input;
   }
-  request.second.input = asked != nullptr ? asked->input() : nullptr;
-  request.second.answerer = ++lastAnswerer_;
-  ReplyTicket ticket(weak_from_this(), request.first);
-  ticket.answerAs(request.second.answerer);
+  request.answerer = ++lastAnswerer_;
+  ReplyTicket ticket(weak_from_this(), requestId);
+  ticket.answerAs(request.answerer);
   return ticket;
 }
 
 /** Notes that another one is asked, since the one before did not take the request. */
-ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked) {
+ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked,
+                              Wait* wait) {
   const bool started = asked != nullptr && asked->isStarted();
   const std::lock_guard lock(mutex_);
-  const auto found = outstanding_.find(requestId);
-  return found != outstanding_.end() ? aimAt(*found, asked, started) : ReplyTicket();
+  Outstanding* const found = outstanding_.find(requestId);
+  return found != nullptr ? aimAt(requestId, *found, asked, started, wait) : ReplyTicket();
 }
 
 /** Ends a request that could not be delivered: who waits for it finds out why. */
@@ -183,9 +191,9 @@ void Mailbox::failUnsent(std::uint32_t requestId, std::uint64_t answerer,
   std::shared_ptr<Parker> waiter;
   {
     const std::lock_guard lock(mutex_);
-    const auto found = awaited(requestId, answerer);
-    if (found != outstanding_.end()) {
-      waiter = end(found, {nullptr, error});
+    if (Outstanding* const request = awaited(requestId, answerer)) {
+      waiter = end(*request, {nullptr, error});
+      if (waiter != nullptr) outstanding_.remove(requestId);
     }
   }
   // Another thread may wait for it already.

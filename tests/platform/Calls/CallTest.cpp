@@ -294,6 +294,35 @@ TEST_P(ACall, IsSeenByInterceptorsWithInterfaceAndMethod) {
   world.end();
 }
 
+/** A channel of somebody else's, who has replaced what the platform's own one does. */
+class ForeignChannel final : public CommsChannel {
+ public:
+  using CommsChannel::CommsChannel;
+  bool send(CommsChannelDataContainerMessage& message) override {
+    seen.add("send to " + message.getChannel());
+    return CommsChannel::send(message);
+  }
+  bool receiveReply(CommsChannelDataContainerMessage& message, long requestId) override {
+    seen.add("receive");
+    return CommsChannel::receiveReply(message, requestId);
+  }
+  Journal seen;
+};
+
+TEST_P(ACall, ThroughAChannelOfSomebodyElse_GoesTheWayOfThat) {
+  ForeignChannel foreign("/foreign", nullptr);
+  ProxyRequestImpl through(&foreign, "/wind", "WindSensor", GetParam(),
+                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
+  WindSensorProxy proxy;
+  proxy.initialise(&through);
+  EXPECT_THAT([&] { proxy.speed(1); },
+              ThrowsMessage<CallException>(HasSubstr("nobody serves channel '/wind'")));
+  run();
+  EXPECT_EQ(proxy.speed(3), 3.5);
+  EXPECT_THAT(foreign.seen.entries(),
+              ElementsAre("send to /wind", "receive", "send to /wind", "receive"));
+}
+
 TEST(ACallWithoutAnAdapter, SaysThatTheProtocolIsNotKnown) {
   CommsChannel channel("/proxy", nullptr);
   ProxyRequestImpl request(&channel, "/wind", "WindSensor", "unheard_of", nullptr, "", nullptr);
