@@ -9,8 +9,8 @@
 
 #include "framework/DecodeException.h"
 #include "framework/Executable.h"
-#include "framework/Invoker.h"
 #include "framework/ProtocolAdapter.h"
+#include "framework/TargetInvoker.h"
 #include "framework/ZervaException.h"
 #include "rmi/Carried.h"
 #include "rmi/Method.h"
@@ -27,7 +27,7 @@ namespace zerva::rmi {
  *     };
  */
 template <typename Interface>
-class InvokerOf : public Invoker {
+class InvokerOf : public TargetInvoker {
  public:
   template <auto... Pointers>
   explicit InvokerOf(Method<Pointers>... methods)
@@ -38,13 +38,20 @@ class InvokerOf : public Invoker {
 
   void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
               std::string& reply) override {
-    auto* const target = dynamic_cast<Interface*>(&service);
+    void* const target = targetOf(service);
     if (target == nullptr) throw DecodeException("the service does not have the interface");
+    invokeTarget(target, adapter, call, reply);
+  }
+
+  void* targetOf(Executable& service) override { return dynamic_cast<Interface*>(&service); }
+
+  void invokeTarget(void* target, ProtocolAdapter& adapter, const std::string& call,
+                    std::string& reply) override {
     const auto found = calls_.find(adapter.methodOf(call));
     if (found == calls_.end()) {
       throw DecodeException("method '" + adapter.methodOf(call) + "' is not known");
     }
-    found->second(*target, adapter, call, reply);
+    found->second(*static_cast<Interface*>(target), adapter, call, reply);
   }
 
  private:

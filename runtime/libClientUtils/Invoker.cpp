@@ -1,3 +1,7 @@
 #include "framework/Invoker.h"
 
+#include "framework/TargetInvoker.h"
+
 Invoker::~Invoker() = default;
+
+TargetInvoker::~TargetInvoker() = default;

@@ -176,7 +176,7 @@ class ExecutorCore final : public RequestReceiver,
   std::string handOver(Executable& service, Taken& taken, Payload& answer);
   std::string call(Executable& service, const Envelope& envelope, std::string* method,
                    Payload& answer);
-  std::string lookUp(const Callee& callee, KnownInvoker& found);
+  std::string lookUp(Executable& service, const Callee& callee, KnownInvoker& found);
   void fire(Expiry& expiry, const Executable& service);
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void enterPool(std::size_t tasks);

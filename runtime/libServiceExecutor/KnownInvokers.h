@@ -8,18 +8,21 @@
 
 class Invoker;
 class ProtocolAdapter;
+class TargetInvoker;
 
 namespace zerva {
 
 /** With what the calls of an interface over a protocol are made. */
 struct KnownInvoker {
-  ProtocolAdapter* adapter;
-  Invoker* invoker;
+  ProtocolAdapter* adapter = nullptr;
+  Invoker* invoker = nullptr;
+  TargetInvoker* targeted = nullptr;  // the same invoker, when it found the service's target
+  void* target = nullptr;
 };
 
 /**
- * With what an executor has made calls before. What the context finds lives as long as the
- * executor, so each pair of interface and protocol is looked up once, and not for each call.
+ * With what an executor has made calls of its service before. What the context finds lives as long
+ * as the executor, so each pair of interface and protocol is looked up once, and not for each call.
  */
 class KnownInvokers {
  public:

@@ -7,8 +7,8 @@
 #include "framework/DecodeException.h"
 #include "framework/Executable.h"
 #include "framework/InvokeInterceptorDispatcher.h"
-#include "framework/Invoker.h"
 #include "framework/ProtocolAdapter.h"
+#include "framework/TargetInvoker.h"
 #include "runtime/libClientUtils/ExceptionText.h"
 #include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/Texts.h"
@@ -79,8 +79,8 @@ void ExecutorCore::serveMessage(Taken& taken, Executable& service) {
  */
 std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
                                Payload& answer) {
-  KnownInvoker with{};
-  if (std::string error = lookUp(envelope.callee, with); !error.empty()) return error;
+  KnownInvoker with;
+  if (std::string error = lookUp(service, envelope.callee, with); !error.empty()) return error;
   std::shared_ptr<std::string> reply = newText();
   std::optional<std::string> refusal;
   const auto error = exceptionOf([&] {
@@ -88,7 +88,11 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
       if (method != nullptr) {
         *method = with.adapter->methodOf(*envelope.data);
       }
-      with.invoker->invoke(service, *with.adapter, *envelope.data, *reply);
+      if (with.targeted != nullptr) {
+        with.targeted->invokeTarget(with.target, *with.adapter, *envelope.data, *reply);
+      } else {
+        with.invoker->invoke(service, *with.adapter, *envelope.data, *reply);
+      }
     } catch (const DecodeException& exception) {
       refusal = exception.what();
     }
@@ -109,7 +113,7 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
  *
  * @returns why there is nothing, or "".
  */
-std::string ExecutorCore::lookUp(const Callee& callee, KnownInvoker& found) {
+std::string ExecutorCore::lookUp(Executable& service, const Callee& callee, KnownInvoker& found) {
   if (const KnownInvoker* const known = knownInvokers_.find(callee)) {
     found = *known;
     return {};
@@ -120,6 +124,9 @@ std::string ExecutorCore::lookUp(const Callee& callee, KnownInvoker& found) {
   if (const auto error = exceptionOf([&] {
         found.adapter = settings_.context->findProtocolAdapter(protocol);
         found.invoker = settings_.context->findInvoker(interface, protocol);
+        found.targeted = dynamic_cast<TargetInvoker*>(found.invoker);
+        if (found.targeted != nullptr) found.target = found.targeted->targetOf(service);
+        if (found.target == nullptr) found.targeted = nullptr;
       })) {
     return "looking up its invoker failed: " + *error;
   }
@@ -129,7 +136,8 @@ std::string ExecutorCore::lookUp(const Callee& callee, KnownInvoker& found) {
   if (found.invoker == nullptr) {
     return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
   }
-  knownInvokers_.add(callee, found);
+  // One that is being made may not come to be the executor's: then another one is made.
+  if (this->service() == &service) knownInvokers_.add(callee, found);
   return {};
 }
 

@@ -8,6 +8,7 @@
 #include "framework/DecodeException.h"
 #include "framework/InvokeInterceptor.h"
 #include "framework/ProxyRequestImpl.h"
+#include "framework/TargetInvoker.h"
 #include "rmi/InvokerOf.h"
 #include "rmi/ProxyOf.h"
 #include "runtime/libClientUtils/ProtocolRepository.h"
@@ -291,6 +292,76 @@ TEST_P(ACall, IsSeenByInterceptorsWithInterfaceAndMethod) {
   run();
   sut.speed(1);
   EXPECT_THAT(watching.seen.entries(), ElementsAre("WindSensor.speed from /wind_proxy: "));
+  world.end();
+}
+
+/** Counts how often it is asked for a target. */
+class CountingInvoker final : public TargetInvoker {
+ public:
+  explicit CountingInvoker(WindSensorInvoker& real) : real_(real) {}
+  void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
+              std::string& reply) override {
+    ++invoked;
+    real_.invoke(service, adapter, call, reply);
+  }
+  void* targetOf(Executable& service) override {
+    ++asked;
+    return real_.targetOf(service);
+  }
+  void invokeTarget(void* target, ProtocolAdapter& adapter, const std::string& call,
+                    std::string& reply) override {
+    real_.invokeTarget(target, adapter, call, reply);
+  }
+
+  std::atomic<int> asked{0};
+  std::atomic<int> invoked{0};
+
+ private:
+  WindSensorInvoker& real_;
+};
+
+TEST_P(ACall, ThroughAnInvokerThatFindsTargets_AsksForTheTargetOnce) {
+  CountingInvoker counting(invoker);
+  world.context.invoker = [&](const std::string&, const std::string&) { return &counting; };
+  run();
+  for (int station = 0; station < 3; ++station) EXPECT_EQ(sut.speed(station), station + 0.5);
+  EXPECT_EQ(counting.asked, 1);
+  EXPECT_EQ(counting.invoked, 0);
+  world.end();
+}
+
+TEST_P(ACall, ThroughAnInvokerThatFindsNoTargets_IsMadeToTheService) {
+  class Plain final : public Invoker {
+   public:
+    explicit Plain(Invoker& real) : real_(real) {}
+    void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
+                std::string& reply) override {
+      real_.invoke(service, adapter, call, reply);
+    }
+
+   private:
+    Invoker& real_;
+  } plain(invoker);
+  world.context.invoker = [&](const std::string&, const std::string&) { return &plain; };
+  run();
+  for (int station = 0; station < 3; ++station) EXPECT_EQ(sut.speed(station), station + 0.5);
+  world.end();
+}
+
+TEST_P(ACall, WhileTheServiceIsBeingMade_BindsNoLaterCallToWhatWasMade) {
+  WindSensorService failed;
+  int attempts = 0;
+  world.context.real = [&](const std::string&, const std::string&) { return &failed; };
+  world.context.make = [&]() -> Service* {
+    if (++attempts > 1) return &service;
+    sut.rename("it", "nothing");
+    return nullptr;
+  };
+  world.runLazy("/wind", Mode::ST);
+  EXPECT_THROW(sut.names(), CallException);
+  sut.rename("west", "east");
+  EXPECT_EQ(failed.renamed, "it is now nothing");
+  EXPECT_EQ(service.renamed, "west is now east");
   world.end();
 }
 
