@@ -37,16 +37,16 @@ class InvokerOf : public TargetInvoker {
   }
 
   void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
-              std::string& reply) override {
+              std::string& reply) final {
     void* const target = targetOf(service);
     if (target == nullptr) throw DecodeException("the service does not have the interface");
     invokeTarget(target, adapter, call, reply);
   }
 
-  void* targetOf(Executable& service) override { return dynamic_cast<Interface*>(&service); }
+  void* targetOf(Executable& service) final { return dynamic_cast<Interface*>(&service); }
 
   void invokeTarget(void* target, ProtocolAdapter& adapter, const std::string& call,
-                    std::string& reply) override {
+                    std::string& reply) final {
     const auto found = calls_.find(adapter.methodOf(call));
     if (found == calls_.end()) {
       throw DecodeException("method '" + adapter.methodOf(call) + "' is not known");
