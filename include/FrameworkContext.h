@@ -24,8 +24,8 @@ class ZERVA_EXPORT FrameworkContext {
    * Finds the invoker of an interface for a protocol; it is made when it is asked for first.
    *
    * @returns the invoker, kept by the repository, or null. May block while the registry is asked.
-   * An executor keeps what it got, and asks once for each interface and protocol: the invoker
-   *     outlives it.
+   * An executor asks once for each interface and protocol, and again after any invoker or adapter
+   *     of the process has ended.
    */
   virtual Invoker* findInvoker(std::string& interface, std::string& protocol) = 0;
 
@@ -69,7 +69,7 @@ class ZERVA_EXPORT FrameworkContext {
 
   /**
    * @returns the adapter of a protocol, or null when the host's protocol repository has none. An
-   *     executor keeps what it got, as it does an invoker.
+   *     executor asks as it does for invokers.
    * @throws FrameworkException when the host gave no protocol repository.
    */
   virtual ProtocolAdapter* findProtocolAdapter(std::string& protocol) = 0;

@@ -1,7 +1,8 @@
 #include "framework/Invoker.h"
 
 #include "framework/TargetInvoker.h"
+#include "runtime/libClientUtils/Lookups.h"
 
-Invoker::~Invoker() = default;
+Invoker::~Invoker() { zerva::Lookups::somethingEnded(); }
 
 TargetInvoker::~TargetInvoker() = default;

@@ -1,3 +1,5 @@
 #include "framework/ProtocolAdapter.h"
 
-ProtocolAdapter::~ProtocolAdapter() = default;
+#include "runtime/libClientUtils/Lookups.h"
+
+ProtocolAdapter::~ProtocolAdapter() { zerva::Lookups::somethingEnded(); }

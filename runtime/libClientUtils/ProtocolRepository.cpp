@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "framework/ProtocolAdapter.h"
+#include "runtime/libClientUtils/Lookups.h"
 #include "runtime/libClientUtils/protocols/SimpleRmiAdapter.h"
 #include "runtime/libClientUtils/protocols/SvcXmlAdapter.h"
 
@@ -14,7 +15,7 @@ struct ProtocolRepository::State {
   zerva::SimpleRmiAdapter simpleRmi;
   zerva::SvcXmlAdapter svcXml;
 
-  /** Stays where it is: each call looks for one, and takes no lock for it. */
+  /** Stays where it is: whoever looks for one takes no lock. */
   struct Known {
     Known(std::string itsProtocol, ProtocolAdapter* itsAdapter, const Known* theNext)
         : protocol(std::move(itsProtocol)), adapter(itsAdapter), next(theNext) {}
@@ -43,6 +44,7 @@ void ProtocolRepository::addProtocolAdapter(ProtocolAdapter* adapter) {
   for (State::Known& known : state_->all) {
     if (known.protocol == protocol) {
       known.adapter.store(adapter, std::memory_order_release);
+      zerva::Lookups::somethingEnded();
       return;
     }
   }

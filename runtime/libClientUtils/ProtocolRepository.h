@@ -18,8 +18,8 @@ class ZERVA_EXPORT ProtocolRepository : public AbstractProtocolRepository {
   ProtocolRepository& operator=(const ProtocolRepository&) = delete;
 
   /**
-   * Adds an adapter under the name of its protocol, instead of one that was added before; proxies
-   * and executors that found that one keep it. Any thread may call it.
+   * Adds an adapter under the name of its protocol, instead of one that was added before, which
+   * proxies that found it keep. Any thread may call it.
    *
    * @param adapter not owned, outlives the repository; null is ignored.
    */

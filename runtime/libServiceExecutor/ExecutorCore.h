@@ -174,9 +174,10 @@ class ExecutorCore final : public RequestReceiver,
   void serveMessage(Taken& taken, Executable& service);
   void failNested(Envelope& envelope, const std::string& error);
   std::string handOver(Executable& service, Taken& taken, Payload& answer);
-  std::string call(Executable& service, const Envelope& envelope, std::string* method,
-                   Payload& answer);
+  std::string call(Executable& service, const Taken& taken, std::string* method, Payload& answer);
   std::string lookUp(Executable& service, const Callee& callee, KnownInvoker& found);
+  void keep(const Executable& service, const Callee& callee, std::uint32_t age,
+            const KnownInvoker& found);
   void fire(Expiry& expiry, const Executable& service);
   void countFailure() { failed_.fetch_add(1, std::memory_order_relaxed); }
   void enterPool(std::size_t tasks);
@@ -198,7 +199,6 @@ class ExecutorCore final : public RequestReceiver,
   const std::shared_ptr<Mailbox> mailbox_;  // null for a channel that is not the platform's
   const std::thread::id builder_;
   OwnThread thread_;
-  KnownInvokers knownInvokers_;
   std::atomic<bool> requested_{false};  // as far as the trace knows
   std::atomic<std::uint64_t> failed_{0};
 
@@ -211,6 +211,7 @@ class ExecutorCore final : public RequestReceiver,
   std::optional<Description> what_;  // the service, as soon as there is one
   Queue queue_;
   std::unique_ptr<Handed> spareHanded_;
+  KnownInvokers knownInvokers_;
   // Tasks that the pool has of this executor, and what keeps it alive meanwhile: a task that did so
   // itself would take memory for each request.
   std::size_t inPool_ = 0;

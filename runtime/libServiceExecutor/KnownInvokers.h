@@ -1,8 +1,7 @@
 #pragma once
 
-#include <atomic>
-#include <memory>
-#include <new>
+#include <cstdint>
+#include <vector>
 
 #include "runtime/libClientUtils/Envelope.h"
 
@@ -12,7 +11,7 @@ class TargetInvoker;
 
 namespace zerva {
 
-/** With what the calls of an interface over a protocol are made. */
+/** With what the calls of an interface over a protocol are made; nothing as long as it is found. */
 struct KnownInvoker {
   ProtocolAdapter* adapter = nullptr;
   Invoker* invoker = nullptr;
@@ -21,69 +20,52 @@ struct KnownInvoker {
 };
 
 /**
- * With what an executor has made calls of its service before. What the context finds lives as long
- * as the executor, so each pair of interface and protocol is looked up once, and not for each call.
+ * With what an executor has made calls of its service before, so that each pair of interface and
+ * protocol is looked up once, and not for each call; and again when an invoker or an adapter has
+ * ended since. Whoever uses it keeps threads from each other.
  */
 class KnownInvokers {
  public:
-  KnownInvokers() = default;
-  ~KnownInvokers() {
-    for (const Entry* entry = newest_.load(); entry != nullptr;) {
-      const std::unique_ptr<const Entry> ended(entry);
-      entry = ended->next;
+  /**
+   * @param callee not null.
+   * @param age of look-ups now.
+   * @returns what is known of the pair; nothing where that is out of date.
+   */
+  KnownInvoker find(const Callee& callee, std::uint32_t age) const {
+    for (const Entry& entry : entries_) {
+      if (isOf(entry, callee)) return entry.age == age ? entry.known : KnownInvoker();
     }
-  }
-  KnownInvokers(const KnownInvokers&) = delete;
-  KnownInvokers& operator=(const KnownInvokers&) = delete;
-
-  /**
-   * Any thread; takes no lock.
-   *
-   * @param callee not null.
-   * @returns null for a pair that was not added.
-   */
-  const KnownInvoker* find(const Callee& callee) const {
-    const Entry* const entry = entryOf(callee, newest_.load(std::memory_order_acquire));
-    return entry != nullptr ? &entry->known : nullptr;
+    return {};
   }
 
   /**
-   * Any thread; takes no lock. What is known of the pair already stays. Without memory nothing is
-   * added.
-   *
    * @param callee not null.
+   * @param age that look-ups had before it was found.
    */
-  void add(const Callee& callee, const KnownInvoker& known) {
-    std::unique_ptr<Entry> entry(new (std::nothrow) Entry{callee, known, nullptr});
-    if (entry == nullptr) return;
-    entry->next = newest_.load(std::memory_order_acquire);
-    do {
-      if (entryOf(callee, entry->next) != nullptr) return;
-    } while (!newest_.compare_exchange_weak(entry->next, entry.get(), std::memory_order_acq_rel,
-                                            std::memory_order_acquire));
-    static_cast<void>(entry.release());
+  void add(const Callee& callee, std::uint32_t age, const KnownInvoker& known) {
+    for (Entry& entry : entries_) {
+      if (!isOf(entry, callee)) continue;
+      entry.age = age;
+      entry.known = known;
+      return;
+    }
+    entries_.push_back({callee, age, known});
   }
 
  private:
-  /** Stays where it is until the end. */
   struct Entry {
-    const Callee callee;
-    const KnownInvoker known;
-    const Entry* next;
+    Callee callee;
+    std::uint32_t age;
+    KnownInvoker known;
   };
 
-  static const Entry* entryOf(const Callee& callee, const Entry* first) {
-    for (const Entry* entry = first; entry != nullptr; entry = entry->next) {
-      // The same object, when it is the same proxy that calls.
-      if (entry->callee == callee || (entry->callee->interface == callee->interface &&
-                                      entry->callee->protocol == callee->protocol)) {
-        return entry;
-      }
-    }
-    return nullptr;
+  static bool isOf(const Entry& entry, const Callee& callee) {
+    // The same object, when it is the same proxy that calls.
+    return entry.callee == callee || (entry.callee->interface == callee->interface &&
+                                      entry.callee->protocol == callee->protocol);
   }
 
-  std::atomic<const Entry*> newest_{nullptr};
+  std::vector<Entry> entries_;
 };
 
 }  // namespace zerva

@@ -1,5 +1,6 @@
 // How an executor serves a message that it has taken out of its queue.
 
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "framework/ProtocolAdapter.h"
 #include "framework/TargetInvoker.h"
 #include "runtime/libClientUtils/ExceptionText.h"
+#include "runtime/libClientUtils/Lookups.h"
 #include "runtime/libClientUtils/MessageState.h"
 #include "runtime/libClientUtils/Texts.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
@@ -53,7 +55,7 @@ void ExecutorCore::serveMessage(Taken& taken, Executable& service) {
   Payload answer;
   const bool isCall = envelope.callee != nullptr && !envelope.callee->interface.empty();
   std::string method;
-  const std::string error = isCall ? call(service, envelope, seen ? &method : nullptr, answer)
+  const std::string error = isCall ? call(service, taken, seen ? &method : nullptr, answer)
                                    : handOver(service, taken, answer);
   const auto duration = seen ? Clock::now() - start : Clock::duration();
   if (!error.empty()) {
@@ -77,10 +79,13 @@ void ExecutorCore::serveMessage(Taken& taken, Executable& service) {
  * @param method gets its name, for those who see the call; may be null.
  * @returns why it failed, or "".
  */
-std::string ExecutorCore::call(Executable& service, const Envelope& envelope, std::string* method,
+std::string ExecutorCore::call(Executable& service, const Taken& taken, std::string* method,
                                Payload& answer) {
-  KnownInvoker with;
-  if (std::string error = lookUp(service, envelope.callee, with); !error.empty()) return error;
+  const Envelope& envelope = taken.envelope();
+  KnownInvoker with = taken.known();
+  if (with.invoker == nullptr) {
+    if (std::string error = lookUp(service, envelope.callee, with); !error.empty()) return error;
+  }
   std::shared_ptr<std::string> reply = newText();
   std::optional<std::string> refusal;
   const auto error = exceptionOf([&] {
@@ -109,18 +114,15 @@ std::string ExecutorCore::call(Executable& service, const Envelope& envelope, st
 }
 
 /**
- * Finds with what the calls of an interface over a protocol are made.
+ * Finds with what the calls of an interface over a protocol are made, and keeps it for the next.
  *
  * @returns why there is nothing, or "".
  */
 std::string ExecutorCore::lookUp(Executable& service, const Callee& callee, KnownInvoker& found) {
-  if (const KnownInvoker* const known = knownInvokers_.find(callee)) {
-    found = *known;
-    return {};
-  }
   // The context may write into what it is given.
   std::string interface = callee->interface;
   std::string protocol = callee->protocol;
+  const std::uint32_t age = Lookups::age();
   if (const auto error = exceptionOf([&] {
         found.adapter = settings_.context->findProtocolAdapter(protocol);
         found.invoker = settings_.context->findInvoker(interface, protocol);
@@ -136,9 +138,20 @@ std::string ExecutorCore::lookUp(Executable& service, const Callee& callee, Know
   if (found.invoker == nullptr) {
     return "there is no invoker for interface '" + interface + "' and protocol '" + protocol + "'";
   }
-  // One that is being made may not come to be the executor's: then another one is made.
-  if (this->service() == &service) knownInvokers_.add(callee, found);
+  keep(service, callee, age, found);
   return {};
+}
+
+void ExecutorCore::keep(const Executable& service, const Callee& callee, std::uint32_t age,
+                        const KnownInvoker& found) {
+  const std::lock_guard lock(mutex_);
+  // One that is being made may not come to be the executor's: then another one is made.
+  if (service_ != &service) return;
+  try {
+    knownInvokers_.add(callee, age, found);
+  } catch (const std::bad_alloc&) {
+    // Then it is looked up again.
+  }
 }
 
 /**

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "framework/CommsChannelDataContainerMessage.h"
+#include "runtime/libClientUtils/Lookups.h"
 #include "runtime/libServiceExecutor/ExecutorCore.h"
 
 namespace zerva {
@@ -24,6 +25,9 @@ class ExecutorCore::Taken {
       : core_(core), lock_(lock), handed_(std::move(core.spareHanded_)) {
     place_.splice(place_.begin(), core.queue_, which);
     ++core.begun_;
+    if (const Callee& callee = place_.front().callee) {
+      known_ = core.knownInvokers_.find(callee, Lookups::age());
+    }
   }
   ~Taken() {
     // Not under the lock: whoever still waits for an answer gets one.
@@ -36,6 +40,10 @@ class ExecutorCore::Taken {
   Taken& operator=(const Taken&) = delete;
 
   Envelope& envelope() { return place_.front(); }
+  const Envelope& envelope() const { return place_.front(); }
+
+  /** @returns with what such a call was made before. */
+  const KnownInvoker& known() const { return known_; }
 
   /** @returns what the service gets; it is used again only when `handedIsEmpty` says so. */
   Handed& handed() {
@@ -52,6 +60,7 @@ class ExecutorCore::Taken {
   Queue place_;
   std::unique_ptr<Handed> handed_;
   bool handedIsUsed_ = false;
+  KnownInvoker known_;
 };
 
 }  // namespace zerva

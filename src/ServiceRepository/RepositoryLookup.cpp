@@ -64,7 +64,7 @@ Proxy* ServiceRepository::findServiceProxy(std::string& interfaceName, std::stri
 }
 
 Invoker* ServiceRepository::findServiceInvoker(std::string& interfaceName, std::string& protocol) {
-  // In one piece of memory, since every call that is served comes here.
+  // In one piece of memory.
   std::string key;
   key.reserve(interfaceName.size() + 1 + protocol.size());
   key.append(interfaceName).append(1, ',').append(protocol);

@@ -295,6 +295,38 @@ TEST_P(ACall, IsSeenByInterceptorsWithInterfaceAndMethod) {
   world.end();
 }
 
+TEST_P(ACall, WhoseInvokerHasEnded_AsksForAnother) {
+  auto first = std::make_unique<WindSensorInvoker>();
+  Invoker* now = first.get();
+  int lookUps = 0;
+  world.context.invoker = [&](const std::string&, const std::string&) {
+    ++lookUps;
+    return now;
+  };
+  run();
+  EXPECT_EQ(sut.speed(1), 1.5);
+  now = &invoker;
+  first.reset();
+  EXPECT_EQ(sut.speed(2), 2.5);
+  EXPECT_EQ(sut.speed(3), 3.5);
+  EXPECT_EQ(lookUps, 2);
+  world.end();
+}
+
+TEST_P(ACall, WhoseAdapterIsReplaced_AsksForTheOther) {
+  int lookUps = 0;
+  world.context.adapter = [&](const std::string& protocol) {
+    ++lookUps;
+    return protocols.findProtocolAdapter(protocol);
+  };
+  run();
+  EXPECT_EQ(sut.speed(1), 1.5);
+  protocols.addProtocolAdapter(protocols.findProtocolAdapter(GetParam()));
+  EXPECT_EQ(sut.speed(2), 2.5);
+  EXPECT_EQ(lookUps, 2);
+  world.end();
+}
+
 /** Counts how often it is asked for a target. */
 class CountingInvoker final : public TargetInvoker {
  public:

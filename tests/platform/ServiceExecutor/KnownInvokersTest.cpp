@@ -1,12 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "framework/Invoker.h"
 #include "runtime/libServiceExecutor/KnownInvokers.h"
-#include "tests/support/Concurrently.h"
 
 namespace zerva {
 namespace {
@@ -20,43 +19,40 @@ Callee calleeOf(const std::string& interface, const std::string& protocol) {
   return std::make_shared<const CalledIn>(CalledIn{interface, protocol});
 }
 
+KnownInvoker known(Invoker& invoker) { return {nullptr, &invoker, nullptr, nullptr}; }
+
 TEST(KnownInvokers, AreFoundByInterfaceAndProtocol) {
   SomeInvoker one;
   SomeInvoker two;
   SomeInvoker three;
   KnownInvokers sut;
-  EXPECT_EQ(sut.find(calleeOf("Wind", "xml")), nullptr);
-  sut.add(calleeOf("Wind", "xml"), {nullptr, &one});
-  sut.add(calleeOf("Wind", "rmi"), {nullptr, &two});
-  sut.add(calleeOf("Rain", "xml"), {nullptr, &three});
+  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"), 0).invoker, nullptr);
+  sut.add(calleeOf("Wind", "xml"), 0, known(one));
+  sut.add(calleeOf("Wind", "rmi"), 0, known(two));
+  const Callee rain = calleeOf("Rain", "xml");
+  sut.add(rain, 0, known(three));
 
-  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"))->invoker, &one);
-  EXPECT_EQ(sut.find(calleeOf("Wind", "rmi"))->invoker, &two);
-  EXPECT_EQ(sut.find(calleeOf("Rain", "xml"))->invoker, &three);
-  EXPECT_EQ(sut.find(calleeOf("Rain", "rmi")), nullptr);
-  EXPECT_EQ(sut.find(calleeOf("Win", "dxml")), nullptr);
+  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"), 0).invoker, &one);
+  EXPECT_EQ(sut.find(calleeOf("Wind", "rmi"), 0).invoker, &two);
+  EXPECT_EQ(sut.find(calleeOf("Rain", "xml"), 0).invoker, &three);
+  EXPECT_EQ(sut.find(rain, 0).invoker, &three);
+  EXPECT_EQ(sut.find(calleeOf("Rain", "rmi"), 0).invoker, nullptr);
+  EXPECT_EQ(sut.find(calleeOf("Win", "dxml"), 0).invoker, nullptr);
 }
 
-TEST(KnownInvokers, StayWhatTheyWereFirst) {
-  SomeInvoker first;
-  SomeInvoker later;
+TEST(KnownInvokers, AreNotFoundWhenTheyAreOutOfDate) {
+  SomeInvoker one;
+  SomeInvoker two;
+  SomeInvoker other;
   KnownInvokers sut;
-  sut.add(calleeOf("Wind", "xml"), {nullptr, &first});
-  sut.add(calleeOf("Wind", "xml"), {nullptr, &later});
-  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"))->invoker, &first);
-}
+  sut.add(calleeOf("Wind", "xml"), 4, known(one));
+  sut.add(calleeOf("Rain", "xml"), 4, known(other));
+  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"), 4).invoker, &one);
+  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"), 5).invoker, nullptr);
 
-TEST(KnownInvokers, AddedByManyThreads_AreAllFound) {
-  constexpr std::size_t kPairs = 40;
-  std::vector<SomeInvoker> invokers(kPairs);
-  KnownInvokers sut;
-  concurrently(4, [&](std::size_t) {
-    for (std::size_t i = 0; i < kPairs; ++i) {
-      const Callee callee = calleeOf("Wind" + std::to_string(i), "xml");
-      if (sut.find(callee) == nullptr) sut.add(callee, {nullptr, &invokers[i]});
-      EXPECT_EQ(sut.find(callee)->invoker, &invokers[i]);
-    }
-  });
+  sut.add(calleeOf("Wind", "xml"), 5, known(two));
+  EXPECT_EQ(sut.find(calleeOf("Wind", "xml"), 5).invoker, &two);
+  EXPECT_EQ(sut.find(calleeOf("Rain", "xml"), 5).invoker, nullptr);
 }
 
 }  // namespace

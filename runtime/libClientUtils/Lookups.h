@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+
+#include "framework/Export.h"
+
+namespace zerva {
+
+/**
+ * How up to date it is what somebody found in a context, and keeps: an invoker or an adapter. Any
+ * thread.
+ */
+class ZERVA_EXPORT Lookups {
+ public:
+  /** @returns another number than before when something that may have been found has ended. */
+  static std::uint32_t age();
+
+  /** Says that something has ended which may have been found, or is not what is found any more. */
+  static void somethingEnded();
+};
+
+}  // namespace zerva
