@@ -1,4 +1,3 @@
-
 #include "runtime/libClientUtils/Mailbox.h"
 
 #include <utility>
@@ -188,8 +187,8 @@ Mailbox::Outstanding* Mailbox::awaited(std::uint32_t requestId, std::uint64_t an
 /**
  * Ends a request that has not ended yet, under the lock.
  *
- * @returns who waits, to be unparked without the lock, and the request is over; null when nobody
- *     waits yet: then it is kept until somebody does.
+ * @returns who waits, to be unparked, and the request is over; null when nobody waits yet: then it
+ *     is kept until somebody does.
  */
 std::shared_ptr<Parker> Mailbox::end(Outstanding& request, Outcome how) {
   Wait* const wait = std::exchange(request.wait, nullptr);
@@ -220,7 +219,12 @@ void Mailbox::close() {
     wasServed = served_.exchange(false);
     outstanding_.removeIf([this](Outstanding& request) {
       if (request.outcome) return false;
-      const auto waiter = end(request, {nullptr, "channel '" + name() + "' was closed"});
+      std::string cause;
+      if (exceptionOf([&] { cause = "channel '" + name() + "' was closed"; })) {
+        // Who waits is told in any case; this is so short that it needs no memory.
+        cause = "closed";
+      }
+      const auto waiter = end(request, {nullptr, std::move(cause)});
       // Under the lock, so that no memory is needed to remember it.
       if (waiter != nullptr) waiter->unpark();
       return waiter != nullptr;

@@ -142,8 +142,7 @@ class ZERVA_EXPORT Mailbox final : public Destination,
                      ReplyTicket& ticket);
   ReplyTicket aimAt(std::uint32_t requestId, Outstanding& request,
                     const std::shared_ptr<Destination>& asked, bool isStarted, Wait* wait);
-  ReplyTicket aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked,
-                       Wait* wait);
+  ReplyTicket aimAgain(ReplyTicket& before, const std::shared_ptr<Destination>& asked, Wait* wait);
   std::string deliverTo(Target& target, Envelope& envelope, Wait* wait);
   void tellReceived(std::unique_lock<std::mutex>& lock, std::uint32_t requestId, std::size_t size,
                     const std::string& error);

@@ -37,7 +37,7 @@ zerva::Mailbox::Outcome callThrough(CommsChannelIfc& channel, const zerva::Share
   sent.requestId = requestId;
   // A request that could not be sent has an answer too: the reason.
   channel.send(message);
-  if (!channel.receiveReply(message, requestId)) return {nullptr, message.getError()};
+  if (!channel.receiveReply(message, sent.requestId)) return {nullptr, message.getError()};
   return {std::move(sent.data), {}};
 }
 
@@ -102,17 +102,16 @@ void ProxyRequestImpl::call(const std::string& method, const Writable& arguments
   std::shared_ptr<std::string> bytes = zerva::newText();
   state_->adapter->writeCall(method, arguments, *bytes);
 
-  // Held here too, since the channel may be deleted while this thread waits.
-  const std::shared_ptr<zerva::Mailbox> mailbox = state_->mailbox;
+  zerva::Mailbox* const mailbox = state_->mailbox.get();
   const long id = state_->newId();
   const zerva::Mailbox::Outcome outcome =
       mailbox != nullptr
           ? mailbox->call(state_->svcChannel, state_->callee, std::move(bytes),
                           static_cast<std::uint32_t>(id))
           : callThrough(*state_->channel, state_->svcChannel, state_->callee, std::move(bytes), id);
-  if (!outcome.error.empty() || outcome.reply == nullptr) {
-    fail(outcome.error);
-  }
+  if (!outcome.error.empty()) fail(outcome.error);
+  // What failed without a text has failed all the same.
+  if (outcome.reply == nullptr) fail("no reason was given");
   try {
     state_->adapter->readReply(*outcome.reply, result);
   } catch (const DecodeException& error) {

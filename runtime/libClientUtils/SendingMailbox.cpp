@@ -59,7 +59,6 @@ std::string Mailbox::sendTo(const SharedName& to, const Callee& callee, Payload 
  * @param wait of the calling thread, which waits for the reply next; null when it may do so later.
  * @returns why it failed, or "".
  */
-
 std::string Mailbox::sendTo(Target& target, const Callee& callee, Payload data,
                             std::uint32_t requestId, Wait* wait) {
   const CallChain& served = servingThread().chain();
@@ -110,9 +109,8 @@ std::string Mailbox::deliverTo(Target& target, Envelope& envelope, Wait* wait) {
     // One that closes at this moment is not found again; a younger one of the name may be.
     target.find();
     envelope.receiver = target.carried();
-    if (const std::uint32_t requestId = envelope.ticket.requestId(); requestId != 0) {
-      envelope.ticket.cancel();
-      envelope.ticket = aimAgain(requestId, target.found, wait);
+    if (envelope.ticket.requestId() != 0) {
+      envelope.ticket = aimAgain(envelope.ticket, target.found, wait);
       // Given up meanwhile, and its sender told: it is no message for which nobody waits.
       if (envelope.ticket.requestId() == 0) return {};
     }
@@ -166,6 +164,8 @@ ReplyTicket Mailbox::aimAt(std::uint32_t requestId, Outstanding& request,
   if (wait != nullptr) {
     wait->asked = isStarted ? nullptr : asked;
     wait->input = std::move(input);
+    request.asked.reset();
+    request.input.reset();
   } else {
     request.asked = isStarted ? nullptr : asked;
     request.input = input;
@@ -176,12 +176,24 @@ ReplyTicket Mailbox::aimAt(std::uint32_t requestId, Outstanding& request,
   return ticket;
 }
 
-/** Notes that another one is asked, since the one before did not take the request. */
-ReplyTicket Mailbox::aimAgain(std::uint32_t requestId, const std::shared_ptr<Destination>& asked,
+/**
+ * Notes that another one is asked, since the one before did not take the request.
+ *
+ * @param before the obligation of that one, which has none any more.
+ * @returns that of who is asked now; none when nobody waits any more.
+ */
+ReplyTicket Mailbox::aimAgain(ReplyTicket& before, const std::shared_ptr<Destination>& asked,
                               Wait* wait) {
+  const std::uint32_t requestId = before.requestId();
+  before.cancel();
+  if (wait != nullptr) {
+    // Not under the lock: it may be the last one that keeps them.
+    wait->asked.reset();
+    wait->input.reset();
+  }
   const bool started = asked != nullptr && asked->isStarted();
   const std::lock_guard lock(mutex_);
-  Outstanding* const found = outstanding_.find(requestId);
+  Outstanding* const found = awaited(requestId, before.answerer());
   return found != nullptr ? aimAt(requestId, *found, asked, started, wait) : ReplyTicket();
 }
 

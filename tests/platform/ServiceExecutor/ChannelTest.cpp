@@ -9,6 +9,7 @@
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/Mailbox.h"
+#include "tests/platform/ServiceExecutor/Receivers.h"
 #include "tests/platform/ServiceExecutor/ReplyTimeoutIs.h"
 #include "tests/support/Barrier.h"
 #include "tests/support/Concurrently.h"
@@ -19,61 +20,11 @@ namespace {
 
 using testing::HasSubstr;
 using zerva::concurrently;
+using zerva::LeavingReceiver;
+using zerva::OtherProcess;
 using zerva::ReplyTimeoutIs;
+using zerva::SlowReceiver;
 using zerva::waitUntil;
-
-/** Holds whoever delivers to it back until its gate is opened. */
-class SlowReceiver final : public zerva::RequestReceiver {
- public:
-  explicit SlowReceiver(zerva::Gate& gate) : gate_(gate) {}
-  bool receive(zerva::Envelope& /*envelope*/) override {
-    gate_.wait();
-    return false;
-  }
-  bool waitsForCaller() const override { return false; }
-  const Executable* object() const override { return nullptr; }
-  bool isMaking() const override { return false; }
-
- private:
-  zerva::Gate& gate_;
-};
-
-/** Takes nothing any more, and its channel is closed. */
-class LeavingReceiver final : public zerva::RequestReceiver {
- public:
-  explicit LeavingReceiver(zerva::Mailbox& mailbox) : mailbox_(mailbox) {}
-  bool receive(zerva::Envelope& /*envelope*/) override {
-    mailbox_.close();
-    return false;
-  }
-  bool waitsForCaller() const override { return false; }
-  const Executable* object() const override { return nullptr; }
-  bool isMaking() const override { return false; }
-
- private:
-  zerva::Mailbox& mailbox_;
-};
-
-/** Another process, that serves all names. */
-class OtherProcess final : public zerva::RemoteChannels, public zerva::Destination {
- public:
-  explicit OtherProcess(std::string& asked) : asked_(asked) {}
-  std::shared_ptr<zerva::Destination> find(const std::string& /*name*/) override {
-    return {std::shared_ptr<void>(), this};
-  }
-  void servedMayHaveChanged(const std::string& /*name*/) override {}
-  std::string server() const override { return "another process"; }
-  bool deliver(zerva::Envelope& envelope) override {
-    asked_ = envelope.to();
-    zerva::Envelope(std::move(envelope)).ticket.fail("it is out");
-    return true;
-  }
-  std::shared_ptr<zerva::Input> input() const override { return nullptr; }
-  bool waitsForCaller() const override { return false; }
-
- private:
-  std::string& asked_;
-};
 
 TEST(ARequest, ToAChannelThatCloses_ReachesTheOtherProcessThatServesTheNameWithTheName) {
   auto& directory = zerva::ChannelDirectory::instance();
