@@ -16,7 +16,8 @@ class ZERVA_EXPORT AbstractProtocolRepository {
    * Finds the adapter of a protocol. Any thread may call it.
    *
    * @param protocol the protocol's name.
-   * @returns the adapter, owned by the repository, or null when the protocol is not known.
+   * @returns the adapter, owned by the repository, or null when the protocol is not known. Whoever
+   *     got one may keep it, and need not notice that another one is found later.
    */
   virtual ProtocolAdapter* findProtocolAdapter(std::string protocol) = 0;
 

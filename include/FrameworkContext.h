@@ -23,9 +23,10 @@ class ZERVA_EXPORT FrameworkContext {
   /**
    * Finds the invoker of an interface for a protocol; it is made when it is asked for first.
    *
-   * @returns the invoker, kept by the repository, or null. May block while the registry is asked.
-   * An executor asks once for each interface and protocol, and again after any invoker or adapter
-   *     of the process has ended.
+   * May block while the registry is asked. An executor may keep what it got until an invoker or an
+   * adapter of the process ends, and may ask any number of times.
+   *
+   * @returns the invoker, kept by the repository, or null.
    */
   virtual Invoker* findInvoker(std::string& interface, std::string& protocol) = 0;
 
@@ -69,7 +70,7 @@ class ZERVA_EXPORT FrameworkContext {
 
   /**
    * @returns the adapter of a protocol, or null when the host's protocol repository has none. An
-   *     executor asks as it does for invokers.
+   *     executor may keep it as it may keep an invoker.
    * @throws FrameworkException when the host gave no protocol repository.
    */
   virtual ProtocolAdapter* findProtocolAdapter(std::string& protocol) = 0;

@@ -25,6 +25,8 @@ namespace zerva::rmi {
  *       WindSensorInvoker() : InvokerOf(ZERVA_METHOD(WindSensor::speed),
  *                                       ZERVA_METHOD(WindSensor::reset)) {}
  *     };
+ *
+ * To do something around each call, derive from `Invoker` and call one of these there.
  */
 template <typename Interface>
 class InvokerOf : public TargetInvoker {

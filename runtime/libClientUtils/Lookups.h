@@ -7,8 +7,11 @@
 namespace zerva {
 
 /**
- * How up to date it is what somebody found in a context, and keeps: an invoker or an adapter. Any
- * thread.
+ * How up to date it is what somebody found in a context, and keeps: an invoker or an adapter, of
+ * the whole process. Any thread.
+ *
+ * An object has ended when its base is destroyed. Who is about to use it at that moment is not told
+ * in time, as little as one who found it just before; whoever deletes it sees to that.
  */
 class ZERVA_EXPORT Lookups {
  public:

@@ -1,5 +1,6 @@
 #include "runtime/libClientUtils/Mailbox.h"
 
+#include <new>
 #include <utility>
 
 #include "framework/CCInterceptorDispatcher.h"
@@ -220,7 +221,9 @@ void Mailbox::close() {
     outstanding_.removeIf([this](Outstanding& request) {
       if (request.outcome) return false;
       std::string cause;
-      if (exceptionOf([&] { cause = "channel '" + name() + "' was closed"; })) {
+      try {
+        cause = "channel '" + name() + "' was closed";
+      } catch (const std::bad_alloc&) {
         // Who waits is told in any case; this is so short that it needs no memory.
         cause = "closed";
       }

@@ -30,15 +30,16 @@ zerva::Mailbox::Outcome callThrough(CommsChannelIfc& channel, const zerva::Share
                                     const zerva::Callee& callee, zerva::Payload data,
                                     long requestId) {
   CommsChannelDataContainerMessage message;
-  auto& sent = message.state();
-  sent.channel = to;
-  sent.callee = callee;
-  sent.data = std::move(data);
-  sent.requestId = requestId;
-  // A request that could not be sent has an answer too: the reason.
+  auto& request = message.state();
+  request.channel = to;
+  request.callee = callee;
+  request.data = std::move(data);
+  request.requestId = requestId;
+  // A request that could not be sent has an answer too: the reason. From here on the message may be
+  // another one, and its id.
   channel.send(message);
-  if (!channel.receiveReply(message, sent.requestId)) return {nullptr, message.getError()};
-  return {std::move(sent.data), {}};
+  if (!channel.receiveReply(message, message.getRequestId())) return {nullptr, message.getError()};
+  return {std::move(message.state().data), {}};
 }
 
 }  // namespace

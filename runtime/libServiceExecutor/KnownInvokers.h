@@ -11,7 +11,7 @@ class TargetInvoker;
 
 namespace zerva {
 
-/** With what the calls of an interface over a protocol are made; nothing as long as it is found. */
+/** With what the calls of an interface over a protocol are made; nothing until it is found. */
 struct KnownInvoker {
   ProtocolAdapter* adapter = nullptr;
   Invoker* invoker = nullptr;
@@ -45,8 +45,8 @@ class KnownInvokers {
   void add(const Callee& callee, std::uint32_t age, const KnownInvoker& known) {
     for (Entry& entry : entries_) {
       if (!isOf(entry, callee)) continue;
-      entry.age = age;
-      entry.known = known;
+      // Whoever calls now calls again sooner than who called before.
+      entry = {callee, age, known};
       return;
     }
     entries_.push_back({callee, age, known});

@@ -426,6 +426,52 @@ TEST_P(ACall, ThroughAChannelOfSomebodyElse_GoesTheWayOfThat) {
               ElementsAre("send to /wind", "receive", "send to /wind", "receive"));
 }
 
+/** Sends under another id, and answers with a message of its own. */
+class RenumberingChannel final : public CommsChannel {
+ public:
+  using CommsChannel::CommsChannel;
+  bool send(CommsChannelDataContainerMessage& message) override {
+    message.setRequestId(message.getRequestId() + 1000);
+    return CommsChannel::send(message);
+  }
+  bool receiveReply(CommsChannelDataContainerMessage& message, long requestId) override {
+    if (requestId <= 1000) return false;
+    CommsChannelDataContainerMessage reply;
+    const bool received = CommsChannel::receiveReply(reply, requestId);
+    message = std::move(reply);
+    return received;
+  }
+};
+
+TEST_P(ACall, ThroughAChannelThatMakesMessagesOfItsOwn_GetsTheReply) {
+  RenumberingChannel foreign("/foreign", nullptr);
+  ProxyRequestImpl through(&foreign, "/wind", "WindSensor", GetParam(),
+                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
+  WindSensorProxy proxy;
+  proxy.initialise(&through);
+  run();
+  EXPECT_EQ(proxy.speed(3), 3.5);
+}
+
+class SilentChannel final : public CommsChannel {
+ public:
+  using CommsChannel::CommsChannel;
+  bool send(CommsChannelDataContainerMessage& /*message*/) override { return false; }
+  bool receiveReply(CommsChannelDataContainerMessage& /*message*/, long /*requestId*/) override {
+    return false;
+  }
+};
+
+TEST_P(ACall, ThatFailsWithoutAReason_SaysThat) {
+  SilentChannel silent("/silent", nullptr);
+  ProxyRequestImpl through(&silent, "/wind", "WindSensor", GetParam(),
+                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
+  WindSensorProxy proxy;
+  proxy.initialise(&through);
+  EXPECT_THAT([&] { proxy.speed(1); },
+              ThrowsMessage<CallException>(HasSubstr("failed: no reason was given")));
+}
+
 TEST(ACallWithoutAnAdapter, SaysThatTheProtocolIsNotKnown) {
   CommsChannel channel("/proxy", nullptr);
   ProxyRequestImpl request(&channel, "/wind", "WindSensor", "unheard_of", nullptr, "", nullptr);

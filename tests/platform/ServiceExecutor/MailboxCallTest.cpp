@@ -1,8 +1,10 @@
 // A request that is sent and waited for in one, as proxies do.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -80,11 +82,11 @@ TEST_F(ACallOfAMailbox, BesideOthers_GetsItsOwnReply) {
   std::thread other([&] { slow = call(1, "wait"); });
   EXPECT_TRUE(waitUntil([&] { return gate.waiting() == 1; }));
   for (std::uint32_t id = 2; id <= 4; ++id) {
-    EXPECT_EQ(*call(id, std::to_string(id)).reply, "reply to " + std::to_string(id));
+    EXPECT_EQ(textOf(call(id, std::to_string(id)).reply), "reply to " + std::to_string(id));
   }
   gate.open();
   other.join();
-  EXPECT_EQ(*slow.reply, "reply to wait");
+  EXPECT_EQ(textOf(slow.reply), "reply to wait");
 }
 
 TEST_F(ACallOfAMailbox, ThatIsNotAnsweredInTime_IsGivenUpAndItsIdIsFree) {
@@ -113,7 +115,7 @@ TEST_F(ACallOfAMailbox, ThatIsClosedMeanwhile_EndsWithThat) {
   EXPECT_EQ(call(2).error, "channel '/test/caller' is closed");
 }
 
-/** Does something when the channel sends or receives. */
+/** Does something when the channel sends. */
 class Doing final : public CCInterceptor {
  public:
   void messageSent(const InterceptedMessage& /*message*/) override { onSent(); }
@@ -136,7 +138,7 @@ TEST_F(ACallOfAMailbox, WhoseInterceptorThrows_LeavesNothing) {
   dispatcher.addInterceptor(&throwing);
   EXPECT_THROW(call(1), std::bad_alloc);
   throwing.onSent = [] {};
-  EXPECT_EQ(*call(1).reply, "reply to it");
+  EXPECT_EQ(textOf(call(1).reply), "reply to it");
 }
 
 TEST_F(ACallOfAMailbox, OfAChannelThatCloses_ReachesTheOtherProcessThatServesTheName) {

@@ -64,6 +64,12 @@ class SensorInvoker : public zerva::rmi::InvokerOf<Sensor> {
 #else
   SensorInvoker() : InvokerOf(ZERVA_METHOD(Sensor::speed)) {}
 #endif
+#if WRONG == 7
+  void invoke(Executable& service, ProtocolAdapter& adapter, const std::string& call,
+              std::string& reply) override {
+    InvokerOf::invoke(service, adapter, call, reply);
+  }
+#endif
 };
 
 double useBoth() {
