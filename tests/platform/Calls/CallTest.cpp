@@ -83,6 +83,18 @@ class ACall : public testing::TestWithParam<const char*> {
   }
   ~ACall() override { world.end(); }
 
+  /** A proxy more, with a request of its own. */
+  struct Proxied {
+    Proxied(ACall& call, CommsChannel& channel, const std::string& interface = "WindSensor")
+        : request(&channel, "/wind", interface, GetParam(),
+                  call.protocols.findProtocolAdapter(GetParam()), "", &call.world.context) {
+      proxy.initialise(&request);
+    }
+
+    ProxyRequestImpl request;
+    WindSensorProxy proxy;
+  };
+
   void run(Mode mode = Mode::ST) { world.run(&service, "/wind", mode, &dispatcher); }
 
   ProtocolRepository protocols;
@@ -126,14 +138,11 @@ TEST_P(ACall, AsksForTheInvokerOfItsInterfaceAndProtocolOnce) {
 }
 
 TEST_P(ACall, OfAnotherInterfaceOfTheSameService_AsksForTheInvokerOfThat) {
-  ProxyRequestImpl other(&channel, "/wind", "Vane", GetParam(),
-                         protocols.findProtocolAdapter(GetParam()), "", &world.context);
-  WindSensorProxy vane;
-  vane.initialise(&other);
+  Proxied vane(*this, channel, "Vane");
   run();
   for (int i = 0; i < 2; ++i) {
     sut.names();
-    vane.names();
+    vane.proxy.names();
   }
   EXPECT_THAT(asked.entries(), ElementsAre(std::string("WindSensor in ") + GetParam(),
                                            std::string("Vane in ") + GetParam()));
@@ -414,14 +423,11 @@ class ForeignChannel final : public CommsChannel {
 
 TEST_P(ACall, ThroughAChannelOfSomebodyElse_GoesTheWayOfThat) {
   ForeignChannel foreign("/foreign", nullptr);
-  ProxyRequestImpl through(&foreign, "/wind", "WindSensor", GetParam(),
-                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
-  WindSensorProxy proxy;
-  proxy.initialise(&through);
-  EXPECT_THAT([&] { proxy.speed(1); },
+  Proxied other(*this, foreign);
+  EXPECT_THAT([&] { other.proxy.speed(1); },
               ThrowsMessage<CallException>(HasSubstr("nobody serves channel '/wind'")));
   run();
-  EXPECT_EQ(proxy.speed(3), 3.5);
+  EXPECT_EQ(other.proxy.speed(3), 3.5);
   EXPECT_THAT(foreign.seen.entries(),
               ElementsAre("send to /wind", "receive", "send to /wind", "receive"));
 }
@@ -445,12 +451,9 @@ class RenumberingChannel final : public CommsChannel {
 
 TEST_P(ACall, ThroughAChannelThatMakesMessagesOfItsOwn_GetsTheReply) {
   RenumberingChannel foreign("/foreign", nullptr);
-  ProxyRequestImpl through(&foreign, "/wind", "WindSensor", GetParam(),
-                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
-  WindSensorProxy proxy;
-  proxy.initialise(&through);
+  Proxied other(*this, foreign);
   run();
-  EXPECT_EQ(proxy.speed(3), 3.5);
+  EXPECT_EQ(other.proxy.speed(3), 3.5);
 }
 
 class SilentChannel final : public CommsChannel {
@@ -464,11 +467,8 @@ class SilentChannel final : public CommsChannel {
 
 TEST_P(ACall, ThatFailsWithoutAReason_SaysThat) {
   SilentChannel silent("/silent", nullptr);
-  ProxyRequestImpl through(&silent, "/wind", "WindSensor", GetParam(),
-                           protocols.findProtocolAdapter(GetParam()), "", &world.context);
-  WindSensorProxy proxy;
-  proxy.initialise(&through);
-  EXPECT_THAT([&] { proxy.speed(1); },
+  Proxied other(*this, silent);
+  EXPECT_THAT([&] { other.proxy.speed(1); },
               ThrowsMessage<CallException>(HasSubstr("failed: no reason was given")));
 }
 

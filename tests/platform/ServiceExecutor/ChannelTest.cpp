@@ -20,10 +20,9 @@ namespace {
 
 using testing::HasSubstr;
 using zerva::concurrently;
-using zerva::LeavingReceiver;
 using zerva::OtherProcess;
+using zerva::RefusingReceiver;
 using zerva::ReplyTimeoutIs;
-using zerva::SlowReceiver;
 using zerva::waitUntil;
 
 TEST(ARequest, ToAChannelThatCloses_ReachesTheOtherProcessThatServesTheNameWithTheName) {
@@ -32,7 +31,7 @@ TEST(ARequest, ToAChannelThatCloses_ReachesTheOtherProcessThatServesTheNameWithT
   directory.setRemoteChannels(std::make_shared<OtherProcess>(asked));
   const auto leaving = std::make_shared<zerva::Mailbox>("/moved", nullptr);
   directory.add(leaving);
-  leaving->serveWith(std::make_shared<LeavingReceiver>(*leaving));
+  leaving->serveWith(std::make_shared<RefusingReceiver>([&] { leaving->close(); }));
 
   EXPECT_EQ(ask("/moved", "x").error, "it is out");
   EXPECT_EQ(asked, "/moved");
@@ -369,8 +368,8 @@ TEST(AMailbox, ThatIsClosed_SaysSoWhenSomethingIsSentOrAwaited) {
 TEST(AMailbox, WaitsForDeliveriesUnderWayAndThenLetsItsReceiverGo) {
   zerva::Gate gate;
   const auto sut = std::make_shared<zerva::Mailbox>("/svc", nullptr);
-  auto receiver = std::make_shared<SlowReceiver>(gate);
-  const std::weak_ptr<SlowReceiver> observed = receiver;
+  auto receiver = std::make_shared<RefusingReceiver>([&] { gate.wait(); });
+  const std::weak_ptr<RefusingReceiver> observed = receiver;
   sut->serveWith(std::move(receiver));
   std::thread delivering([&] {
     zerva::Envelope envelope;

@@ -147,7 +147,7 @@ TEST_F(ACallOfAMailbox, OfAChannelThatCloses_ReachesTheOtherProcessThatServesThe
   directory.setRemoteChannels(std::make_shared<OtherProcess>(asked));
   const auto leaving = std::make_shared<Mailbox>("/svc", nullptr);
   directory.add(leaving);
-  leaving->serveWith(std::make_shared<LeavingReceiver>(*leaving));
+  leaving->serveWith(std::make_shared<RefusingReceiver>([&] { leaving->close(); }));
 
   EXPECT_EQ(call(1).error, "it is out");
   EXPECT_EQ(asked, "/svc");
@@ -155,6 +155,30 @@ TEST_F(ACallOfAMailbox, OfAChannelThatCloses_ReachesTheOtherProcessThatServesThe
   directory.remove(*leaving);
   leaving->waitForDeliveries();
   directory.setRemoteChannels(nullptr);
+}
+
+// The first one was given up while it was delivered, and its id used again.
+TEST_F(ACallOfAMailbox, IsNotTakenForAnEarlierRequestWithItsIdThatNobodyTakes) {
+  run();
+  const auto leaving = std::make_shared<Mailbox>("/leaving", nullptr);
+  ChannelDirectory::instance().add(leaving);
+  leaving->serveWith(std::make_shared<RefusingReceiver>([&] {
+    EXPECT_THAT(sut->awaitReply(1).error, HasSubstr("did not answer in time"));
+    const ReplyTimeoutIs longTime(std::chrono::hours(1));
+    EXPECT_EQ(
+        sut->send(sharedName("/svc"), nullptr, std::make_shared<const std::string>("wait"), 1), "");
+    leaving->close();
+  }));
+  {
+    const ReplyTimeoutIs shortTime(std::chrono::milliseconds(1));
+    sut->send(sharedName("/leaving"), nullptr, nullptr, 1);
+  }
+  gate.open();
+  const Mailbox::Outcome outcome = sut->awaitReply(1);
+  EXPECT_EQ(textOf(outcome.reply), "reply to wait") << outcome.error;
+
+  ChannelDirectory::instance().remove(*leaving);
+  leaving->waitForDeliveries();
 }
 
 }  // namespace

@@ -1,21 +1,21 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "runtime/libClientUtils/ChannelDirectory.h"
 #include "runtime/libClientUtils/Mailbox.h"
-#include "tests/support/Barrier.h"
 
 namespace zerva {
 
-/** Holds whoever delivers to it back until its gate is opened. */
-class SlowReceiver final : public RequestReceiver {
+/** Does something when it is handed a message, and does not take it. */
+class RefusingReceiver final : public RequestReceiver {
  public:
-  explicit SlowReceiver(Gate& gate) : gate_(gate) {}
+  explicit RefusingReceiver(std::function<void()> work) : work_(std::move(work)) {}
   bool receive(Envelope& /*envelope*/) override {
-    gate_.wait();
+    work_();
     return false;
   }
   bool waitsForCaller() const override { return false; }
@@ -23,23 +23,7 @@ class SlowReceiver final : public RequestReceiver {
   bool isMaking() const override { return false; }
 
  private:
-  Gate& gate_;
-};
-
-/** Takes nothing any more, and its channel is closed. */
-class LeavingReceiver final : public RequestReceiver {
- public:
-  explicit LeavingReceiver(Mailbox& mailbox) : mailbox_(mailbox) {}
-  bool receive(Envelope& /*envelope*/) override {
-    mailbox_.close();
-    return false;
-  }
-  bool waitsForCaller() const override { return false; }
-  const Executable* object() const override { return nullptr; }
-  bool isMaking() const override { return false; }
-
- private:
-  Mailbox& mailbox_;
+  const std::function<void()> work_;
 };
 
 /** Another process, that serves all names. */
